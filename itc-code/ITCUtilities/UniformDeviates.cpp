@@ -1,0 +1,85 @@
+// The uniform generators: ran2 with its restart, and the small congruential one for callers.
+#include "Corvantis.h"
+#include "ITCUtilities/WrappingArithmetic.h"
+
+namespace corvantis {
+namespace {
+
+// One multiplicative congruential generator, computed by Schrage's factorisation of its modulus.
+struct Congruential {
+    int32_t multiplier;
+    int32_t quotient;
+    int32_t remainder;
+    uint32_t modulus;
+};
+
+// The moduli lie beyond 31 bits: adding one wraps some states to negative, on which the sequence of
+// every recorded noise depends.
+constexpr Congruential kFirst = {40014, 53668, 12211, 2147583563u};
+constexpr Congruential kSecond = {40692, 52774, 3791, 2147583399u};
+constexpr uint32_t kLargestOutput = kFirst.modulus - 1;
+constexpr int32_t kTableSize = 1024;
+constexpr int32_t kWarmUp = 32;
+constexpr uint32_t kTableDivisor = 1 + kLargestOutput / kTableSize;
+constexpr double kToUnit = 4.656396227037057e-10;
+constexpr float kLargestDeviate = 1.0F;
+
+int32_t idum2 = 123456789;
+int32_t iv[kTableSize];
+int32_t iy = 0;
+uint32_t next = 1;
+
+int32_t AddModulus(int32_t value, uint32_t modulus) {
+    return WrappingAdd(value, static_cast<int32_t>(modulus));
+}
+
+int32_t Step(const Congruential& generator, int32_t state) {
+    const int32_t k = state / generator.quotient;
+    const int32_t low = WrappingSubtract(state, WrappingMultiply(k, generator.quotient));
+    const int32_t result = WrappingSubtract(WrappingMultiply(generator.multiplier, low),
+                                            WrappingMultiply(k, generator.remainder));
+    return result < 0 ? AddModulus(result, generator.modulus) : result;
+}
+
+void Restart(int32_t& state) {
+    state = WrappingNegate(state);
+    if (state <= 0) state = 1;
+    idum2 = state;
+    for (int32_t j = kTableSize + kWarmUp; j >= 0; --j) {
+        state = Step(kFirst, state);
+        if (j < kTableSize) iv[j] = state;
+    }
+    iy = iv[0];
+}
+
+// As unsigned numbers all states are at most kLargestOutput + 1, and so is a difference that had
+// the modulus added: the index never reaches the table's size.
+int32_t Shuffle(int32_t state) {
+    const uint32_t j = static_cast<uint32_t>(iy) / kTableDivisor;
+    iy = WrappingSubtract(iv[j], idum2);
+    iv[j] = state;
+    if (iy < 1) iy = AddModulus(iy, kLargestOutput);
+    return iy;
+}
+
+float NextDeviate(int32_t& state) {
+    if (state <= 0) Restart(state);
+    state = Step(kFirst, state);
+    idum2 = Step(kSecond, idum2);
+    const float deviate = static_cast<float>(Shuffle(state) * kToUnit);
+    return deviate > kLargestDeviate ? kLargestDeviate : deviate;
+}
+
+}  // namespace
+}  // namespace corvantis
+
+float ran2(int32_t* idum) { return corvantis::NextDeviate(*idum); }
+
+float ITCSeedRandom(int32_t* idum) { return ran2(idum); }
+
+uint32_t kr_rand() {
+    corvantis::next = corvantis::next * 1103515245u + 12345u;
+    return (corvantis::next >> 16) & 32767u;
+}
+
+void kr_srand(uint32_t seed) { corvantis::next = seed; }

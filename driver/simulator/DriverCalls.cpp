@@ -1,0 +1,112 @@
+// The seven driver calls on the simulated interfaces, with the faults injected into them.
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <iterator>
+
+#include "simulator/Device.h"
+
+namespace {
+
+using itc18::Device;
+
+std::array<int32_t, ITC18Simulator_Calls> faults;
+
+bool IsFaulty(ITC18Simulator_Call call) { return faults[call] != 0; }
+
+}  // namespace
+
+int32_t ITC18_GetStructureSize(void) {
+    constexpr auto kCall = ITC18Simulator_CallGetStructureSize;
+    return IsFaulty(kCall) ? faults[kCall] : itc18::kStructureSize;
+}
+
+int32_t ITC18_Open(void* device, int32_t deviceNumber) {
+    if (IsFaulty(ITC18Simulator_CallOpen)) return faults[ITC18Simulator_CallOpen];
+    if (device == nullptr) return ITC18Simulator_NullPointer;
+    Device* const connected = itc18::DeviceNumbered(deviceNumber);
+    if (connected == nullptr) return ITC18Simulator_BadDeviceNumber;
+    if (connected->state.open || itc18::OpenDevice(device) != nullptr)
+        return ITC18Simulator_AlreadyOpen;
+    // Written to its last byte so that a memory checker finds a structure allocated too small.
+    std::memset(device, 0x18, itc18::kStructureSize);
+    connected->structure = device;
+    connected->state.open = 1;
+    return ITC18Simulator_Success;
+}
+
+int32_t ITC18_Initialize(void* device, int32_t options) {
+    if (IsFaulty(ITC18Simulator_CallInitialize)) return faults[ITC18Simulator_CallInitialize];
+    Device* const opened = itc18::OpenDevice(device);
+    if (opened == nullptr) return ITC18Simulator_NotOpen;
+    if (options != 0) return ITC18Simulator_BadOptions;
+    opened->state = ITC18Simulator_State{};
+    opened->state.open = 1;
+    opened->state.initialized = 1;
+    return ITC18Simulator_Success;
+}
+
+int32_t ITC18_SetSamplingInterval(void* device, int32_t interval, int32_t options) {
+    constexpr auto kCall = ITC18Simulator_CallSetSamplingInterval;
+    if (IsFaulty(kCall)) return faults[kCall];
+    Device* const opened = itc18::OpenDevice(device);
+    const int32_t result = itc18::CheckInitialized(opened);
+    if (result != ITC18Simulator_Success) return result;
+    if (options != 0) return ITC18Simulator_BadOptions;
+    if (interval < ITC18Simulator_ShortestInterval || interval > ITC18Simulator_LongestInterval)
+        return ITC18Simulator_BadInterval;
+    opened->state.interval = interval;
+    return ITC18Simulator_Success;
+}
+
+int32_t ITC18_SetSequence(void* device, int32_t length, const uint32_t* words) {
+    if (IsFaulty(ITC18Simulator_CallSetSequence)) return faults[ITC18Simulator_CallSetSequence];
+    Device* const opened = itc18::OpenDevice(device);
+    int32_t result = itc18::CheckInitialized(opened);
+    if (result == ITC18Simulator_Success) result = itc18::CheckSequence(length, words);
+    if (result != ITC18Simulator_Success) return result;
+    ITC18Simulator_State& state = opened->state;
+    std::fill(std::begin(state.sequence), std::end(state.sequence), 0);
+    std::copy_n(words, length, state.sequence);
+    state.sequenceLength = length;
+    state.prepared = 0;
+    return ITC18Simulator_Success;
+}
+
+int32_t ITC18_InitializeAcquisition(void* device) {
+    constexpr auto kCall = ITC18Simulator_CallInitializeAcquisition;
+    if (IsFaulty(kCall)) return faults[kCall];
+    Device* const opened = itc18::OpenDevice(device);
+    const int32_t result = itc18::CheckInitialized(opened);
+    if (result != ITC18Simulator_Success) return result;
+    if (opened->state.sequenceLength == 0) return ITC18Simulator_NoSequence;
+    opened->state.prepared = 1;
+    return ITC18Simulator_Success;
+}
+
+int32_t ITC18_Close(void* device) {
+    Device* const opened = itc18::OpenDevice(device);
+    if (opened != nullptr) *opened = Device{};
+    if (IsFaulty(ITC18Simulator_CallClose)) return faults[ITC18Simulator_CallClose];
+    return opened != nullptr ? ITC18Simulator_Success : ITC18Simulator_NotOpen;
+}
+
+int32_t ITC18Simulator_FailCall(int32_t call, int32_t result) {
+    if (call < 0 || call >= ITC18Simulator_Calls) return ITC18Simulator_BadCall;
+    faults[static_cast<size_t>(call)] = result;
+    return ITC18Simulator_Success;
+}
+
+int32_t ITC18Simulator_GetState(int32_t deviceNumber, ITC18Simulator_State* state) {
+    if (state == nullptr) return ITC18Simulator_NullPointer;
+    const Device* const connected = itc18::DeviceNumbered(deviceNumber);
+    if (connected == nullptr) return ITC18Simulator_BadDeviceNumber;
+    *state = connected->state;
+    return ITC18Simulator_Success;
+}
+
+void ITC18Simulator_Reset(void) {
+    itc18::CloseEveryDevice();
+    faults.fill(0);
+}

@@ -1,0 +1,106 @@
+// Starting the library with a device or without one, re-starting the device, and ending.
+#include <ctime>
+
+#include "Corvantis.h"
+#include "ITC18.h"
+#include "ITCFileIO/StimulusTypes.h"
+#include "ITCInitialize/EpochTable.h"
+#include "ITCInitialize/State.h"
+#include "ITCUtilities/Diagnostics.h"
+
+namespace corvantis {
+namespace {
+
+constexpr float kCountsPerVolt = 3200.0F;
+constexpr int32_t kDefaultDeviceInterval = 10;
+
+bool AllocateDevice() {
+    const int32_t size = ITC18_GetStructureSize();
+    itc = ITCMalloc(1, static_cast<size_t>(size));
+    return itc != nullptr;
+}
+
+bool AllocateState(const int32_t* bufsize) {
+    return AllocateEpochHeader() && AllocateFileHeader() && AllocateEpochTable(1) &&
+           AllocateBufferCapacity(bufsize);
+}
+
+void SetFileHeaderDefaults(ITCFileHeader& header) {
+    header.version = ITC_FILE_VERSION;
+    header.fileFlagA = 1;
+    header.fileFlagB = 2;
+    header.inputScale = kCountsPerVolt;
+    header.outputScale = kCountsPerVolt;
+    header.pipelineDepth = static_cast<int8_t>(kPipelineLength);
+    header.numEpochs = 0;
+    header.offset = 0.0F;
+    header.fileFlagC = 2;
+    header.fileFlagD = 1;
+}
+
+// A new start-up forgets the records of the one before, as it forgets its blocks.
+void EmptySlots() {
+    for (void*& slot : StmParameters) slot = nullptr;
+}
+
+int32_t SetDeviceInterval() {
+    const bool done = ITC18_SetSamplingInterval(itc, kDefaultDeviceInterval, 0) == 0;
+    return done ? ITC_SUCCESS : ITC_NOT_STARTED;
+}
+
+int32_t SetDefaultSequence() {
+    return ITCSetSeq("0", "0") == ITC_SUCCESS ? ITC_SUCCESS : ITC_NOT_STARTED;
+}
+
+}  // namespace
+}  // namespace corvantis
+
+int32_t ITCInit(uint16_t** inputBuffer, uint16_t** outputBuffer, const int32_t* bufsize,
+                int32_t deviceNumber) {
+    using namespace corvantis;
+    if (!AllocateDevice() || !AllocateState(bufsize)) return ITC_OUT_OF_MEMORY;
+    PrintLine("opening");
+    if (ITC18_Open(itc, deviceNumber) != 0) return ITC_NOT_STARTED;
+    AttachSampleBuffers(inputBuffer, outputBuffer);
+    SetFileHeaderDefaults(*filehdr);
+    EpochPosition[0] = kFirstEpochPosition;
+    EmptySlots();
+    InitializationTime = static_cast<int32_t>(std::time(nullptr));
+    InitFlag = 1;
+    PrintLine("initializing");
+    PrintLine("itc18");
+    if (ITC18_Initialize(itc, 0) != 0) return ITC_NOT_STARTED;
+    PrintLine("setting defaults");
+    if (SetDeviceInterval() != ITC_SUCCESS) return ITC_NOT_STARTED;
+    return SetDefaultSequence();
+}
+
+int32_t ITCInitAnalysis(uint16_t** inputBuffer, uint16_t** outputBuffer, const int32_t* bufsize) {
+    using namespace corvantis;
+    if (!AllocateEpochHeader() || !AllocateFileHeader()) return ITC_OUT_OF_MEMORY;
+    if (!AllocateBufferCapacity(bufsize) || !AllocateEpochTable(1)) return ITC_OUT_OF_MEMORY;
+    EpochPosition[0] = kFirstEpochPosition;
+    AttachSampleBuffers(inputBuffer, outputBuffer);
+    EmptySlots();
+    InitFlag = 1;
+    return ITC_SUCCESS;
+}
+
+int32_t ITCQuickReInit(int32_t deviceNumber) {
+    using namespace corvantis;
+    if (itc == nullptr) return ITC_NOT_STARTED;
+    ITC18_Close(itc);
+    if (ITC18_Open(itc, deviceNumber) != 0) return ITC_NOT_STARTED;
+    InitFlag = 1;
+    if (ITC18_Initialize(itc, 0) != 0) return ITC_NOT_STARTED;
+    if (SetDeviceInterval() != ITC_SUCCESS) return ITC_NOT_STARTED;
+    return SetDefaultSequence();
+}
+
+int32_t ITCFinish() {
+    using namespace corvantis;
+    if (!IsStarted()) return ITC_NOT_STARTED;
+    if (itc != nullptr) ITC18_Close(itc);
+    ReleaseHeaders();
+    return ITC_SUCCESS;
+}

@@ -1,0 +1,119 @@
+// The exported state and the bookkeeping of its blocks.
+#include "ITCInitialize/State.h"
+
+#include "ITCInitialize/EpochTable.h"
+#include "ITCInitialize/Memory.h"
+
+int32_t InitFlag = 0;
+int32_t InitializationTime = 0;
+ITCFileHeader* filehdr = nullptr;
+ITCEpochHeader* epochhdr = nullptr;
+void* StmParameters[ITC_CHANNELS] = {};
+uint32_t* EpochPosition = nullptr;
+int32_t* ITCbufsize = nullptr;
+uint16_t** ITCInputBuffer = nullptr;
+uint16_t** ITCOutputBuffer = nullptr;
+FILE* ITCOpenFilePtr = nullptr;
+void* itc = nullptr;
+float* ExcitatoryG = nullptr;
+float* InhibitoryG = nullptr;
+
+namespace corvantis {
+namespace {
+
+// What a global still points to although the library has released it.
+const void* releasedFileHeader = nullptr;
+const void* releasedEpochHeader = nullptr;
+const void* releasedCapacity = nullptr;
+const void* releasedInputHandle = nullptr;
+const void* releasedOutputHandle = nullptr;
+
+ITCFileHeader BlankFileHeader() {
+    ITCFileHeader header = {};
+    header.version = ITC_FILE_VERSION;
+    return header;
+}
+
+bool IsLive(const void* block, const void* released) {
+    return block != nullptr && block != released;
+}
+
+template <class T>
+bool AllocateBlock(T*& block, const void*& released) {
+    block = AllocateZeroed<T>(1).release();
+    released = nullptr;
+    return block != nullptr;
+}
+
+void ReleaseBlock(void* block, const void*& released) {
+    if (!IsLive(block, released)) return;
+    ITCFree(block);
+    released = block;
+}
+
+uint16_t* Samples(uint16_t** handle, const void* released) {
+    return IsLive(handle, released) ? *handle : nullptr;
+}
+
+void ReleaseSamples(uint16_t** handle, const void* released) { ITCFree(Samples(handle, released)); }
+
+}  // namespace
+
+bool HasFileHeader() { return IsLive(filehdr, releasedFileHeader); }
+
+bool IsStarted() {
+    return InitFlag != 0 && HasFileHeader() && IsLive(epochhdr, releasedEpochHeader);
+}
+
+ITCFileHeader& CurrentFileHeader() {
+    static ITCFileHeader blank = BlankFileHeader();
+    return HasFileHeader() ? *filehdr : blank;
+}
+
+ITCEpochHeader& CurrentEpochHeader() {
+    static ITCEpochHeader blank = {};
+    return IsLive(epochhdr, releasedEpochHeader) ? *epochhdr : blank;
+}
+
+uint16_t* InputSamples() { return Samples(ITCInputBuffer, releasedInputHandle); }
+uint16_t* OutputSamples() { return Samples(ITCOutputBuffer, releasedOutputHandle); }
+int32_t BufferCapacity() { return IsLive(ITCbufsize, releasedCapacity) ? *ITCbufsize : 0; }
+
+std::optional<int64_t> CurrentSampleCount() {
+    const ITCEpochHeader& header = CurrentEpochHeader();
+    if (header.epochPoints < 0 || header.sequenceLength < 0) return std::nullopt;
+    return int64_t{header.epochPoints} * header.sequenceLength;
+}
+
+bool AllocateFileHeader() { return AllocateBlock(filehdr, releasedFileHeader); }
+bool AllocateEpochHeader() { return AllocateBlock(epochhdr, releasedEpochHeader); }
+
+bool AllocateBufferCapacity(const int32_t* bufsize) {
+    if (!AllocateBlock(ITCbufsize, releasedCapacity)) return false;
+    *ITCbufsize = bufsize == nullptr ? 0 : *bufsize;
+    return true;
+}
+
+void ReleaseHeaders() {
+    ReleaseBlock(epochhdr, releasedEpochHeader);
+    ReleaseBlock(filehdr, releasedFileHeader);
+    ReleaseEpochTable();
+}
+
+void ReleaseSampleBuffers() {
+    ReleaseSamples(ITCOutputBuffer, releasedOutputHandle);
+    if (ITCInputBuffer != ITCOutputBuffer) ReleaseSamples(ITCInputBuffer, releasedInputHandle);
+    ReleaseBlock(ITCOutputBuffer, releasedOutputHandle);
+    ReleaseBlock(ITCInputBuffer, releasedInputHandle);
+}
+
+void ReleaseBufferCapacity() { ReleaseBlock(ITCbufsize, releasedCapacity); }
+
+void AttachSampleBuffers(uint16_t** inputBuffer, uint16_t** outputBuffer) {
+    ITCInputBuffer = inputBuffer;
+    ITCOutputBuffer = outputBuffer;
+    releasedInputHandle = nullptr;
+    releasedOutputHandle = nullptr;
+}
+
+}  // namespace corvantis

@@ -1,0 +1,65 @@
+// The older filtered noise: deviates of the platform's rand, averaged over a moving window.
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <span>
+
+#include "ITCInitialize/Memory.h"
+#include "ITCStimulus/FilteredNoise.h"
+#include "ITCStimulus/Samples.h"
+#include "ITCUtilities/WrappingArithmetic.h"
+
+namespace corvantis {
+namespace {
+
+void DrawDeviates(std::span<float> work, const ITCNoiseParameters& record) {
+    const float amplitude = static_cast<float>(record.amplitude);
+    const double gain = std::sqrt(static_cast<double>(record.smoothingPoints));
+    for (float& value : work) {
+        value = static_cast<float>(double{amplitude * V4ITCNormalDeviate()} * gain);
+    }
+}
+
+// Only behind the points: the noise fades into the tail but starts at full strength, as recorded.
+void FadeIntoTail(std::span<float> work, const ITCNoiseParameters& record, int32_t half) {
+    const int64_t total = static_cast<int64_t>(work.size());
+    const int64_t first = int64_t{record.prePoints} + record.points;
+    const int64_t begin = std::clamp<int64_t>(first, 0, total);
+    const int64_t end = std::clamp<int64_t>(first + half, begin, total);
+    std::fill(work.data() + begin, work.data() + end, 0.0F);
+}
+
+// Ascending sum of the window around x; entries outside the work array count as zero.
+float WindowSum(std::span<const float> work, int64_t x, int32_t reach) {
+    const int64_t begin = std::max<int64_t>(x - reach, 0);
+    const int64_t end = std::min(x + reach + 1, static_cast<int64_t>(work.size()));
+    float sum = 0.0F;
+    for (int64_t k = begin; k < end; ++k) sum += work[static_cast<size_t>(k)];
+    return sum;
+}
+
+}  // namespace
+
+int32_t CreateSmoothedNoise(uint16_t* buffer, const ITCNoiseParameters& record) {
+    const int32_t half = record.smoothingPoints / 2;
+    if (record.prePoints < half || record.tailPoints < half) return ITC_STIMULUS_ERROR;
+    const int64_t total = std::max<int64_t>(TotalPoints(record), 0);
+    std::srand(static_cast<unsigned>(record.seed));
+    const OwnedBlock<float> block = AllocateArray<float>(total);
+    if (block == nullptr) return ITC_OUT_OF_MEMORY;
+    const std::span<float> work(block.get(), static_cast<size_t>(total));
+    WriteLevel(buffer, total, record.mean);
+    DrawDeviates(work, record);
+    FadeIntoTail(work, record, half);
+    const int32_t reach = WrappingSubtract(record.smoothingPoints, 1) / 2;
+    const float window = static_cast<float>(record.smoothingPoints);
+    const float mean = static_cast<float>(record.mean);
+    const int64_t first = std::max<int64_t>(int64_t{record.prePoints} - half, 0);
+    const int64_t end = int64_t{record.prePoints} + record.points + half;
+    for (int64_t x = first; x < end; ++x) {
+        buffer[x] = ConvertToSample(WindowSum(work, x, reach) / window + mean);
+    }
+    return ITC_SUCCESS;
+}
+
+}  // namespace corvantis

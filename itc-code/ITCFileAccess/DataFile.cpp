@@ -1,0 +1,157 @@
+// Finding, creating, opening and closing the data file.
+#include "ITCFileAccess/DataFile.h"
+
+#include <glob.h>
+#if defined(__linux__)
+#include <stdio_ext.h>
+#endif
+#include <sys/stat.h>
+#include <sys/types.h>
+
+#include <string>
+
+#include "Corvantis.h"
+#include "ITCFileIO/ArrayCodec.h"
+#include "ITCInitialize/EpochTable.h"
+#include "ITCInitialize/State.h"
+
+namespace corvantis {
+namespace {
+
+static_assert(sizeof(off_t) == 8, "files reach 4 GiB: build with 64-bit file offsets");
+
+constexpr int64_t kUnknownPosition = -1;
+
+// Closing leaves the exported pointer's value, so which stream it was is remembered here.
+const FILE* closedStream = nullptr;
+int64_t appendPosition = kUnknownPosition;
+bool mayHaveMoved = false;
+
+// The first match of a pattern, or the pattern itself. A "~" is thus expanded only for a file that
+// exists: creating a new file through one fails, as callers know.
+class PathLookup {
+  public:
+    explicit PathLookup(const char* pattern)
+        : pattern_(pattern), found_(glob(pattern, GLOB_TILDE, nullptr, &matches_) == 0) {}
+    PathLookup(const PathLookup&) = delete;
+    PathLookup& operator=(const PathLookup&) = delete;
+    ~PathLookup() { globfree(&matches_); }
+    const char* Path() const { return found_ ? matches_.gl_pathv[0] : pattern_; }
+
+  private:
+    const char* pattern_;
+    glob_t matches_ = {};
+    bool found_;
+};
+
+// A pipe would block the caller for ever, a directory or device holds no recording.
+bool MayHoldData(const char* path) {
+    struct stat status = {};
+    return stat(path, &status) != 0 || S_ISREG(status.st_mode);
+}
+
+bool Exists(const char* path) {
+    struct stat status = {};
+    return stat(path, &status) == 0;
+}
+
+bool OpenPath(const char* path, const char* mode) {
+    ITCOpenFilePtr = MayHoldData(path) ? std::fopen(path, mode) : nullptr;
+    closedStream = nullptr;
+    appendPosition = kUnknownPosition;
+    mayHaveMoved = false;
+    return ITCOpenFilePtr != nullptr;
+}
+
+int32_t ReadEpochTable(FILE* stream, int32_t numEpochs, int64_t position) {
+    ReleaseEpochTable();
+    EpochPosition = nullptr;
+    if (numEpochs < 0 || !SeekTo(stream, position)) return ITC_FILE_ERROR;
+    // Before a count from a damaged header can ask for memory.
+    if (RemainingBytes(stream) < int64_t{4} * numEpochs) return ITC_FILE_ERROR;
+    if (!AllocateEpochTable(numEpochs)) return ITC_OUT_OF_MEMORY;
+    const bool complete =
+        ReadArray<uint32_t>(stream, EpochPosition, static_cast<size_t>(numEpochs));
+    return complete ? ITC_SUCCESS : ITC_FILE_ERROR;
+}
+
+int32_t OpenExisting(const char* pattern, const char* mode) {
+    if (pattern == nullptr || !HasFileHeader()) return ITC_FILE_ERROR;
+    if (!OpenPath(PathLookup(pattern).Path(), mode)) return ITC_FILE_ERROR;
+    ITCFileHeader& header = CurrentFileHeader();
+    if (!Read_ITCFileHeader(ITCOpenFilePtr, &header)) return ITC_FILE_ERROR;
+    const uint32_t position = static_cast<uint32_t>(header.epochTablePosition);
+    const int32_t result = ReadEpochTable(ITCOpenFilePtr, header.numEpochs, position);
+    if (result != ITC_SUCCESS) return result;
+    return header.version > ITC_FILE_VERSION ? ITC_VERSION_TOO_NEW : ITC_SUCCESS;
+}
+
+}  // namespace
+
+FILE* OpenStream() { return ITCOpenFilePtr == closedStream ? nullptr : ITCOpenFilePtr; }
+
+bool SeekTo(FILE* stream, int64_t position) { return fseeko(stream, position, SEEK_SET) == 0; }
+bool SkipForward(FILE* stream, int64_t count) { return fseeko(stream, count, SEEK_CUR) == 0; }
+int64_t CurrentPosition(FILE* stream) { return ftello(stream); }
+
+int64_t FileSize(FILE* stream) {
+    struct stat status = {};
+    return stream != nullptr && fstat(fileno(stream), &status) == 0 ? int64_t{status.st_size} : -1;
+}
+
+int64_t RemainingBytes(FILE* stream) {
+    const int64_t position = CurrentPosition(stream);
+    return position < 0 ? -1 : FileSize(stream) - position;
+}
+
+void RememberAppendPosition(int64_t position) {
+    appendPosition = position;
+    mayHaveMoved = false;
+}
+
+void RememberMove() { mayHaveMoved = true; }
+
+bool ReturnToAppendPosition(FILE* stream) {
+    if (!mayHaveMoved || appendPosition == kUnknownPosition) return true;
+    mayHaveMoved = !SeekTo(stream, appendPosition);
+    return !mayHaveMoved;
+}
+
+void DiscardUnwritten(FILE* stream) {
+#if defined(__linux__)
+    __fpurge(stream);
+#else
+    fpurge(stream);
+#endif
+}
+
+}  // namespace corvantis
+
+int32_t ITCCreateFile(const char* pattern, int32_t overwrite) {
+    using namespace corvantis;
+    if (pattern == nullptr || !HasFileHeader()) return ITC_FILE_ERROR;
+    const PathLookup lookup(pattern);
+    if (overwrite == 0 && OpenPath(lookup.Path(), "rb")) ITCCloseFile();
+    // An existing file that cannot be read is not to be replaced either.
+    if (overwrite == 0 && Exists(lookup.Path())) return ITC_FILE_ERROR;
+    if (!OpenPath(lookup.Path(), "w+b")) return ITC_FILE_ERROR;
+    if (!Write_ITCFileHeader(ITCOpenFilePtr, &CurrentFileHeader())) {
+        ITCCloseFile();
+        return ITC_FILE_ERROR;
+    }
+    RememberAppendPosition(kFirstEpochPosition);
+    return ITC_SUCCESS;
+}
+
+int32_t ITCOpenFile(const char* pattern) { return corvantis::OpenExisting(pattern, "rb"); }
+
+// "w+b" empties the file, deliberately: whoever relies on its failing finds an empty file.
+int32_t ITCOpenFileForEdit(const char* pattern) { return corvantis::OpenExisting(pattern, "w+b"); }
+
+int32_t ITCCloseFile() {
+    using namespace corvantis;
+    FILE* stream = OpenStream();
+    if (stream == nullptr) return EOF;
+    closedStream = stream;
+    return std::fclose(stream);
+}

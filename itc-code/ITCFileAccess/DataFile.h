@@ -1,0 +1,28 @@
+// The one open data file: where it stands, and what of it may still be used.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+
+namespace corvantis {
+
+// The open stream, or null if none was opened or it has been closed.
+FILE* OpenStream();
+
+// Positions with 64 bits on every host; false or -1 on failure.
+bool SeekTo(FILE* stream, int64_t position);
+bool SkipForward(FILE* stream, int64_t count);
+int64_t CurrentPosition(FILE* stream);
+// Bytes from the current position to the end of the file, which may be none; -1 on failure.
+int64_t RemainingBytes(FILE* stream);
+int64_t FileSize(FILE* stream);
+
+// Where the next epoch belongs, from creating the file or saving an epoch. Reading and failed
+// writes move the stream away from there; saving asks for the way back.
+void RememberAppendPosition(int64_t position);
+void RememberMove();
+bool ReturnToAppendPosition(FILE* stream);
+// Forget what was written but could not reach the file, or it would follow whenever there is room.
+void DiscardUnwritten(FILE* stream);
+
+}  // namespace corvantis

@@ -68,7 +68,7 @@ int32_t ReadEpochTable(FILE* stream, int32_t numEpochs, int64_t position) {
     EpochPosition = nullptr;
     if (numEpochs < 0 || !SeekTo(stream, position)) return ITC_FILE_ERROR;
     // Before a count from a damaged header can ask for memory.
-    if (RemainingBytes(stream) < int64_t{4} * numEpochs) return ITC_FILE_ERROR;
+    if (numEpochs > 0 && RemainingBytes(stream) < int64_t{4} * numEpochs) return ITC_FILE_ERROR;
     if (!AllocateEpochTable(numEpochs)) return ITC_OUT_OF_MEMORY;
     const bool complete =
         ReadArray<uint32_t>(stream, EpochPosition, static_cast<size_t>(numEpochs));

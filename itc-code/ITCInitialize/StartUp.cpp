@@ -88,7 +88,7 @@ int32_t ITCInitAnalysis(uint16_t** inputBuffer, uint16_t** outputBuffer, const i
 
 int32_t ITCQuickReInit(int32_t deviceNumber) {
     using namespace corvantis;
-    if (itc == nullptr) return ITC_NOT_STARTED;
+    if (itc == nullptr || !HasEpochHeader()) return ITC_NOT_STARTED;
     ITC18_Close(itc);
     if (ITC18_Open(itc, deviceNumber) != 0) return ITC_NOT_STARTED;
     InitFlag = 1;

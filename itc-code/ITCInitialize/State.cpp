@@ -60,10 +60,9 @@ void ReleaseSamples(uint16_t** handle, const void* released) { ITCFree(Samples(h
 }  // namespace
 
 bool HasFileHeader() { return IsLive(filehdr, releasedFileHeader); }
+bool HasEpochHeader() { return IsLive(epochhdr, releasedEpochHeader); }
 
-bool IsStarted() {
-    return InitFlag != 0 && HasFileHeader() && IsLive(epochhdr, releasedEpochHeader);
-}
+bool IsStarted() { return InitFlag != 0 && HasFileHeader() && HasEpochHeader(); }
 
 ITCFileHeader& CurrentFileHeader() {
     static ITCFileHeader blank = BlankFileHeader();
@@ -72,7 +71,7 @@ ITCFileHeader& CurrentFileHeader() {
 
 ITCEpochHeader& CurrentEpochHeader() {
     static ITCEpochHeader blank = {};
-    return IsLive(epochhdr, releasedEpochHeader) ? *epochhdr : blank;
+    return HasEpochHeader() ? *epochhdr : blank;
 }
 
 uint16_t* InputSamples() { return Samples(ITCInputBuffer, releasedInputHandle); }

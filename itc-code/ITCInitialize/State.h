@@ -16,6 +16,7 @@ bool IsStarted();
 ITCFileHeader& CurrentFileHeader();
 ITCEpochHeader& CurrentEpochHeader();
 bool HasFileHeader();
+bool HasEpochHeader();
 
 // A sample buffer of the caller, or null if there is none (any more).
 uint16_t* InputSamples();

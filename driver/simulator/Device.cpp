@@ -30,7 +30,7 @@ Device* DeviceNumbered(int32_t deviceNumber) {
 
 Device* OpenDevice(const void* structure) {
     if (structure == nullptr) return nullptr;
-    const auto found = std::find_if(devices.begin(), devices.end(), [=](const Device& device) {
+    auto* const found = std::find_if(devices.begin(), devices.end(), [=](const Device& device) {
         return device.structure == structure;
     });
     return found == devices.end() ? nullptr : &*found;

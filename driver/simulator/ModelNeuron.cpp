@@ -2,6 +2,7 @@
 #include "simulator/ModelNeuron.h"
 
 #include <cmath>
+#include <cstdint>
 
 namespace itc18 {
 namespace {
@@ -94,11 +95,11 @@ ModelNeuron SteadyState(double current) {
 // Gates and potential alternate, the gates half a step ahead; between two steps the second half of
 // one and the first half of the next see the same potential and are taken as one.
 void Advance(ModelNeuron& neuron, double current, double duration, double longestStep) {
-    const double steps = std::ceil(duration / longestStep);
-    const double step = duration / steps / 1000;
+    const int64_t steps = static_cast<int64_t>(std::ceil(duration / longestStep));
+    const double step = duration / static_cast<double>(steps) / 1000;
     const double density = CurrentDensity(current);
     AdvanceGates(neuron, step / 2);
-    for (double done = 1; done < steps; ++done) {
+    for (int64_t done = 1; done < steps; ++done) {
         AdvancePotential(neuron, density, step);
         AdvanceGates(neuron, step);
     }

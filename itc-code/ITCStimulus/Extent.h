@@ -6,6 +6,6 @@
 namespace corvantis {
 
 // True also for a type that has no waveform: its calculation writes nothing.
-bool StaysWithin(uint32_t type, const void* record, int64_t bufferPoints);
+bool StaysWithin(uint32_t type, const void* params, int64_t bufferPoints);
 
 }  // namespace corvantis

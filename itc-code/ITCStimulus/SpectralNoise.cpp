@@ -21,20 +21,20 @@ int32_t TransformLength(int32_t points) {
 
 // A complex sequence as the transform wants it: bin k behind an unused first value.
 struct Spectrum {
-    float& Real(int32_t k) { return values[2 * static_cast<size_t>(k) + 1]; }
-    float& Imaginary(int32_t k) { return values[2 * static_cast<size_t>(k) + 2]; }
-    void Scale(int32_t k, float factor) {
+    float& Real(int32_t k) const { return values[2 * static_cast<size_t>(k) + 1]; }
+    float& Imaginary(int32_t k) const { return values[2 * static_cast<size_t>(k) + 2]; }
+    void Scale(int32_t k, float factor) const {
         Real(k) *= factor;
         Imaginary(k) *= factor;
     }
-    void Transform(int32_t direction) {
+    void Transform(int32_t direction) const {
         ITCfft(direction, static_cast<uint32_t>(length), values.get());
     }
     OwnedBlock<float> values;
     int32_t length = 0;
 };
 
-void DrawWhiteNoise(Spectrum& spectrum, const ITCNoiseParameters& record) {
+void DrawWhiteNoise(const Spectrum& spectrum, const ITCNoiseParameters& record) {
     static int32_t seed;
     seed = WrappingNegate(record.seed);
     ITCSeedRandom(&seed);
@@ -53,7 +53,7 @@ float PowerGain(double frequency, const ITCNoiseParameters& record) {
 
 // Bin i shares its gain with bin n - 1 - i, one beside its true mirror: recorded noise depends on
 // it. Returns the sum of the gains.
-float ShapeSpectrum(Spectrum& spectrum, const ITCNoiseParameters& record) {
+float ShapeSpectrum(const Spectrum& spectrum, const ITCNoiseParameters& record) {
     const int32_t interval = CurrentEpochHeader().samplingInterval;
     const double duration = WrappingMultiply(spectrum.length, interval) * 1e-6;
     const float frequencyStep = static_cast<float>(1.0 / duration);
@@ -69,7 +69,8 @@ float ShapeSpectrum(Spectrum& spectrum, const ITCNoiseParameters& record) {
 }
 
 // Points before the buffer, which a negative prePoints would ask for, are passed over.
-void LayNoise(uint16_t* buffer, Spectrum& spectrum, const ITCNoiseParameters& record, float sum) {
+void LayNoise(uint16_t* buffer, const Spectrum& spectrum, const ITCNoiseParameters& record,
+              float sum) {
     const float scale = std::sqrt(static_cast<float>(spectrum.length) / (sum + sum));
     for (int32_t k = 0; k < record.points; ++k) {
         const int64_t x = int64_t{record.prePoints} + k;

@@ -447,18 +447,29 @@ CORVANTIS_API int32_t ITCStmParamsSize(uint32_t* size, uint32_t type);
  * then empty and `stimType` still holds the old type
  * @{
  */
+/** Install a sine. */
 CORVANTIS_API int32_t ITCSineParams(int32_t channel, const ITCSineParameters* params);
+/** Install filtered noise. */
 CORVANTIS_API int32_t ITCNoiseParams(int32_t channel, const ITCNoiseParameters* params);
+/** Install a pulse. */
 CORVANTIS_API int32_t ITCPulseParams(int32_t channel, const ITCPulseParameters* params);
+/** Install a ramp. */
 CORVANTIS_API int32_t ITCRampParams(int32_t channel, const ITCRampParameters* params);
+/** Install the caller's own wave, whose samples are not copied. */
 CORVANTIS_API int32_t ITCFilewaveParams(int32_t channel, const ITCFilewaveParameters* params);
+/** Install a trigger series. */
 CORVANTIS_API int32_t ITCTrigSeriesParams(int32_t channel, const ITCTrigSeriesParameters* params);
+/** Install segmented noise. */
 CORVANTIS_API int32_t ITCSegmentedNoiseParams(int32_t channel,
                                               const ITCSegmentedNoiseParameters* params);
+/** Install binary noise. */
 CORVANTIS_API int32_t ITCBinaryNoiseParams(int32_t channel, const ITCBinaryNoiseParameters* params);
+/** Install a circle pulse. */
 CORVANTIS_API int32_t ITCCirclePulseParams(int32_t channel, const ITCCirclePulseParameters* params);
+/** Install an alternating voltage. */
 CORVANTIS_API int32_t ITCAltVoltageParams(int32_t channel,
                                           const ITCAlternateVoltageParameters* params);
+/** Install a spatial stimulus. */
 CORVANTIS_API int32_t ITCSpatialParams(int32_t channel, const ITCSpatialStmParameters* params);
 /** @} */
 /**
@@ -505,18 +516,28 @@ CORVANTIS_API int32_t ITCFreeParams(uint32_t channel);
  * its `count` components are in use; #ITC_OUT_OF_MEMORY, `componentType` is then set already
  * @{
  */
+/** Add a sine. */
 CORVANTIS_API int32_t ITCAddSineParams(uint32_t channel, const ITCSineParameters* params);
+/** Add filtered noise. */
 CORVANTIS_API int32_t ITCAddNoiseParams(uint32_t channel, const ITCNoiseParameters* params);
+/** Add a pulse. */
 CORVANTIS_API int32_t ITCAddPulseParams(uint32_t channel, const ITCPulseParameters* params);
+/** Add a ramp. */
 CORVANTIS_API int32_t ITCAddRampParams(uint32_t channel, const ITCRampParameters* params);
+/** Add the caller's own wave, whose samples are not copied. */
 CORVANTIS_API int32_t ITCAddFilewaveParams(uint32_t channel, const ITCFilewaveParameters* params);
+/** Add segmented noise. */
 CORVANTIS_API int32_t ITCAddSegmentedNoiseParams(uint32_t channel,
                                                  const ITCSegmentedNoiseParameters* params);
+/** Add binary noise. */
 CORVANTIS_API int32_t ITCAddBinaryNoiseParams(uint32_t channel,
                                               const ITCBinaryNoiseParameters* params);
+/** Add dynamic clamp; the latency in the header stays. */
 CORVANTIS_API int32_t ITCAddGClampParams(uint32_t channel, const ITCGClampParameters* params);
+/** Add a circle pulse. */
 CORVANTIS_API int32_t ITCAddCirclePulseParams(uint32_t channel,
                                               const ITCCirclePulseParameters* params);
+/** Add an alternating voltage. */
 CORVANTIS_API int32_t ITCAddAltVoltParams(uint32_t channel,
                                           const ITCAlternateVoltageParameters* params);
 /** @} */
@@ -580,17 +601,26 @@ CORVANTIS_API int32_t ITCStmCreateNoise(uint16_t* buffer, const ITCNoiseParamete
  * @return the two noise generators return 0, the others nothing
  * @{
  */
+/** Compute a sine. */
 CORVANTIS_API void ITCStmCreateSine(int16_t* buffer, const ITCSineParameters* params);
+/** Compute a pulse. */
 CORVANTIS_API void ITCStmCreatePulse(int16_t* buffer, const ITCPulseParameters* params);
+/** Compute a ramp. */
 CORVANTIS_API void ITCStmCreateRamp(int16_t* buffer, const ITCRampParameters* params);
+/** Compute the caller's own wave. */
 CORVANTIS_API void ITCStmCreateFilewave(int16_t* buffer, const ITCFilewaveParameters* params);
+/** Compute a trigger series. */
 CORVANTIS_API void ITCStmCreateTrigSeries(int16_t* buffer, const ITCTrigSeriesParameters* params);
+/** Compute segmented noise. */
 CORVANTIS_API uint32_t ITCStmCreateSegmentedNoise(int16_t* buffer,
                                                   const ITCSegmentedNoiseParameters* params);
+/** Compute binary noise. */
 CORVANTIS_API uint32_t ITCStmCreateBinaryNoise(int16_t* buffer,
                                                const ITCBinaryNoiseParameters* params);
+/** Compute an alternating voltage. */
 CORVANTIS_API void ITCStmCreateAltVoltage(int16_t* buffer,
                                           const ITCAlternateVoltageParameters* params);
+/** Compute a spatial stimulus. */
 CORVANTIS_API void ITCStmCreateSpatial(int16_t* buffer, const ITCSpatialStmParameters* params);
 /** @} */
 /**
@@ -754,10 +784,15 @@ CORVANTIS_API int32_t ITCRetrieveRandomSeed(int32_t* result, uint32_t channel);
  * @return #ITC_SUCCESS; #ITC_NOT_STARTED; #ITC_STIMULUS_ERROR for every other type
  * @{
  */
+/** Amplitude [DAC codes]. */
 CORVANTIS_API int32_t ITCRetrieveStmAmp(int32_t* value, int8_t type, const void* record);
+/** Mean, the holding level [DAC codes]. */
 CORVANTIS_API int32_t ITCRetrieveStmMean(int32_t* value, int8_t type, const void* record);
+/** Points of the stimulus [samples]. */
 CORVANTIS_API int32_t ITCRetrieveStmPts(int32_t* value, int8_t type, const void* record);
+/** Points before it [samples]. */
 CORVANTIS_API int32_t ITCRetrieveStmPrePts(int32_t* value, int8_t type, const void* record);
+/** Points after it [samples]. */
 CORVANTIS_API int32_t ITCRetrieveStmTailPts(int32_t* value, int8_t type, const void* record);
 /** @} */
 
@@ -774,39 +809,66 @@ CORVANTIS_API int32_t ITCRetrieveStmTailPts(int32_t* value, int8_t type, const v
  * @return true if every byte was transferred
  * @{
  */
+/** Write 580 bytes. */
 CORVANTIS_API bool Write_ITCFileHeader(FILE* stream, const ITCFileHeader* record);
+/** Read 580 bytes. */
 CORVANTIS_API bool Read_ITCFileHeader(FILE* stream, ITCFileHeader* record);
+/** Write 912 bytes. */
 CORVANTIS_API bool Write_ITCEpochHeader(FILE* stream, const ITCEpochHeader* record);
+/** Write 40 bytes. */
 CORVANTIS_API bool Write_ITCSineParameters(FILE* stream, const ITCSineParameters* record);
+/** Read 40 bytes. */
 CORVANTIS_API bool Read_ITCSineParameters(FILE* stream, ITCSineParameters* record);
+/** Write 36 bytes. */
 CORVANTIS_API bool Write_ITCNoiseParameters(FILE* stream, const ITCNoiseParameters* record);
+/** Read 36 bytes. */
 CORVANTIS_API bool Read_ITCNoiseParameters(FILE* stream, ITCNoiseParameters* record);
+/** Write 32 bytes. */
 CORVANTIS_API bool Write_ITCPulseParameters(FILE* stream, const ITCPulseParameters* record);
+/** Read 32 bytes. */
 CORVANTIS_API bool Read_ITCPulseParameters(FILE* stream, ITCPulseParameters* record);
+/** Write 32 bytes. */
 CORVANTIS_API bool Write_ITCRampParameters(FILE* stream, const ITCRampParameters* record);
+/** Read 32 bytes. */
 CORVANTIS_API bool Read_ITCRampParameters(FILE* stream, ITCRampParameters* record);
+/** Write 32 bytes. */
 CORVANTIS_API bool Write_ITCGenericParameters(FILE* stream, const ITCGenericParameters* record);
+/** Read 32 bytes. */
 CORVANTIS_API bool Read_ITCGenericParameters(FILE* stream, ITCGenericParameters* record);
+/** Write 40 bytes. */
 CORVANTIS_API bool Write_ITCSegmentedNoiseParameters(FILE* stream,
                                                      const ITCSegmentedNoiseParameters* record);
+/** Read 40 bytes. */
 CORVANTIS_API bool Read_ITCSegmentedNoiseParameters(FILE* stream,
                                                     ITCSegmentedNoiseParameters* record);
+/** Write 40 bytes. */
 CORVANTIS_API bool Write_ITCBinaryNoiseParameters(FILE* stream,
                                                   const ITCBinaryNoiseParameters* record);
+/** Read 40 bytes. */
 CORVANTIS_API bool Read_ITCBinaryNoiseParameters(FILE* stream, ITCBinaryNoiseParameters* record);
+/** Write 48 bytes. */
 CORVANTIS_API bool Write_ITCCirclePulseParameters(FILE* stream,
                                                   const ITCCirclePulseParameters* record);
+/** Read 48 bytes. */
 CORVANTIS_API bool Read_ITCCirclePulseParameters(FILE* stream, ITCCirclePulseParameters* record);
+/** Write 36 bytes. */
 CORVANTIS_API bool Write_ITCAlternateVoltageParameters(FILE* stream,
                                                        const ITCAlternateVoltageParameters* record);
+/** Read 36 bytes. */
 CORVANTIS_API bool Read_ITCAlternateVoltageParameters(FILE* stream,
                                                       ITCAlternateVoltageParameters* record);
+/** Write 16 bytes. */
 CORVANTIS_API bool Write_ITCSpatialStimulusParameters(FILE* stream,
                                                       const ITCSpatialStmParameters* record);
+/** Read 16 bytes. */
 CORVANTIS_API bool Read_ITCSpatialStimulusParameters(FILE* stream, ITCSpatialStmParameters* record);
+/** Write 1284 bytes; the components are records of their own. */
 CORVANTIS_API bool Write_ITCSummedParameters(FILE* stream, const ITCSummedParameters* record);
+/** Read 1284 bytes; component pointers stay. */
 CORVANTIS_API bool Read_ITCSummedParameters(FILE* stream, ITCSummedParameters* record);
+/** Write 8 bytes. */
 CORVANTIS_API bool Write_ITCGClampParameters(FILE* stream, const ITCGClampParameters* record);
+/** Read 8 bytes. */
 CORVANTIS_API bool Read_ITCGClampParameters(FILE* stream, ITCGClampParameters* record);
 /** @} */
 /**
@@ -848,13 +910,21 @@ CORVANTIS_API bool Read_ITCStimulusParameters(FILE* stream, void* record, uint32
  * @return true if every element was transferred
  * @{
  */
+/** Write 4 bytes per element. */
 CORVANTIS_API bool WriteArray_long(FILE* stream, const long* values, int count);
+/** Read 4 bytes per element. */
 CORVANTIS_API bool ReadArray_long(FILE* stream, long* values, int count);
+/** Write 4 bytes per element. */
 CORVANTIS_API bool WriteArray_int(FILE* stream, const int32_t* values, int count);
+/** Read 4 bytes per element. */
 CORVANTIS_API bool ReadArray_int(FILE* stream, int32_t* values, int count);
+/** Write 2 bytes per element. */
 CORVANTIS_API bool WriteArray_short(FILE* stream, const int16_t* values, int count);
+/** Read 2 bytes per element. */
 CORVANTIS_API bool ReadArray_short(FILE* stream, int16_t* values, int count);
+/** Write 4 bytes per element. */
 CORVANTIS_API bool WriteArray_float(FILE* stream, const float* values, int count);
+/** Read 4 bytes per element. */
 CORVANTIS_API bool ReadArray_float(FILE* stream, float* values, int count);
 /** @} */
 
@@ -868,10 +938,15 @@ CORVANTIS_API bool ReadArray_float(FILE* stream, float* values, int count);
  * @return the value, or a pointer to the stored text inside the header
  * @{
  */
+/** Epochs in the file. */
 CORVANTIS_API int32_t ITCGetNumEpochs(void);
+/** Store the comment of the file. */
 CORVANTIS_API char* ITCWriteFileCom(const char* text);
+/** The comment of the file. */
 CORVANTIS_API char* ITCGetFileCom(void);
+/** Store the offset of the file, in whatever unit the application keeps it. */
 CORVANTIS_API void ITCWriteOffset(float value);
+/** The offset of the file. */
 CORVANTIS_API double ITCGetOffset(void);
 /** @} */
 
@@ -888,27 +963,49 @@ CORVANTIS_API double ITCGetOffset(void);
  * @return the value, or a pointer to the stored text inside the header
  * @{
  */
+/** Time of the epoch, as the application counts. */
 CORVANTIS_API double ITCGetEpochTime(void);
+/** Store the comment of the epoch. */
 CORVANTIS_API char* ITCWriteEpochCom(const char* text);
+/** The comment of the epoch. */
 CORVANTIS_API char* ITCGetEpochCom(void);
+/** Store the unit name of an input. */
 CORVANTIS_API char* ITCWriteInputUnits(const char* text, int32_t channel);
+/** Store the unit name of an output. */
 CORVANTIS_API char* ITCWriteOutputUnits(const char* text, int32_t channel);
+/** Unit name of an input, at most 16 characters. */
 CORVANTIS_API char* ITCGetInputUnits(int32_t channel);
+/** Unit name of an output, at most 16 characters. */
 CORVANTIS_API char* ITCGetOutputUnits(int32_t channel);
+/** Entries of the channel sequence. */
 CORVANTIS_API int32_t ITCGetSegments(void);
+/** Points per sequence entry [samples]. */
 CORVANTIS_API int32_t ITCGetDataPts(void);
+/** One pass of the sequence [µs]. */
 CORVANTIS_API int32_t ITCGetSampInterval(void);
+/** Store gain [V per unit], second value and code of an amplifier. */
 CORVANTIS_API void ITCWriteAmpGain(float gain, float value, int8_t code, int32_t channel);
+/** Store an output's conversion factor [units per volt]. */
 CORVANTIS_API void ITCWriteConvFactor(float factor, int32_t channel);
+/** Conversion factor of an output [units per volt]. */
 CORVANTIS_API double ITCGetConvFactor(int32_t channel);
+/** Store an amplifier's mode. */
 CORVANTIS_API void ITCWriteAmpMode(int8_t mode, int32_t channel);
+/** Store an output's mean level [DAC codes]. */
 CORVANTIS_API void ITCWriteMeanOutput(int32_t value, int32_t channel);
+/** Store a neutral density filter. */
 CORVANTIS_API void ITCWriteNDF(float value, int32_t channel);
+/** Store an LED setting. */
 CORVANTIS_API void ITCWriteLEDSetting(uint16_t value, int32_t channel);
+/** Store a free value. */
 CORVANTIS_API void ITCWriteUserValue(float value, int32_t index);
+/** Store the temperature [°C]. */
 CORVANTIS_API void ITCWriteTemperature(float value);
+/** Store the digital output word. */
 CORVANTIS_API void ITCWriteDigitalOutput(uint16_t value);
+/** Store the wavelength [nm]. */
 CORVANTIS_API void ITCWriteWavelength(uint16_t value);
+/** #ITCStimulusType of a channel, sign-extended. */
 CORVANTIS_API int32_t ITCGetStimType(int32_t channel);
 /** @} */
 /**
@@ -999,21 +1096,33 @@ CORVANTIS_API int32_t ITCReadEpochStmGClamp(int32_t epoch, uint32_t channel, flo
  * @param[in] channel [0..3]
  * @param[in] index user value [0..23]
  * @param[out] result the field, in the unit of the header; untouched on failure
- * @return #ITC_SUCCESS; #ITC_NOT_STARTED; #ITC_STIMULUS_ERROR for a channel that the epoch's
- * sequence has not, or an index out of range; #ITC_FILE_ERROR if the epoch cannot be read
+ * @return #ITC_SUCCESS; #ITC_NOT_STARTED; #ITC_BAD_ARGUMENT for a channel or index out of range;
+ * #ITC_FILE_ERROR if the epoch cannot be read
  * @{
  */
+/** Entries of the channel sequence. */
 CORVANTIS_API int32_t ITCGetEpochSegments(int32_t epoch, int32_t* result);
+/** Points per sequence entry [samples]. */
 CORVANTIS_API int32_t ITCGetEpochSize(int32_t epoch, int32_t* result);
+/** One pass of the sequence [µs]. */
 CORVANTIS_API int32_t ITCGetSamplingInterval(int32_t epoch, int32_t* result);
+/** Amplifier gain of a channel [V per unit]. */
 CORVANTIS_API int32_t ITCGetAmpGain(int32_t epoch, int32_t channel, float* result);
+/** Amplifier mode of a channel, a signed byte as a float. */
 CORVANTIS_API int32_t ITCGetAmpMode(int32_t epoch, int32_t channel, float* result);
+/** Mean output level of a channel [DAC codes]. */
 CORVANTIS_API int32_t ITCGetMeanOutput(int32_t epoch, int32_t channel, int32_t* result);
+/** A free value. */
 CORVANTIS_API int32_t ITCGetUserValue(int32_t epoch, int32_t index, float* result);
+/** LED setting of a channel. */
 CORVANTIS_API int32_t ITCGetLEDSetting(int32_t epoch, int32_t channel, uint16_t* result);
+/** Neutral density filter of a channel. */
 CORVANTIS_API int32_t ITCGetNDF(int32_t epoch, int32_t channel, float* result);
+/** Wavelength [nm]. */
 CORVANTIS_API int32_t ITCGetWavelength(int32_t epoch, uint16_t* result);
+/** Digital output word. */
 CORVANTIS_API int32_t ITCGetDigitalOutput(int32_t epoch, uint16_t* result);
+/** Temperature [°C]. */
 CORVANTIS_API int32_t ITCGetTemperature(int32_t epoch, float* result);
 /** @} */
 /**
@@ -1078,18 +1187,25 @@ CORVANTIS_API int32_t ITCGetSegmentForInputChan(int32_t epoch, int32_t channel, 
  * component that the epoch has not
  * @{
  */
+/** #ITCStimulusType of the record. */
 CORVANTIS_API int32_t ITCGetStmType(int32_t epoch, int32_t channel, int32_t component,
                                     int32_t* result);
+/** Amplitude [DAC codes]. */
 CORVANTIS_API int32_t ITCGetStmAmp(int32_t epoch, int32_t channel, int32_t component,
                                    int32_t* result);
+/** Mean, the holding level [DAC codes]. */
 CORVANTIS_API int32_t ITCGetStmMean(int32_t epoch, int32_t channel, int32_t component,
                                     int32_t* result);
+/** Points of the stimulus [samples]. */
 CORVANTIS_API int32_t ITCGetStmPts(int32_t epoch, int32_t channel, int32_t component,
                                    int32_t* result);
+/** Points before it [samples]. */
 CORVANTIS_API int32_t ITCGetStmPrePts(int32_t epoch, int32_t channel, int32_t component,
                                       int32_t* result);
+/** Points after it [samples]. */
 CORVANTIS_API int32_t ITCGetStmTailPts(int32_t epoch, int32_t channel, int32_t component,
                                        int32_t* result);
+/** Seed of filtered noise. */
 CORVANTIS_API int32_t ITCGetSeed(int32_t epoch, int32_t channel, int32_t component,
                                  int32_t* result);
 /** @} */

@@ -1,0 +1,41 @@
+# What an installation holds, and how other projects and the package manager find it.
+include(CMakePackageConfigHelpers)
+
+set(PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/Corvantis)
+set(INSTALLED_TARGETS Corvantis)
+if(NOT ITC18_DRIVER)
+    list(APPEND INSTALLED_TARGETS ITC18)
+    install(FILES driver/ITC18.h driver/simulator/ITC18Simulator.h
+            DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+endif()
+
+install(TARGETS ${INSTALLED_TARGETS} EXPORT CorvantisTargets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(FILES itc-code/Corvantis.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(EXPORT CorvantisTargets NAMESPACE Corvantis:: DESTINATION ${PACKAGE_DIR})
+
+configure_package_config_file(cmake/CorvantisConfig.cmake.in CorvantisConfig.cmake
+                              INSTALL_DESTINATION ${PACKAGE_DIR})
+write_basic_package_version_file(CorvantisConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/CorvantisConfig.cmake
+              ${PROJECT_BINARY_DIR}/CorvantisConfigVersion.cmake
+        DESTINATION ${PACKAGE_DIR})
+
+# Relative to the file itself, so that an installation can be moved or staged.
+file(RELATIVE_PATH PKGCONFIG_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+cmake_path(APPEND PKGCONFIG_LIBDIR "\${prefix}" ${CMAKE_INSTALL_LIBDIR})
+cmake_path(APPEND PKGCONFIG_INCLUDEDIR "\${prefix}" ${CMAKE_INSTALL_INCLUDEDIR})
+configure_file(cmake/corvantis.pc.in corvantis.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/corvantis.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME corvantis)
+set(CPACK_PACKAGE_CONTACT "Corvantis maintainers <maintainers@corvantis.invalid>")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION science)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+include(CPack)

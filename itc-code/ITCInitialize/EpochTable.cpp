@@ -39,7 +39,7 @@ bool GrowEpochTable(int64_t epochs) {
     }
     const int64_t entries = std::min(EpochTableEntries(), epochs + 1);
     std::copy_n(EpochPosition, entries, grown.get());
-    std::fill(grown.get() + entries, grown.get() + epochs + 1, grown[entries - 1]);
+    std::fill(grown.get() + entries, grown.get() + epochs + 1, grown.get()[entries - 1]);
     ReleaseEpochTable();
     UseTable(std::move(grown), epochs + 1);
     return true;

@@ -38,8 +38,9 @@ bool ReadArray(FILE* stream, MemoryType* values, size_t count) {
         const size_t block = complete ? std::min(kArrayBlock, count - done) : 1;
         const size_t read = std::fread(bytes, sizeof(FileType), block, stream);
         for (size_t i = 0; i < read; ++i) {
-            values[done + i] =
-                static_cast<MemoryType>(LoadBigEndian<FileType>(bytes + i * sizeof(FileType)));
+            FileType value;
+            LoadBigEndian(bytes + i * sizeof(FileType), value);
+            values[done + i] = static_cast<MemoryType>(value);
         }
         if (read < block) complete = false;
         if (read < block && std::feof(stream) != 0) break;

@@ -51,20 +51,22 @@ constexpr T SwapEndian(T value) {
     }
 }
 
-// Store a value as the file holds it, as bits: a signalling NaN must not pass a float register.
+// A value as the file holds it, as bits and by reference: a function's result may pass a register
+// that makes a signalling NaN a quiet one, on 32-bit x86.
 template <class T>
-void StoreBigEndian(uint8_t* bytes, T value) {
-    auto bits = std::bit_cast<typename BitsOfSize<sizeof(T)>::Type>(value);
+void StoreBigEndian(uint8_t* bytes, const T& value) {
+    typename BitsOfSize<sizeof(T)>::Type bits;
+    std::memcpy(&bits, &value, sizeof bits);
     if constexpr (isBigEndian == 0) bits = SwapEndian(bits);
     std::memcpy(bytes, &bits, sizeof bits);
 }
 
 template <class T>
-T LoadBigEndian(const uint8_t* bytes) {
+void LoadBigEndian(const uint8_t* bytes, T& value) {
     typename BitsOfSize<sizeof(T)>::Type bits;
     std::memcpy(&bits, bytes, sizeof bits);
     if constexpr (isBigEndian == 0) bits = SwapEndian(bits);
-    return std::bit_cast<T>(bits);
+    std::memcpy(&value, &bits, sizeof bits);
 }
 
 }  // namespace corvantis

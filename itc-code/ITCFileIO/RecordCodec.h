@@ -68,7 +68,7 @@ struct Decoder : ElementVisitor<Decoder> {
     explicit Decoder(const uint8_t* bytes) : next(bytes) {}
     template <class T>
     void Element(T& value) {
-        value = LoadBigEndian<T>(next);
+        LoadBigEndian(next, value);
         next += sizeof(T);
     }
     void Zero() { ++next; }

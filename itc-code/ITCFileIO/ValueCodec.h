@@ -32,7 +32,8 @@ template <class FileType, class MemoryType>
 bool ReadValue(FILE* stream, MemoryType& value) {
     uint8_t bytes[sizeof(FileType)] = {};
     const bool complete = std::fread(bytes, sizeof bytes, 1, stream) == 1;
-    const auto fileValue = LoadBigEndian<FileType>(bytes);
+    FileType fileValue;
+    LoadBigEndian(bytes, fileValue);
     value = static_cast<MemoryType>(fileValue);
     if (FitsInMemory<FileType, MemoryType>(fileValue)) return complete;
     PrintValueOutOfRange();

@@ -58,6 +58,7 @@ int32_t SetDefaultSequence() {
 int32_t ITCInit(uint16_t** inputBuffer, uint16_t** outputBuffer, const int32_t* bufsize,
                 int32_t deviceNumber) {
     using namespace corvantis;
+    BeginStartUp();
     if (!AllocateDevice() || !AllocateState(bufsize)) return ITC_OUT_OF_MEMORY;
     PrintLine("opening");
     if (ITC18_Open(itc, deviceNumber) != 0) return ITC_NOT_STARTED;
@@ -66,7 +67,7 @@ int32_t ITCInit(uint16_t** inputBuffer, uint16_t** outputBuffer, const int32_t* 
     EpochPosition[0] = kFirstEpochPosition;
     EmptySlots();
     InitializationTime = static_cast<int32_t>(std::time(nullptr));
-    InitFlag = 1;
+    CompleteStartUp();
     PrintLine("initializing");
     PrintLine("itc18");
     if (ITC18_Initialize(itc, 0) != 0) return ITC_NOT_STARTED;
@@ -77,12 +78,13 @@ int32_t ITCInit(uint16_t** inputBuffer, uint16_t** outputBuffer, const int32_t* 
 
 int32_t ITCInitAnalysis(uint16_t** inputBuffer, uint16_t** outputBuffer, const int32_t* bufsize) {
     using namespace corvantis;
+    BeginStartUp();
     if (!AllocateEpochHeader() || !AllocateFileHeader()) return ITC_OUT_OF_MEMORY;
     if (!AllocateBufferCapacity(bufsize) || !AllocateEpochTable(1)) return ITC_OUT_OF_MEMORY;
     EpochPosition[0] = kFirstEpochPosition;
     AttachSampleBuffers(inputBuffer, outputBuffer);
     EmptySlots();
-    InitFlag = 1;
+    CompleteStartUp();
     return ITC_SUCCESS;
 }
 

@@ -21,6 +21,8 @@ float* InhibitoryG = nullptr;
 namespace corvantis {
 namespace {
 
+bool startUpUnderway = false;
+
 // What a global still points to although the library has released it.
 const void* releasedFileHeader = nullptr;
 const void* releasedEpochHeader = nullptr;
@@ -62,7 +64,16 @@ void ReleaseSamples(uint16_t** handle, const void* released) { ITCFree(Samples(h
 bool HasFileHeader() { return IsLive(filehdr, releasedFileHeader); }
 bool HasEpochHeader() { return IsLive(epochhdr, releasedEpochHeader); }
 
-bool IsStarted() { return InitFlag != 0 && HasFileHeader() && HasEpochHeader(); }
+bool IsStarted() {
+    return InitFlag != 0 && !startUpUnderway && HasFileHeader() && HasEpochHeader();
+}
+
+void BeginStartUp() { startUpUnderway = true; }
+
+void CompleteStartUp() {
+    startUpUnderway = false;
+    InitFlag = 1;
+}
 
 ITCFileHeader& CurrentFileHeader() {
     static ITCFileHeader blank = BlankFileHeader();

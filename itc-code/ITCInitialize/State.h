@@ -11,6 +11,10 @@ namespace corvantis {
 
 // Started, and both headers are there: what nearly every operation asks first.
 bool IsStarted();
+// Between the two the blocks of an earlier session are being replaced; a start-up that fails there
+// leaves nothing that could be worked with, whatever the flag still says.
+void BeginStartUp();
+void CompleteStartUp();
 
 // The current headers; before a start-up blank ones, so that no accessor meets a null pointer.
 ITCFileHeader& CurrentFileHeader();

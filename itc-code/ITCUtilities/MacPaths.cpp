@@ -48,7 +48,8 @@ class BoundedPath {
         fits_ = fits_ && text.size() < room_ - length_;
         if (!fits_) return;
         std::memcpy(buffer_ + length_, text.data(), text.size());
-        Cut(length_ + text.size());
+        length_ += text.size();
+        buffer_[length_] = '\0';
     }
     // A '/' within a name is written ':' here, as the other system's ':' separates.
     void AppendName(std::string_view name) {
@@ -57,24 +58,8 @@ class BoundedPath {
         Append(name);
         std::replace(buffer_ + start, buffer_ + length_, '/', ':');
     }
-    // Nothing lies above the volume, to which the first `floor` characters lead.
-    void Climb(size_t floor) {
-        const std::string_view path = Text();
-        const size_t slash = path.rfind('/');
-        const size_t name = slash == std::string_view::npos ? 0 : slash + 1;
-        const bool relative = path.empty() || path[0] != '/';
-        if (relative && (path.empty() || path.substr(name) == "..")) {
-            AppendName("..");
-        } else {
-            Cut(std::max(floor, name == 0 ? 0 : name - 1));
-        }
-    }
 
   private:
-    void Cut(size_t length) {
-        length_ = length;
-        buffer_[length_] = '\0';
-    }
     char* buffer_;
     size_t room_;
     size_t length_ = 0;
@@ -102,18 +87,24 @@ std::string_view TakeComponent(std::string_view& rest) {
     return component;
 }
 
+// Whether a name stays in the path, or a later climb leads out of it again.
+bool IsClimbedOut(std::string_view rest) {
+    int depth = 1;
+    while (!rest.empty() && depth > 0) depth += TakeComponent(rest).empty() ? -1 : 1;
+    return depth == 0;
+}
+
+// An empty component climbs one level, but not above the volume.
 void ConvertPath(std::string_view rest, BoundedPath& path) {
     // A leading ':' makes the path relative; without one the first component is the volume.
     const std::string_view volume = TakeComponent(rest);
     if (!volume.empty()) AppendVolume(path, volume);
-    const size_t floor = path.Text().size();
+    int level = 0;
     while (!rest.empty()) {
-        const std::string_view component = TakeComponent(rest);
-        if (component.empty()) {
-            path.Climb(floor);
-        } else {
-            path.AppendName(component);
-        }
+        const std::string_view name = TakeComponent(rest);
+        if (!name.empty() && !IsClimbedOut(rest)) path.AppendName(name);
+        if (name.empty() && level == 0 && volume.empty()) path.AppendName("..");
+        level = std::max(0, level + (name.empty() ? -1 : 1));
     }
     if (path.Text().empty()) path.Append(".");
 }

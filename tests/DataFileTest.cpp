@@ -1,0 +1,231 @@
+// Creating, finding, opening and closing the data file.
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "Corvantis.h"
+#include "FileBytes.h"
+#include "LibrarySession.h"
+#include "PulseEpoch.h"
+
+namespace {
+
+using namespace corvantis_test;
+
+TEST(DataFile, IsCreatedWithItsHeaderAndOverwrittenOnlyOnRequest) {
+    const LibrarySession session;
+    const TemporaryFolder folder;
+    const std::string path = folder.File("new.itc");
+    EXPECT_EQ(ITCCreateFile(path.c_str(), 0), ITC_SUCCESS);
+    EXPECT_EQ(ITCCloseFile(), 0);
+    EXPECT_EQ(FileContent(path), FileHeaderBytes(8, 0, 0));
+
+    const Bytes precious = Text("a year of work", 2000);
+    WriteFile(path, precious);
+    EXPECT_EQ(ITCCreateFile(path.c_str(), 0), ITC_FILE_ERROR);
+    EXPECT_EQ(FileContent(path), precious);
+    EXPECT_EQ(ITCCloseFile(), -1);
+
+    EXPECT_EQ(ITCCreateFile(path.c_str(), 1), ITC_SUCCESS);
+    EXPECT_EQ(ITCCloseFile(), 0);
+    EXPECT_EQ(FileContent(path), FileHeaderBytes(8, 0, 0));
+    for (const int32_t overwrite : {0, 1}) {
+        EXPECT_EQ(ITCCreateFile(folder.File("absent/new.itc").c_str(), overwrite), ITC_FILE_ERROR);
+        EXPECT_EQ(ITCCreateFile(folder.path.c_str(), overwrite), ITC_FILE_ERROR);
+    }
+}
+
+TEST(DataFile, TakesTheFirstMatchOfAPatternOrThePatternItself) {
+    const LibrarySession session;
+    const TemporaryFolder folder;
+    for (const char* name : {"c.itc", "b.itc", "a.dat"}) WriteFile(folder.File(name), Bytes(3));
+    EXPECT_EQ(ITCCreateFile(folder.File("*.itc").c_str(), 1), ITC_SUCCESS);
+    EXPECT_EQ(ITCCloseFile(), 0);
+    EXPECT_EQ(FileContent(folder.File("b.itc")).size(), 580);
+    EXPECT_EQ(FileContent(folder.File("c.itc")), Bytes(3));
+    EXPECT_EQ(ITCCreateFile(folder.File("?.itc").c_str(), 0), ITC_FILE_ERROR);
+
+    EXPECT_EQ(ITCOpenFile(folder.File("[ab].itc").c_str()), ITC_SUCCESS);
+    EXPECT_EQ(ITCCloseFile(), 0);
+
+    EXPECT_EQ(ITCCreateFile(folder.File("run*").c_str(), 0), ITC_SUCCESS);
+    EXPECT_EQ(ITCCloseFile(), 0);
+    EXPECT_EQ(FileContent(folder.File("run*")).size(), 580);
+}
+
+// A tilde stands for the home folder only once the file is there.
+TEST(DataFile, HomeFolderOfExistingFilesOnly) {
+    const LibrarySession session;
+    const TemporaryFolder folder;
+    const char* home = std::getenv("HOME");
+    const std::string formerHome = home == nullptr ? "" : home;
+    setenv("HOME", folder.path.c_str(), 1);
+    WriteFile(folder.File("old.itc"), PulseFileBytes());
+    EXPECT_EQ(ITCOpenFile("~/old.itc"), ITC_SUCCESS);
+    EXPECT_EQ(ITCCloseFile(), 0);
+    EXPECT_EQ(ITCCreateFile("~/old.itc", 1), ITC_SUCCESS);
+    EXPECT_EQ(ITCCloseFile(), 0);
+    EXPECT_EQ(ITCCreateFile("~/new.itc", 0), ITC_FILE_ERROR);
+    EXPECT_FALSE(std::filesystem::exists(folder.File("new.itc")));
+    if (home == nullptr) {
+        unsetenv("HOME");
+    } else {
+        setenv("HOME", formerHome.c_str(), 1);
+    }
+}
+
+struct OpeningCase {
+    const char* name;
+    Bytes file;
+    int32_t result;
+    std::vector<uint32_t> positions;  // of a loaded table
+};
+
+std::vector<OpeningCase> OpeningCases() {
+    const auto twoEpochs = [](uint8_t version) {
+        return Join({FileHeaderBytes(version, 2, 580), Big32(580), Big32(0x89ABCDEF)});
+    };
+    const auto table = [](uint32_t epochs, uint32_t position) {
+        return Join({FileHeaderBytes(8, epochs, position), Big32(580)});
+    };
+    const Bytes emptyFile = FileHeaderBytes(8, 0, 580);
+    return {
+        {"no bytes", {}, ITC_FILE_ERROR, {}},
+        {"one byte short", Bytes(emptyFile.begin(), emptyFile.end() - 1), ITC_FILE_ERROR, {}},
+        {"no epochs", emptyFile, ITC_SUCCESS, {}},
+        {"no epochs, table anywhere", FileHeaderBytes(8, 0, 0xFFFFFFF0), ITC_SUCCESS, {}},
+        {"version 8", twoEpochs(8), ITC_SUCCESS, {580, 0x89ABCDEF}},
+        {"version 1", twoEpochs(1), ITC_SUCCESS, {580, 0x89ABCDEF}},
+        {"version 9", twoEpochs(9), ITC_VERSION_TOO_NEW, {580, 0x89ABCDEF}},
+        {"version 127", twoEpochs(127), ITC_VERSION_TOO_NEW, {580, 0x89ABCDEF}},
+        {"version -128", twoEpochs(0x80), ITC_SUCCESS, {580, 0x89ABCDEF}},
+        {"version -56", twoEpochs(0xC8), ITC_SUCCESS, {580, 0x89ABCDEF}},
+        {"table with an epoch too few", table(2, 580), ITC_FILE_ERROR, {}},
+        {"table cut", table(1, 582), ITC_FILE_ERROR, {}},
+        {"table at the end", table(1, 584), ITC_FILE_ERROR, {}},
+        {"table beyond the file", table(1, 0xFFFFFFF0), ITC_FILE_ERROR, {}},
+        {"-1 epochs", table(0xFFFFFFFF, 580), ITC_FILE_ERROR, {}},
+        {"fewest epochs", table(0x80000000, 580), ITC_FILE_ERROR, {}},
+        {"most epochs", table(0x7FFFFFFF, 580), ITC_FILE_ERROR, {}},
+        {"epochs whose table wraps to 4 bytes", table(0x40000001, 580), ITC_FILE_ERROR, {}},
+    };
+}
+
+TEST(DataFile, OpensWithItsTableOrNotAtAll) {
+    const LibrarySession session;
+    const TemporaryFolder folder;
+    const std::string path = folder.File("data.itc");
+    EXPECT_EQ(ITCOpenFile(path.c_str()), ITC_FILE_ERROR);
+    EXPECT_EQ(ITCCloseFile(), -1);
+    for (const OpeningCase& each : OpeningCases()) {
+        SCOPED_TRACE(each.name);
+        WriteFile(path, each.file);
+        EXPECT_EQ(ITCOpenFile(path.c_str()), each.result);
+        for (size_t i = 0; i < each.positions.size(); ++i) {
+            EXPECT_EQ(EpochPosition[i], each.positions[i]);
+        }
+        EXPECT_EQ(ITCRetrieveEpoch(0), ITC_FILE_ERROR);
+        EXPECT_EQ(ITCCloseFile(), 0);
+        EXPECT_EQ(FileContent(path), each.file);
+    }
+}
+
+TEST(DataFile, OpeningForEditEmptiesIt) {
+    const LibrarySession session;
+    const TemporaryFolder folder;
+    const std::string path = folder.File("data.itc");
+    WriteFile(path, PulseFileBytes());
+    EXPECT_EQ(ITCOpenFileForEdit(path.c_str()), ITC_FILE_ERROR);
+    EXPECT_EQ(ITCCloseFile(), 0);
+    EXPECT_EQ(FileContent(path), Bytes());
+}
+
+TEST(DataFile, IsLeftBehindOpenWhenAnotherIsOpened) {
+    const LibrarySession session;
+    const TemporaryFolder folder;
+    SetUpPulseEpoch();
+    ASSERT_EQ(ITCCreateFile(folder.File("first.itc").c_str(), 0), ITC_SUCCESS);
+    ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+    FILE* first = ITCOpenFilePtr;
+
+    // The count and positions of the first file go on; the epoch itself stands at 580.
+    const std::string second = folder.File("second.itc");
+    ASSERT_EQ(ITCCreateFile(second.c_str(), 0), ITC_SUCCESS);
+    EXPECT_NE(ITCOpenFilePtr, first);
+    EXPECT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+    EXPECT_EQ(ITCCloseFile(), 0);
+    EXPECT_EQ(FileContent(second), Join({FileHeaderBytes(8, 2, 1532), PulseEpochBytes({0, 0, 0, 0}),
+                                         Big32(580), Big32(1532)}));
+    EXPECT_EQ(fclose(first), 0);
+}
+
+struct Operation {
+    const char* name;
+    std::function<int32_t()> call;
+};
+
+std::vector<Operation> EpochReads(int32_t epoch) {
+    return {{"parameters", [=] { return ITCEpochParameters(epoch); }},
+            {"samples", [=] { return ITCRetrieveEpoch(epoch); }},
+            {"stimulus", [=] { return ITCRetrieveEpochStm(epoch); }},
+            {"conductances", [=] { return ITCRetrieveEpochStmGClamp(epoch, 0); }}};
+}
+
+std::vector<Operation> FileOperations() {
+    static uint32_t size;
+    std::vector<Operation> operations = EpochReads(0);
+    operations.push_back({"save", ITCSaveToFile});
+    operations.push_back({"write record", [] { return ITCWriteStmParams(0, &size); }});
+    operations.push_back({"read record", [] { return ITCReadStmParams(0); }});
+    return operations;
+}
+
+TEST(DataFile, NothingWorksWithoutAnOpenFile) {
+    const LibrarySession session;
+    const TemporaryFolder folder;
+    SetUpPulseEpoch();
+    EXPECT_EQ(ITCCloseFile(), -1);
+    for (const auto& [name, call] : FileOperations()) EXPECT_EQ(call(), ITC_FILE_ERROR) << name;
+    ASSERT_EQ(ITCCreateFile(folder.File("data.itc").c_str(), 0), ITC_SUCCESS);
+    ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+    const FILE* stream = ITCOpenFilePtr;
+    EXPECT_EQ(ITCCloseFile(), 0);
+    EXPECT_EQ(ITCCloseFile(), -1);
+    EXPECT_EQ(ITCOpenFilePtr, stream);
+    for (const auto& [name, call] : FileOperations()) EXPECT_EQ(call(), ITC_FILE_ERROR) << name;
+    EXPECT_EQ(filehdr->numEpochs, 1);
+    EXPECT_EQ(FileContent(folder.File("data.itc")).size(), 1536);
+}
+
+TEST(DataFile, EpochNumbersOutsideTheTableAreFileErrors) {
+    const LibrarySession session;
+    const TemporaryFolder folder;
+    SetUpPulseEpoch();
+    ASSERT_EQ(ITCCreateFile(folder.File("data.itc").c_str(), 0), ITC_SUCCESS);
+    EXPECT_EQ(ITCEpochParameters(0), ITC_FILE_ERROR);
+    ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+    for (const int32_t epoch : {-1, 1, 2, INT_MAX, INT_MIN}) {
+        for (const auto& [name, call] : EpochReads(epoch)) {
+            EXPECT_EQ(call(), ITC_FILE_ERROR) << name << ' ' << epoch;
+        }
+    }
+    EXPECT_EQ(ITCEpochParameters(0), ITC_SUCCESS);
+}
+
+TEST(DataFile, IsOutOfReachBeforeAStartUp) {
+    const LibrarySession session;
+    const TemporaryFolder folder;
+    SetUpPulseEpoch();
+    ASSERT_EQ(ITCCreateFile(folder.File("data.itc").c_str(), 0), ITC_SUCCESS);
+    InitFlag = 0;
+    for (const auto& [name, call] : FileOperations()) EXPECT_EQ(call(), ITC_NOT_STARTED) << name;
+    InitFlag = 1;
+    EXPECT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+}
+
+}  // namespace

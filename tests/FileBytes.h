@@ -1,0 +1,153 @@
+// Bytes as they stand in a data file, put together by hand, and the streams and files that hold
+// them.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <fstream>
+#include <initializer_list>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace corvantis_test {
+
+using Bytes = std::vector<uint8_t>;
+using Samples = std::vector<uint16_t>;
+
+template <class Value>
+std::vector<Value> First(const std::vector<Value>& values, size_t count) {
+    return {values.begin(), values.begin() + static_cast<std::ptrdiff_t>(count)};
+}
+
+// Two hexadecimal digits a byte; blanks may stand between bytes.
+inline Bytes Hex(std::string_view digits) {
+    Bytes bytes;
+    for (size_t i = 0; i + 1 < digits.size(); ++i) {
+        if (digits[i] == ' ') continue;
+        bytes.push_back(
+            static_cast<uint8_t>(std::stoi(std::string(digits.substr(i++, 2)), {}, 16)));
+    }
+    return bytes;
+}
+
+inline Bytes Big16(uint32_t value) {
+    return {static_cast<uint8_t>(value >> 8), static_cast<uint8_t>(value)};
+}
+
+inline Bytes Big32(uint32_t value) {
+    return {static_cast<uint8_t>(value >> 24), static_cast<uint8_t>(value >> 16),
+            static_cast<uint8_t>(value >> 8), static_cast<uint8_t>(value)};
+}
+
+inline uint32_t Word(const Bytes& bytes, size_t offset) {
+    uint32_t value = 0;
+    for (size_t i = 0; i < 4; ++i) value = value << 8 | bytes.at(offset + i);
+    return value;
+}
+
+inline Bytes Join(std::initializer_list<Bytes> pieces) {
+    Bytes all;
+    for (const Bytes& piece : pieces) all.insert(all.end(), piece.begin(), piece.end());
+    return all;
+}
+
+inline void Put(Bytes& bytes, size_t offset, const Bytes& piece) {
+    for (size_t i = 0; i < piece.size(); ++i) bytes.at(offset + i) = piece[i];
+}
+
+inline Bytes Text(std::string_view text, size_t size) {
+    Bytes bytes(text.begin(), text.end());
+    bytes.resize(size);
+    return bytes;
+}
+
+inline Bytes BigSamples(const Samples& samples) {
+    Bytes bytes;
+    for (uint16_t sample : samples) {
+        for (uint8_t byte : Big16(sample)) bytes.push_back(byte);
+    }
+    return bytes;
+}
+
+// The header that a started library gives to its files.
+inline Bytes FileHeaderBytes(uint8_t version, uint32_t numEpochs, uint32_t tablePosition) {
+    return Join({{version},
+                 Bytes(519),
+                 Hex("01 02 0000 45480000 45480000 05 000000"),
+                 Big32(numEpochs),
+                 Big32(tablePosition),
+                 Hex("00000000 02 01 00 00 00000000"),
+                 Bytes(24)});
+}
+
+// A header with nothing but an acquisition in it, of the first entries of "0123"/"0123".
+inline Bytes EpochHeaderBytes(uint32_t interval, uint32_t points, const Bytes& types) {
+    Bytes bytes(912);
+    const size_t entries = types.size();
+    Put(bytes, 572, Join({Big32(interval), Big32(points), Big32(static_cast<uint32_t>(entries))}));
+    for (uint32_t i = 0; i < entries; ++i) Put(bytes, 584 + 4 * i, Big32(i * 0x880));
+    if (entries > 0) bytes[584 + 4 * entries - 2] |= 0xC0;
+    Put(bytes, 605, types);
+    return bytes;
+}
+
+struct CloseStream {
+    void operator()(FILE* stream) const { fclose(stream); }
+};
+using Stream = std::unique_ptr<FILE, CloseStream>;
+
+// A temporary file on disk, so that seeking behaves as in a data file, positioned at its start.
+inline Stream StreamOver(const Bytes& bytes = {}) {
+    Stream stream(std::tmpfile());
+    if (!stream) ADD_FAILURE() << "no temporary file";
+    for (const uint8_t byte : bytes) fputc(byte, stream.get());
+    rewind(stream.get());
+    return stream;
+}
+
+// A stream that refuses every byte.
+inline Stream RefusingStream() { return Stream(fopen("/dev/null", "rb")); }
+
+inline Bytes Content(FILE* stream) {
+    Bytes bytes;
+    rewind(stream);
+    for (int byte = fgetc(stream); byte != EOF; byte = fgetc(stream)) {
+        bytes.push_back(static_cast<uint8_t>(byte));
+    }
+    return bytes;
+}
+
+inline Bytes FileContent(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+inline void WriteFile(const std::string& path, const Bytes& bytes) {
+    std::ofstream file(path, std::ios::binary);
+    file.write(reinterpret_cast<const char*>(bytes.data()),
+               static_cast<std::streamsize>(bytes.size()));
+}
+
+// Marsaglia's xorshift: the same numbers on every host.
+class PseudoRandom {
+  public:
+    uint32_t Next() {
+        state ^= state << 13;
+        state ^= state >> 17;
+        return state ^= state << 5;
+    }
+    template <class Container>
+    void Fill(Container& values) {
+        for (auto& value : values) value = static_cast<std::decay_t<decltype(value)>>(Next());
+    }
+
+  private:
+    uint32_t state = 2463534242U;
+};
+
+}  // namespace corvantis_test

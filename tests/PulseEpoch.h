@@ -1,0 +1,52 @@
+// The smallest experiment, four points of a pulse on every entry: as library calls and as bytes.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+
+#include "Corvantis.h"
+#include "FileBytes.h"
+#include "LibrarySession.h"
+
+namespace corvantis_test {
+
+constexpr int32_t kPulseEpochPoints = 4;
+constexpr ITCPulseParameters kPulse = {1000, -5, 2, 1, 1, {}};
+
+inline Bytes PulseBytes() {
+    return Hex("000003E8 FFFFFFFB 00000002 00000001 00000001 00000000 00000000 00000000");
+}
+
+// 100 µs for each entry; entry c reads input c and drives output c.
+inline void SetUpAcquisition(int32_t entries, int32_t points) {
+    const std::string channels = std::string("0123").substr(0, static_cast<size_t>(entries));
+    ASSERT_EQ(ITCSetSeq(channels.c_str(), channels.c_str()), 0);
+    ASSERT_EQ(ITCSetAcqParams(100 * entries, points, 0, 0), 0);
+}
+
+inline void SetUpPulseEpoch(int32_t entries = 1) {
+    SetUpAcquisition(entries, kPulseEpochPoints);
+    for (int32_t i = 0; i < entries; ++i) ASSERT_EQ(ITCPulseParams(i, &kPulse), 0);
+}
+
+inline void Acquire(LibrarySession& session, const Samples& samples) {
+    std::copy(samples.begin(), samples.end(), session.input.begin());
+}
+
+// 912 + 32 * entries + 2 * samples bytes.
+inline Bytes PulseEpochBytes(const Samples& samples) {
+    const auto entries = static_cast<uint32_t>(samples.size() / kPulseEpochPoints);
+    Bytes epoch = EpochHeaderBytes(100 * entries, kPulseEpochPoints, Bytes(entries, 3));
+    for (uint32_t i = 0; i < entries; ++i) epoch = Join({epoch, PulseBytes()});
+    return Join({epoch, BigSamples(samples)});
+}
+
+// A file of one epoch of one entry: header, epoch of 952 bytes at 580, table at 1532.
+inline Bytes PulseFileBytes(uint8_t version = 8) {
+    return Join({FileHeaderBytes(version, 1, 1532), PulseEpochBytes({1, 2, 3, 4}), Big32(580)});
+}
+
+}  // namespace corvantis_test

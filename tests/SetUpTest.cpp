@@ -1,0 +1,277 @@
+// Start-up, ending and re-start of the library, with every driver call made to fail.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <ctime>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "Corvantis.h"
+#include "LibrarySession.h"
+#include "StimulusRecords.h"
+#include "simulator/ITC18Simulator.h"
+
+namespace {
+
+using corvantis_test::Entry;
+using corvantis_test::kAdders;
+using corvantis_test::kBuilders;
+using corvantis_test::LibrarySession;
+using corvantis_test::QuietOutput;
+
+constexpr char kAllLines[] = "opening\ninitializing\nitc18\nsetting defaults\n";
+
+ITC18Simulator_State Device() {
+    ITC18Simulator_State state{};
+    EXPECT_EQ(ITC18Simulator_GetState(0, &state), 0);
+    return state;
+}
+
+// Buffers for a start-up by hand; no interface is open when a test begins or ends.
+class SetUpTest : public testing::Test {
+  protected:
+    SetUpTest() { ITC18Simulator_Reset(); }
+    ~SetUpTest() override { ITC18Simulator_Reset(); }
+    static void Fail(int32_t call, int32_t result = 99) {
+        ASSERT_EQ(ITC18Simulator_FailCall(call, result), 0);
+    }
+    int32_t Start(int32_t deviceNumber = 0) {
+        QuietOutput printed;
+        const int32_t result = ITCInit(&input, &output, &capacity, deviceNumber);
+        lines = printed.Text();
+        return result;
+    }
+    template <class T>
+    static void Drop(T*& block) {
+        ITCFree(block);
+        block = nullptr;
+    }
+    static void End() {
+        EXPECT_EQ(ITCFinish(), ITC_SUCCESS);
+        Drop(ITCbufsize);
+        Drop(itc);
+    }
+    // What a start-up that failed too early for an ending has taken.
+    static void DropBlocks() {
+        Drop(epochhdr);
+        Drop(filehdr);
+        Drop(EpochPosition);
+        Drop(ITCbufsize);
+        Drop(itc);
+    }
+
+    uint16_t samples[16] = {};
+    uint16_t* input = samples;
+    uint16_t* output = samples + 8;
+    int32_t capacity = 8;
+    std::string lines;
+};
+
+TEST_F(SetUpTest, StartSetsTheDefaults) {
+    const auto before = static_cast<int32_t>(std::time(nullptr));
+    ASSERT_EQ(Start(), ITC_SUCCESS);
+    EXPECT_EQ(lines, kAllLines);
+    EXPECT_EQ(InitFlag, 1);
+    EXPECT_GE(InitializationTime, before);
+    EXPECT_LE(InitializationTime, static_cast<int32_t>(std::time(nullptr)));
+    ITCFileHeader expected{};
+    expected.version = 8;
+    expected.fileFlagA = 1;
+    expected.fileFlagB = 2;
+    expected.inputScale = expected.outputScale = 3200;
+    expected.pipelineDepth = 5;
+    expected.fileFlagC = 2;
+    expected.fileFlagD = 1;
+    EXPECT_EQ(std::memcmp(filehdr, &expected, sizeof(expected)), 0);
+    ITCEpochHeader epoch{};
+    epoch.sequenceLength = 1;
+    epoch.channelSequence[0] = 0xC000;
+    EXPECT_EQ(std::memcmp(epochhdr, &epoch, sizeof(epoch)), 0);
+    EXPECT_EQ(EpochPosition[0], 580U);
+    EXPECT_EQ(*ITCbufsize, capacity);
+    EXPECT_NE(ITCbufsize, &capacity);
+    EXPECT_EQ(ITCInputBuffer, &input);
+    EXPECT_EQ(ITCOutputBuffer, &output);
+    for (const void* const slot : StmParameters) EXPECT_EQ(slot, nullptr);
+    EXPECT_EQ(Device().interval, 10);
+    EXPECT_EQ(Device().sequenceLength, 1);
+    EXPECT_EQ(Device().sequence[0], 0xC000U);
+    EXPECT_EQ(Device().prepared, 0);
+    End();
+    EXPECT_EQ(Device().open, 0);
+    EXPECT_EQ(InitFlag, 1);
+}
+
+struct Fault {
+    int32_t call;
+    const char* lines;
+    bool started;
+};
+const Fault kFaults[] = {{ITC18Simulator_CallOpen, "opening\n", false},
+                         {ITC18Simulator_CallInitialize, "opening\ninitializing\nitc18\n", true},
+                         {ITC18Simulator_CallSetSamplingInterval, kAllLines, true},
+                         {ITC18Simulator_CallSetSequence, kAllLines, true}};
+
+TEST_F(SetUpTest, AFailingDeviceStopsTheStart) {
+    for (const Fault& fault : kFaults) {
+        InitFlag = 0;
+        Fail(fault.call);
+        EXPECT_EQ(Start(), ITC_NOT_STARTED) << fault.call;
+        EXPECT_EQ(lines, fault.lines);
+        EXPECT_EQ(InitFlag, fault.started ? 1 : 0);
+        EXPECT_EQ(filehdr->version, fault.started ? 8 : 0);
+        uint32_t size = 0;
+        EXPECT_EQ(ITCStmParamsSize(&size, 1), fault.started ? ITC_SUCCESS : ITC_NOT_STARTED);
+        EXPECT_EQ(Device().open, fault.started ? 1 : 0);
+        fault.started ? End() : DropBlocks();
+        Fail(fault.call, 0);
+        EXPECT_EQ(Device().open, 0);
+    }
+    InitFlag = 0;
+    EXPECT_EQ(Start(77), ITC_NOT_STARTED) << "there is no such interface";
+    DropBlocks();
+    ASSERT_EQ(Start(), ITC_SUCCESS);
+    End();
+}
+
+TEST_F(SetUpTest, AStructureThatCannotBeHadIsOutOfMemory) {
+    InitFlag = 0;
+    Fail(ITC18Simulator_CallGetStructureSize, -1);
+    EXPECT_EQ(Start(), ITC_OUT_OF_MEMORY);
+    EXPECT_EQ(lines, "");
+    EXPECT_EQ(InitFlag, 0);
+}
+
+TEST_F(SetUpTest, AFailedRestartAfterAnEndingIsNoStart) {
+    ASSERT_EQ(Start(), ITC_SUCCESS);
+    End();
+    Fail(ITC18Simulator_CallOpen);
+    EXPECT_EQ(Start(), ITC_NOT_STARTED);
+    // The buffers of the ended session may be gone by now.
+    uint32_t size = 0;
+    EXPECT_EQ(ITCStmParamsSize(&size, 1), ITC_NOT_STARTED);
+    EXPECT_EQ(ITCUpdateStm(), ITC_NOT_STARTED);
+    DropBlocks();
+}
+
+TEST_F(SetUpTest, ASecondStartForgetsTheFirst) {
+    ASSERT_EQ(Start(0), ITC_SUCCESS);
+    filehdr->numEpochs = 5;
+    EXPECT_EQ(Start(0), ITC_NOT_STARTED) << "the interface is open already";
+    ASSERT_EQ(Start(1), ITC_SUCCESS);
+    EXPECT_EQ(filehdr->numEpochs, 0);
+    End();
+}
+
+TEST_F(SetUpTest, QuickRestartKeepsEverythingButTheDevicesState) {
+    ASSERT_EQ(Start(), ITC_SUCCESS);
+    ASSERT_EQ(ITCSetSeq("12", "21"), ITC_SUCCESS);
+    ASSERT_EQ(ITCSetAcqParams(2000, 8, 3, 4), ITC_SUCCESS);
+    const ITCPulseParameters pulse{1, 2, 8, 0, 0, {}};
+    ASSERT_EQ(ITCPulseParams(2, &pulse), ITC_SUCCESS);
+    filehdr->numEpochs = 5;
+    const ITCEpochHeader* const header = epochhdr;
+    const QuietOutput nothing;
+    ASSERT_EQ(ITCQuickReInit(1), ITC_SUCCESS);
+    EXPECT_EQ(Device().open, 0) << "the old interface was let go";
+    ASSERT_EQ(ITCQuickReInit(0), ITC_SUCCESS);
+    EXPECT_EQ(Device().interval, 10);
+    EXPECT_EQ(Device().sequenceLength, 1);
+    EXPECT_EQ(epochhdr, header);
+    EXPECT_EQ(epochhdr->sequenceLength, 1);
+    EXPECT_EQ(epochhdr->channelSequence[0], 0xC000U);
+    EXPECT_EQ(epochhdr->samplingInterval, 2000);
+    EXPECT_EQ(filehdr->numEpochs, 5);
+    EXPECT_NE(StmParameters[2], nullptr);
+    for (const Fault& fault : kFaults) {
+        Fail(fault.call);
+        EXPECT_EQ(ITCQuickReInit(0), ITC_NOT_STARTED) << fault.call;
+        Fail(fault.call, 0);
+    }
+    EXPECT_EQ(ITCQuickReInit(0), ITC_SUCCESS);
+    ITCFreeParams(2);
+    End();
+}
+
+TEST_F(SetUpTest, TheDevicesRefusalToCloseIsIgnored) {
+    ASSERT_EQ(Start(), ITC_SUCCESS);
+    Fail(ITC18Simulator_CallClose);
+    EXPECT_EQ(ITCQuickReInit(0), ITC_SUCCESS);
+    End();
+}
+
+TEST_F(SetUpTest, AnalysisStartsWithoutDevice) {
+    itc = nullptr;  // no device of an earlier start-up
+    InitializationTime = 12345;
+    const QuietOutput nothing;
+    ASSERT_EQ(ITCInitAnalysis(&input, &output, &capacity), ITC_SUCCESS);
+    EXPECT_EQ(InitFlag, 1);
+    EXPECT_EQ(InitializationTime, 12345);
+    EXPECT_EQ(*ITCbufsize, capacity);
+    EXPECT_EQ(ITCInputBuffer, &input);
+    EXPECT_EQ(ITCOutputBuffer, &output);
+    EXPECT_EQ(filehdr->version, 0);
+    for (const void* const slot : StmParameters) EXPECT_EQ(slot, nullptr);
+    uint32_t size = 0;
+    EXPECT_EQ(ITCStmParamsSize(&size, 3), ITC_SUCCESS);
+    EXPECT_EQ(ITCQuickReInit(0), ITC_NOT_STARTED);
+    EXPECT_EQ(ITCSetSeq("0", "0"), ITC_NOT_STARTED);
+    EXPECT_EQ(ITCInitAcq(), ITC_NOT_STARTED);
+    EXPECT_EQ(Device().open, 0);
+    EXPECT_EQ(ITCFinish(), ITC_SUCCESS);
+    Drop(ITCbufsize);
+}
+
+TEST_F(SetUpTest, NothingWorksBeforeAStartOrAfterAnEnding) {
+    uint32_t size = 0;
+    int32_t value = 0;
+    const std::vector<std::function<int32_t()>> calls = {
+        [] { return ITCFinish(); },
+        [] { return ITCQuickReInit(0); },
+        [] { return ITCSetSeq("0", "0"); },
+        [] { return ITCSetAcqParams(100, 1, 0, 0); },
+        [] { return ITCInitAcq(); },
+        [] { return ITCUpdateStm(); },
+        [] { return ITCNewRandomSeed(1, 0, 0); },
+        [] { return ITCSaveToFile(); },
+        [] { return ITCReadStmParams(0); },
+        [] { return ITCEpochParameters(0); },
+        [] { return ITCRetrieveEpoch(0); },
+        [] { return ITCRetrieveEpochStm(0); },
+        [] { return ITCRetrieveEpochStmGClamp(0, 0); },
+        [&] { return ITCStmParamsSize(&size, 1); },
+        [&] { return ITCWriteStmParams(0, &size); },
+        [&] { return ITCRetrieveRandomSeed(&value, 0); },
+        [&] { return ITCRetrieveStmAmp(&value, 11, nullptr); }};
+    const auto expectRefusals = [&](const char* when) {
+        const QuietOutput quiet;
+        for (size_t n = 0; n < calls.size(); ++n)
+            EXPECT_EQ(calls[n](), ITC_NOT_STARTED) << when << ", call " << n;
+        for (const Entry& builder : kBuilders) EXPECT_EQ(builder.give(0, {}), ITC_NOT_STARTED);
+        for (const Entry& adder : kAdders) EXPECT_EQ(adder.give(0, {}), ITC_NOT_STARTED);
+        EXPECT_EQ(ITCFreeParams(0), ITC_SUCCESS);
+        EXPECT_EQ(Device().open, 0);
+    };
+    InitFlag = 0;
+    expectRefusals("before");
+    ASSERT_EQ(Start(), ITC_SUCCESS);
+    ASSERT_EQ(ITCFinish(), ITC_SUCCESS);
+    EXPECT_EQ(InitFlag, 1);
+    expectRefusals("after");
+    Drop(ITCbufsize);
+    Drop(itc);
+}
+
+TEST(MemoryTest, BlocksHaveTheSizeAskedFor) {
+    for (const size_t count : {size_t{0}, size_t{1}, size_t{1} << 30}) {
+        void* const block = ITCMalloc(count, 8);
+        ASSERT_NE(block, nullptr);
+        std::memset(block, 1, 8);
+        EXPECT_EQ(ITCFree(block), 0);
+    }
+    EXPECT_EQ(ITCFree(nullptr), 0);
+}
+
+}  // namespace

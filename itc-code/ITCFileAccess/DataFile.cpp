@@ -135,7 +135,9 @@ int32_t ITCCreateFile(const char* pattern, int32_t overwrite) {
     // An existing file that cannot be read is not to be replaced either.
     if (overwrite == 0 && Exists(lookup.Path())) return ITC_FILE_ERROR;
     if (!OpenPath(lookup.Path(), "w+b")) return ITC_FILE_ERROR;
-    if (!Write_ITCFileHeader(ITCOpenFilePtr, &CurrentFileHeader())) {
+    // Flushed at once: a disk without room is known before the first epoch, not after it.
+    if (!Write_ITCFileHeader(ITCOpenFilePtr, &CurrentFileHeader()) ||
+        std::fflush(ITCOpenFilePtr) != 0) {
         ITCCloseFile();
         return ITC_FILE_ERROR;
     }

@@ -86,11 +86,11 @@ int32_t ITCRetrieveEpochStmGClamp(int32_t epoch, uint32_t channel) {
     using namespace corvantis;
     const int32_t result = RetrieveParameters(epoch, kConductancesTooLargeLine);
     if (result != ITC_SUCCESS) return result;
-    const int64_t entries = CurrentEpochHeader().sequenceLength;
-    // Only an entry of the sequence has conductances, so its points have passed the size test.
-    if (channel >= entries || SlotType(channel) != ITC_STIMULUS_DYNAMIC_CLAMP) {
+    if (!IsChannel(channel) || SlotType(channel) != ITC_STIMULUS_DYNAMIC_CLAMP) {
         return ITC_STIMULUS_ERROR;
     }
+    // Without entries there are no conductances, and the size test has said nothing of the points.
+    if (CurrentEpochHeader().sequenceLength == 0) return ITC_STIMULUS_ERROR;
     if (ExcitatoryG == nullptr || InhibitoryG == nullptr) return ITC_STIMULUS_ERROR;
     return ReadConductances(OpenStream(), epoch);
 }

@@ -68,7 +68,12 @@ bool IsStarted() {
     return InitFlag != 0 && !startUpUnderway && HasFileHeader() && HasEpochHeader();
 }
 
-void BeginStartUp() { startUpUnderway = true; }
+// The sample buffers of an earlier session are its caller's again, or forgotten with it.
+void BeginStartUp() {
+    startUpUnderway = true;
+    releasedInputHandle = ITCInputBuffer;
+    releasedOutputHandle = ITCOutputBuffer;
+}
 
 void CompleteStartUp() {
     startUpUnderway = false;

@@ -1,0 +1,15 @@
+// Takes the place of the library's allocation pair in this program: counts the blocks that are
+// alive and lets one allocation fail.
+#pragma once
+
+#include <cstdint>
+
+namespace corvantis_test {
+
+// Let the allocation with this number, counted from 1 from now on, fail; 0 lets all succeed.
+void FailAllocation(int64_t number);
+// Whether the allocation that was to fail has been asked for.
+bool AllocationFailed();
+int64_t LiveBlocks();
+
+}  // namespace corvantis_test

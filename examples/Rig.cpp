@@ -21,7 +21,7 @@ const char* const kFileComment =
     "mS/cm2; ENa 50, EK -77, EL -54.4 mV; steady state at the holding current when an epoch "
     "starts. Input 0: membrane potential, 10 mV per mV; output 0: current, 400 pA per V; "
     "output 1: light command, read back at input 1. Amplifier mode 1: current clamp. User values: "
-    "0 capacitance [pF], 1 pause between epochs [s].";
+    "0 capacitance [pF], 1 pause [s].";
 
 void DescribeNeuron(int32_t entry) {
     ITCWriteAmpGain(static_cast<float>(kVoltsPerMillivolt), 10, 0, entry);

@@ -25,7 +25,7 @@ Bytes SettingsEpoch() {
     Put(header, 784, Hex("0001 8000 0003 FFFF"));                  // LEDs
     Put(header, 792, Hex("3F800000"));                             // user values
     Put(header, 884, Hex("C28C0000"));
-    return Join({header, Bytes(3 * 16)});
+    return Join({header, Bytes(48)});
 }
 
 const std::vector<Field>& HeaderFields() {

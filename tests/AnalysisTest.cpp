@@ -191,7 +191,7 @@ TEST_F(AnalysisTest, TheVersionDecidesLatencyAndNoise) {
     Samples samples(36);
     std::iota(samples.begin(), samples.end(), 0xFFF0);
     const Bytes epoch = Join({header, Words({1800, -300, 77, 10, 4, 4, 5, 300, 2}),
-                              Hex("00000000 C28C0000"), Bytes(18 * 8), BigSamples(samples)});
+                              Hex("00000000 C28C0000"), Bytes(144), BigSamples(samples)});
     const QuietOutput quiet;
     for (const VersionCase& each :
          {VersionCase{4, 0, 10, true}, VersionCase{5, 0, 10, false}, VersionCase{6, 0, 10, false},

@@ -28,6 +28,12 @@ cmake_path(APPEND PKGCONFIG_INCLUDEDIR "\${prefix}" ${CMAKE_INSTALL_INCLUDEDIR})
 configure_file(cmake/corvantis.pc.in corvantis.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/corvantis.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
+# For the system's own Python; a wheel carries the library inside instead.
+install(DIRECTORY python/corvantis DESTINATION lib/python3/dist-packages
+        FILES_MATCHING PATTERN "*.py" PATTERN "py.typed" PATTERN "__pycache__" EXCLUDE)
+install(PROGRAMS python/bin/corvantis-plot python/bin/corvantis-families
+        DESTINATION ${CMAKE_INSTALL_BINDIR})
+
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME corvantis)
 set(CPACK_PACKAGE_CONTACT "Corvantis maintainers <maintainers@corvantis.invalid>")
@@ -35,6 +41,9 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION science)
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "python3, python3-numpy")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "python3-matplotlib, python3-tqdm")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "python3-neo, python3-pandas")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)

@@ -75,18 +75,29 @@ TEST_F(NoiseTest, BinaryNoise) {
     }
 }
 
+TEST_F(NoiseTest, ADrawOfExactlyOneHalfGivesTheNegativeLevel) {
+    int32_t word = -9687;
+    for (int n = 0; n < 117; ++n) ran2(&word);
+    ASSERT_EQ(ran2(&word), 0.5F);
+    const ITCBinaryNoiseParameters record{1000, 0, 9687, 117, 0, 0, 1, {}};
+    EXPECT_EQ(Calculated(10, record, 117).back(), static_cast<uint16_t>(-1000));
+}
+
 TEST_F(NoiseTest, SpectralNoise) {
     for (const int32_t interval : {50, 4, 262140}) {
         epochhdr->samplingInterval = interval;
         for (const int32_t seed : {77, -1, 0}) {
-            // mean, points, tail, pre, cutoff, order; 10000 points wrap the product of lengths
-            for (const auto& [mean, points, tail, pre, cutoff, order] :
-                 {std::array{0, 1000, 12, 12, 300, 2}, std::array{40000, 1024, 0, 0, 60, 1},
-                  std::array{-300, 1, 2, 1, 100, 4}, std::array{5, 10000, 0, 7, 1000, 3},
-                  std::array{7, 100, 3, -3, -500, 1}, std::array{9, 300, 1, 1, 50, 0},
-                  std::array{9, 300, 1, 1, 100000, -2}}) {
-                const ITCNoiseParameters record{2500, mean, seed,   points, tail,
-                                                pre,  0,    cutoff, order};
+            // amplitude, mean, points, tail, pre, cutoff, order; 10000 points wrap the product of
+            // lengths, and samples of millions show a separate rounding of the product.
+            for (const auto& [amplitude, mean, points, tail, pre, cutoff, order] :
+                 {std::array{2500, 0, 1000, 12, 12, 300, 2},
+                  std::array{2500, 40000, 1024, 0, 0, 60, 1},
+                  std::array{2500, -300, 1, 2, 1, 100, 4},
+                  std::array{5000000, -20000, 10000, 0, 7, 1000, 3},
+                  std::array{2500, 7, 100, 3, -3, -500, 1}, std::array{2500, 9, 300, 1, 1, 50, 0},
+                  std::array{-2500, 9, 300, 1, 1, 100000, -2}}) {
+                const ITCNoiseParameters record{amplitude, mean, seed,   points, tail,
+                                                pre,       0,    cutoff, order};
                 Expect(2, record, reference.Spectral(record, interval));
             }
         }

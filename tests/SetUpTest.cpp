@@ -159,9 +159,14 @@ TEST_F(SetUpTest, AFailedRestartAfterAnEndingIsNoStart) {
 TEST_F(SetUpTest, ASecondStartForgetsTheFirst) {
     ASSERT_EQ(Start(0), ITC_SUCCESS);
     filehdr->numEpochs = 5;
+    const ITCPulseParameters pulse{};
+    ASSERT_EQ(ITCPulseParams(2, &pulse), ITC_SUCCESS);
+    void* const forgotten = StmParameters[2];
     EXPECT_EQ(Start(0), ITC_NOT_STARTED) << "the interface is open already";
     ASSERT_EQ(Start(1), ITC_SUCCESS);
     EXPECT_EQ(filehdr->numEpochs, 0);
+    EXPECT_EQ(StmParameters[2], nullptr);
+    ITCFree(forgotten);
     End();
 }
 

@@ -1,0 +1,137 @@
+"""The commands: draw epochs of a file, and the curves of a family of steps."""
+from __future__ import annotations
+
+import argparse
+import os
+import sys
+from collections.abc import Callable, Sequence
+from typing import TYPE_CHECKING
+
+from .epoch import Epoch
+from .errors import CorvantisError
+from .recording import Recording, open_recording
+
+if TYPE_CHECKING:
+    from matplotlib.figure import Figure
+
+FORMATS = ("png", "svg", "pdf")
+UNUSABLE = 2    # exit status for a file or arguments that cannot be used
+
+
+def chosen_epochs(text: str | None, count: int) -> list[int]:
+    """Epoch numbers of a choice such as "0,3-7", in its order; all without one.
+
+    Raises:
+        ValueError: for anything else, and for epochs that the file has not.
+    """
+    if text is None:
+        return list(range(count))
+    numbers: list[int] = []
+    for part in text.split(","):
+        first, dash, last = part.strip().partition("-")
+        if not first.isdecimal() or (dash and not last.isdecimal()):
+            raise ValueError(f"{text!r} is no choice of epochs such as 0,3-7")
+        numbers += range(int(first), int(last if dash else first) + 1)
+    if beyond := [number for number in numbers if number >= count]:
+        raise ValueError(f"no epoch {beyond[0]}: the file has {count}, numbered from 0")
+    return numbers
+
+
+def _arguments(name: str, purpose: str) -> argparse.ArgumentParser:
+    parser = argparse.ArgumentParser(prog=f"corvantis {name}", description=purpose)
+    parser.add_argument("file", help="data file")
+    parser.add_argument("-e", "--epoch", metavar="0,3-7", help="epochs, counted from 0 (all)")
+    parser.add_argument("-c", "--channel", type=int, default=0, metavar="ENTRY",
+                        help="entry of the channel sequence, counted from 0 (0)")
+    parser.add_argument("-o", "--output", metavar="NAME",
+                        help="figure to write, by its ending as png, svg or pdf (a window)")
+    parser.add_argument("--axes", action="store_true", help="axes instead of scale bars")
+    parser.add_argument("--force", action="store_true", help="replace an existing figure")
+    return parser
+
+
+def _check_output(options: argparse.Namespace) -> None:
+    name: str | None = options.output
+    if name is None:
+        return
+    if name.rsplit(".", 1)[-1].lower() not in FORMATS:
+        raise ValueError(f"{name}: a figure's name ends in .png, .svg or .pdf")
+    if os.path.exists(name) and not options.force:
+        raise ValueError(f"{name} exists; --force replaces it")
+    if os.path.exists(name) and os.path.samefile(name, options.file):
+        raise ValueError(f"{name} is the recording itself")
+
+
+def _epochs(recording: Recording, options: argparse.Namespace) -> list[Epoch]:
+    """The chosen epochs; without a choice, those that have the channel."""
+    channel: int = options.channel
+    if channel < 0:
+        raise ValueError("channels count from 0")
+    epochs = [recording.epochs[number]
+              for number in chosen_epochs(options.epoch, len(recording.epochs))]
+    having = [epoch for epoch in epochs if channel < epoch.header.sequenceLength]
+    if options.epoch is not None and len(having) < len(epochs):
+        missing = next(epoch for epoch in epochs if epoch not in having)
+        raise ValueError(f"epoch {missing.number} has no channel {channel}")
+    return having
+
+
+def _show(figure: Figure) -> None:
+    """A window with the figure; it ends with the window."""
+    from matplotlib import pyplot
+    if pyplot.get_backend().lower() == "agg":
+        raise ValueError("there is no display: name a figure with -o")
+    window = pyplot.figure(figsize=tuple(figure.get_size_inches())).canvas.manager
+    figure.set_canvas(window.canvas)
+    window.canvas.figure = figure
+    pyplot.show()
+
+
+def _deliver(figure: Figure, output: str | None) -> None:
+    if output is None:
+        _show(figure)
+        return
+    from .plotting import save
+    save(figure, output)
+
+
+def _plot(options: argparse.Namespace) -> None:
+    from .plotting import plot_epochs
+    with open_recording(options.file) as recording:
+        epochs = _epochs(recording, options)
+        _deliver(plot_epochs(epochs, options.channel, options.axes), options.output)
+
+
+def _families(options: argparse.Namespace) -> None:
+    from .families import as_text, find_family, plot_family
+    with open_recording(options.file) as recording:
+        family = find_family(_epochs(recording, options), options.channel, options.threshold)
+        print("\n".join(as_text(family)))
+        if options.output is not None:
+            _deliver(plot_family(family, options.axes), options.output)
+
+
+def _run(work: Callable[[argparse.Namespace], None], options: argparse.Namespace,
+         name: str) -> int:
+    try:
+        _check_output(options)
+        work(options)
+    except (CorvantisError, OSError, ValueError) as error:
+        print(f"corvantis {name}: {error}", file=sys.stderr)
+        return UNUSABLE
+    return 0
+
+
+def plot(arguments: Sequence[str] | None = None) -> int:
+    """`corvantis plot`: draw epochs over each other, response above stimulus."""
+    parser = _arguments("plot", "Draw epochs: the response above, its stimulus below.")
+    return _run(_plot, parser.parse_args(arguments), "plot")
+
+
+def families(arguments: Sequence[str] | None = None) -> int:
+    """`corvantis families`: measure a family of steps; print and draw its curves."""
+    parser = _arguments("families", "Measure a family of steps: print current-voltage and "
+                                    "spike-rate curves, and draw them with -o.")
+    parser.add_argument("--threshold", type=float, default=-20.0, metavar="MV",
+                        help="a spike crosses it upwards (-20)")
+    return _run(_families, parser.parse_args(arguments), "families")

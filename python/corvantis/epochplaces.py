@@ -1,0 +1,72 @@
+"""Where the epochs of a file lie, found by going from the end of each to the next.
+
+The file's own table of positions is too high behind stimuli that have no bytes on file. It serves
+only to get beyond a damaged epoch: from there on it is off by as much as it was before.
+"""
+from __future__ import annotations
+
+import ctypes
+from typing import NamedTuple
+
+from .headers import EpochHeader, FileHeader
+from .layout import structure_of
+from .library import Library
+from .session import free_slots
+
+FILE_HEADER = structure_of(FileHeader)
+EPOCH_HEADER = structure_of(EpochHeader)
+
+
+class Place(NamedTuple):
+    """Offset of an epoch in the file, and its header as it lies in memory; None if damaged."""
+
+    offset: int
+    header: bytes | None
+
+
+def current_file_header(lib: Library) -> ctypes.Structure:
+    """The library's file header, in place."""
+    return FILE_HEADER.from_address(lib.pointer("filehdr"))
+
+
+def position_table(lib: Library) -> ctypes.Array[ctypes.c_uint32]:
+    """The library's table of positions, in place."""
+    entries = max(current_file_header(lib).numEpochs, 0)
+    table: ctypes.Array[ctypes.c_uint32]
+    table = (ctypes.c_uint32 * entries).from_address(lib.pointer("EpochPosition"))
+    return table
+
+
+def make_current(lib: Library, epoch: int, offset: int) -> int:
+    """Read header and stimulus records of the epoch at an offset; the library's result code."""
+    free_slots(lib)
+    position_table(lib)[epoch] = offset
+    return int(lib.ITCEpochParameters(epoch))
+
+
+def _read(lib: Library, epoch: int, offset: int, limit: int) -> tuple[Place, int]:
+    """An epoch and where it ends, which is at 0 for one that cannot be read or ends too late."""
+    if make_current(lib, epoch, offset) == 0:
+        header = EPOCH_HEADER.from_address(lib.pointer("epochhdr"))
+        points, entries = header.epochPoints, header.sequenceLength
+        end = lib.tell() + 2 * points * entries
+        if points >= 0 and 0 <= entries <= 4 and end <= limit:
+            return Place(offset, bytes(header)), end
+    return Place(offset, None), 0
+
+
+def find_epochs(lib: Library) -> list[Place]:
+    """Every epoch of the open file, up to its table of positions."""
+    recorded = list(position_table(lib))
+    limit = current_file_header(lib).epochTablePosition % (1 << 32)
+    offset = ctypes.sizeof(FILE_HEADER)
+    places: list[Place] = []
+    while offset < limit and (epoch := len(places)) < len(recorded):
+        place, end = _read(lib, epoch, offset, limit)
+        places.append(place)
+        if place.header is None and epoch + 1 < len(recorded):
+            end = recorded[epoch + 1] - recorded[epoch] + offset
+        if end <= offset:
+            break
+        offset = end
+    return places

@@ -1,0 +1,203 @@
+"""Reading one data file through the library: headers, samples, stimuli and their records."""
+from __future__ import annotations
+
+import ctypes
+import warnings
+from functools import cached_property
+
+import numpy as np
+from numpy.typing import NDArray
+
+from .epochplaces import Place, find_epochs, make_current, position_table
+from .errors import FILE_ERROR, STIMULUS_ERROR, CorvantisError
+from .headers import EpochHeader, FileHeader
+from .layout import from_address, from_bytes
+from .library import Library, guarded
+from .session import Deviates, OpenFile, forget_spare_deviates, reading, release
+from .stimuli import (TYPES, Conductance, DynamicClamp, Noise, SegmentedNoise, Stimulus, Summed,
+                      SummedRecord)
+
+Counts = NDArray[np.int16]
+DIGITAL_INPUT, DIGITAL_OUTPUT = 8, 4
+
+
+class CorvantisWarning(UserWarning):
+    """Not all that a file's header promises can be read."""
+
+
+class EpochReader:
+    """Reads one file. Every call may find another file open, and switches."""
+
+    def __init__(self, path: str) -> None:
+        self.file = OpenFile(path)
+        self._channels: dict[tuple[str, int], int] = {}
+        with reading(self.file) as lib:
+            self.header = from_address(FileHeader, lib.pointer("filehdr"))
+
+    def close(self, end: bool) -> None:
+        """Let go of the file; `end` also gives back the library's buffers."""
+        release(self.file, end)
+
+    @cached_property
+    def places(self) -> list[Place]:
+        """Every epoch's place, found when first asked for."""
+        with reading(self.file) as lib:
+            places = find_epochs(lib)
+        damaged = [str(epoch) for epoch, place in enumerate(places) if place.header is None]
+        if damaged:
+            self._warn(f"damaged epochs: {', '.join(damaged)}")
+        if len(places) != self.header.numEpochs:
+            self._warn(f"{self.header.numEpochs} epochs announced, {len(places)} found")
+        return places
+
+    def _warn(self, text: str) -> None:
+        warnings.warn(f"{self.file.path}: {text}", CorvantisWarning, stacklevel=4)
+
+    def failure(self, code: int, epoch: int, detail: str = "") -> CorvantisError:
+        """The error of one epoch."""
+        return CorvantisError(code, self.file.path, f"epoch {epoch}" + (detail and f", {detail}"))
+
+    def epoch_header(self, epoch: int) -> EpochHeader:
+        """An epoch's header."""
+        block = self.places[epoch].header
+        if block is None:
+            raise self.failure(FILE_ERROR, epoch)
+        return from_bytes(EpochHeader, block)
+
+    def _point(self, lib: Library, epoch: int) -> None:
+        """Make an epoch the current one, wherever the file's own table says that it begins."""
+        if epoch >= len(position_table(lib)):
+            raise self.failure(FILE_ERROR, epoch)
+        result = make_current(lib, epoch, self.places[epoch].offset)
+        if result != 0:
+            raise self.failure(result, epoch)
+
+    def _samples(self, epoch: int, header: EpochHeader, function: str) -> Counts:
+        samples = np.empty((header.epochPoints, header.sequenceLength), dtype=np.int16)
+        with reading(self.file, samples.size) as lib:
+            self._point(lib, epoch)
+            result = getattr(lib, function)(epoch, samples.ctypes.data_as(ctypes.c_void_p))
+        if result != 0:
+            raise self.failure(result, epoch, self._reason(epoch, header, result))
+        return samples
+
+    def _reason(self, epoch: int, header: EpochHeader, result: int) -> str:
+        if result != STIMULUS_ERROR:
+            return ""
+        wanting = [f"entry {entry} is a {stimulus.name}"
+                   for entry, stimulus in enumerate(self.stimuli(epoch, header))
+                   if not is_computed(stimulus)]
+        return ", ".join(wanting)
+
+    def acquired(self, epoch: int, header: EpochHeader) -> Counts:
+        """The acquired samples, shape (points, entries)."""
+        return self._samples(epoch, header, "ITCReadEpoch")
+
+    def played(self, epoch: int, header: EpochHeader) -> Counts:
+        """The recomputed stimulus, shape (points, entries), as if computed in the file's order.
+
+        Noise can begin with a number left over from the noise before it, in another epoch.
+        """
+        with guarded() as lib:
+            if not self.noise_types(epoch, header):
+                return self._samples(epoch, header, "ITCReadEpochStm")
+            earlier = [each for each in self._history if each < epoch]
+            self._replay(lib, earlier)
+            Deviates.file, Deviates.epochs = None, 0
+            samples = self._samples(epoch, header, "ITCReadEpochStm")
+            Deviates.file, Deviates.epochs = self.file, len(earlier) + (epoch in self._history)
+            return samples
+
+    def _replay(self, lib: Library, earlier: list[int]) -> None:
+        """Bring the library to where it was after computing these epochs one after the other."""
+        done = Deviates.epochs if Deviates.file is self.file else len(earlier) + 1
+        if done > len(earlier):
+            forget_spare_deviates(lib)
+            done = 0
+        for each in earlier[done:]:
+            try:
+                self._samples(each, self.epoch_header(each), "ITCReadEpochStm")
+            except CorvantisError:
+                continue    # nor was it computed when it was recorded
+
+    def noise_types(self, epoch: int, header: EpochHeader) -> set[int]:
+        """Types of Gaussian noise among an epoch's stimuli and their components."""
+        codes = set(header.stimType[:header.sequenceLength])
+        if Summed.type in codes:
+            codes |= {component.type for stimulus in self.stimuli(epoch, header)
+                      if isinstance(stimulus, Summed) for component in stimulus.components}
+        return codes & {Noise.type, SegmentedNoise.type}
+
+    @cached_property
+    def _history(self) -> list[int]:
+        """Epochs with Gaussian noise from the first on that may leave a number over.
+
+        Segmented noise draws as many as it has segments, and so did noise up to version 4; newer
+        noise draws an even number.
+        """
+        noisy = [(epoch, self.noise_types(epoch, from_bytes(EpochHeader, place.header)))
+                 for epoch, place in enumerate(self.places) if place.header is not None]
+        odd = {SegmentedNoise.type} | ({Noise.type} if self.header.version <= 4 else set())
+        first = next((epoch for epoch, types in noisy if types & odd), len(self.places))
+        return [epoch for epoch, types in noisy if types and epoch >= first]
+
+    def channel(self, epoch: int, word: int, entry: int, direction: str) -> int:
+        """Number of the input or output that a sequence word names; -1 if it names none.
+
+        The library reads the epoch for this, so a word is asked about only once.
+        """
+        if (direction, word) not in self._channels:
+            result = ctypes.c_int32(-1)
+            with reading(self.file) as lib:
+                self._point(lib, epoch)
+                getattr(lib, f"ITCGet{direction}Chan")(epoch, entry, ctypes.byref(result))
+            self._channels[direction, word] = result.value
+        return self._channels[direction, word]
+
+    def stimuli(self, epoch: int, header: EpochHeader) -> tuple[Stimulus, ...]:
+        """The stimulus record of each sequence entry."""
+        with reading(self.file) as lib:
+            self._point(lib, epoch)
+            slots = (ctypes.c_void_p * 4).in_dll(lib.functions, "StmParameters")
+            records = [_stimulus(header.stimType[entry], slots[entry])
+                       for entry in range(header.sequenceLength)]
+            for entry, record in enumerate(records):
+                if isinstance(record, DynamicClamp):
+                    records[entry] = self._with_conductances(lib, epoch, entry, record, header)
+        return tuple(records)
+
+    def _with_conductances(self, lib: Library, epoch: int, entry: int, record: DynamicClamp,
+                           header: EpochHeader) -> DynamicClamp:
+        """The record with its arrays, which the library itself finds behind a single entry only.
+
+        Reading an entry's parameters leaves the file behind its arrays.
+        """
+        lib.seek(self.places[epoch].offset)
+        lib.read_epoch_header(self.header.version)
+        for each in range(entry + 1):
+            lib.ITCReadStmParams(each)
+        lib.seek(lib.tell() - 8 * header.epochPoints)
+        arrays = [self._conductance(lib, epoch, header.epochPoints) for _ in range(2)]
+        return DynamicClamp(record.excitatoryReversal, record.inhibitoryReversal, *arrays)
+
+    def _conductance(self, lib: Library, epoch: int, points: int) -> Conductance:
+        values = np.empty(points, dtype=np.float32)
+        if not lib.read_floats(values.ctypes.data_as(ctypes.c_void_p), points):
+            raise self.failure(FILE_ERROR, epoch)
+        return values
+
+
+def _stimulus(code: int, address: int | None) -> Stimulus:
+    """A copy of a stimulus record and, for a sum, of its components."""
+    if code != Summed.type or address is None:
+        return from_address(TYPES[code], address or 0)
+    summed = from_address(SummedRecord, address)
+    return Summed(tuple(_stimulus(summed.componentType[each], summed.components[each])
+                        for each in range(summed.count)))
+
+
+def is_computed(stimulus: Stimulus) -> bool:
+    """Whether the library can compute the waveform."""
+    if isinstance(stimulus, Summed):
+        return all(is_computed(each) for each in stimulus.components)
+    return stimulus.computed

@@ -1,0 +1,207 @@
+"""Families of steps: current-voltage and spike-rate curves of epochs with pulses of many sizes."""
+from __future__ import annotations
+
+from collections import defaultdict
+from collections.abc import Iterable, Sequence
+from dataclasses import dataclass
+
+import matplotlib
+import numpy as np
+from matplotlib.axes import Axes
+from matplotlib.figure import Figure
+
+from .epoch import Epoch
+from .plotting import (RESPONSE_LABELS, STIMULUS_LABELS, STYLE, draw_panels, label, read_sweep)
+from .progress import progress
+from .stimuli import Pulse
+from .units import Samples
+
+THRESHOLD = -20.0       # a spike crosses it upwards [mV]
+STEADY_FRACTION = 0.2   # the last part of the step, over which the steady state is the mean
+
+
+@dataclass(frozen=True)
+class Step:
+    """What was measured in one epoch.
+
+    Attributes:
+        level: stimulus during the step [stimulus unit].
+        holding: stimulus before it [stimulus unit].
+        baseline: mean response before the step [response unit].
+        peak: response during the step that is farthest from the baseline [response unit].
+        steady: mean response over the last fifth of the step [response unit].
+        settled: whether that last part is free of spikes.
+        spikes: upward crossings of the threshold during the step; 0 in voltage clamp.
+        rate: spikes per second of the step [Hz].
+    """
+
+    epoch: int
+    level: float
+    holding: float
+    baseline: float
+    peak: float
+    steady: float
+    settled: bool
+    spikes: int
+    rate: float
+
+
+@dataclass(frozen=True)
+class Family:
+    """Steps of one timing, by level, with the units of their levels and responses."""
+
+    epochs: list[Epoch]
+    steps: list[Step]
+    channel: int
+    stimulus_unit: str
+    response_unit: str
+
+    @property
+    def counts_spikes(self) -> bool:
+        """Whether the response is a potential, in which spikes are looked for."""
+        return self.response_unit == "mV"
+
+    @property
+    def settled(self) -> list[Step]:
+        """The steps that end in a steady state."""
+        return [step for step in self.steps if step.settled]
+
+    @property
+    def input_resistance(self) -> float | None:
+        """Slope of the line through the resting point that fits the steady states best [MOhm].
+
+        None in voltage clamp and in other units than pA and mV.
+        """
+        if (self.stimulus_unit, self.response_unit) != ("pA", "mV"):
+            return None
+        currents = np.array([step.level - step.holding for step in self.settled])
+        shifts = np.array([step.steady - step.baseline for step in self.settled])
+        power = float(currents @ currents)
+        return 1e3 * float(currents @ shifts) / power if power > 0 else None
+
+    @property
+    def examples(self) -> list[Epoch]:
+        """Epochs that show the family: all, or of spiking ones the lowest, the highest that is
+        silent and the lowest that fires throughout."""
+        silent = [step.epoch for step in self.steps if step.spikes == 0]
+        firing = [step.epoch for step in self.steps if not step.settled]
+        if not firing or len(self.steps) < 4:
+            return self.epochs
+        shown = {self.steps[0].epoch, *silent[-1:], firing[0]}
+        return [epoch for epoch in self.epochs if epoch.number in shown]
+
+
+def count_spikes(response: Samples, threshold: float) -> int:
+    """Upward crossings of a threshold, shape (points,)."""
+    above = response > threshold
+    return int(np.count_nonzero(above[1:] & ~above[:-1]))
+
+
+def _pulse(epoch: Epoch, channel: int) -> Pulse | None:
+    """The epoch's step, if it has one of at least a point with something before it."""
+    stimulus = epoch.stimuli[channel] if channel < len(epoch.stimuli) else None
+    if type(stimulus) is not Pulse or stimulus.points < 1 or stimulus.prePoints < 1:
+        return None
+    return stimulus
+
+
+def measure(epoch: Epoch, channel: int = 0, threshold: float = THRESHOLD) -> Step:
+    """Measure the response to the pulse of an epoch."""
+    pulse = _pulse(epoch, channel)
+    if pulse is None:
+        raise ValueError(f"epoch {epoch.number} has no step")
+    response, before = epoch.response[:, channel], pulse.prePoints
+    during = response[before:before + pulse.points]
+    baseline = float(response[:before].mean())
+    steady = during[-max(1, round(STEADY_FRACTION * len(during))):]
+    spiking = epoch.units.response[channel] == "mV"
+    spikes = count_spikes(during, threshold) if spiking else 0
+    return Step(epoch.number, float(epoch.stimulus[before, channel]),
+                float(epoch.stimulus[0, channel]), baseline,
+                float(during[np.argmax(np.abs(during - baseline))]), float(steady.mean()),
+                not (spiking and count_spikes(steady, threshold)), spikes,
+                spikes * epoch.sampling_rate / pulse.points)
+
+
+def find_family(epochs: Iterable[Epoch], channel: int = 0,
+                threshold: float = THRESHOLD) -> Family:
+    """The largest group of epochs with steps of the same timing, measured.
+
+    Raises:
+        ValueError: if no two epochs have steps of the same timing and different levels.
+    """
+    groups: dict[tuple[object, ...], list[Epoch]] = defaultdict(list)
+    for epoch in epochs:
+        pulse = _pulse(epoch, channel)
+        if pulse is not None:
+            key = (pulse.prePoints, pulse.points, pulse.mean, epoch.header.samplingInterval,
+                   epoch.units.response[channel], epoch.units.stimulus[channel])
+            groups[key].append(epoch)
+    largest: list[Epoch] = max(groups.values(), key=len, default=[])
+    steps = sorted((measure(epoch, channel, threshold)
+                    for epoch in progress(largest, "measuring")), key=lambda step: step.level)
+    if len({step.level for step in steps}) < 2:
+        raise ValueError("no family: two epochs with steps of the same timing are needed")
+    units = largest[0].units
+    by_number = {epoch.number: epoch for epoch in largest}
+    return Family([by_number[step.epoch] for step in steps], steps, channel,
+                  units.stimulus[channel], units.response[channel])
+
+
+def _voltage_panel(axes: Axes, family: Family) -> None:
+    """Steady state, and in voltage clamp also the peak, against the level."""
+    levels = [step.level for step in family.settled]
+    axes.plot(levels, [step.steady for step in family.settled], "o-", color="black", markersize=4,
+              linewidth=0.8, label="steady state")
+    if not family.counts_spikes:
+        axes.plot(levels, [step.peak for step in family.settled], "s--", color="0.5", markersize=4,
+                  linewidth=0.8, label="peak")
+        axes.legend(frameon=False, fontsize=8)
+    axes.set_xlabel(label(STIMULUS_LABELS, family.stimulus_unit, "Stimulus"))
+    axes.set_ylabel(label(RESPONSE_LABELS, family.response_unit, "Response", "\n"))
+    if family.input_resistance is not None:
+        axes.text(0.05, 0.97, f"input resistance {family.input_resistance:.0f} "
+                  "M\N{GREEK CAPITAL LETTER OMEGA}", transform=axes.transAxes, va="top", fontsize=8)
+
+
+def _rate_panel(axes: Axes, family: Family) -> None:
+    axes.plot([step.level for step in family.steps], [step.rate for step in family.steps], "o-",
+              color="black", markersize=4, linewidth=0.8)
+    axes.set_xlabel(label(STIMULUS_LABELS, family.stimulus_unit, "Stimulus"))
+    axes.set_ylabel("Spike Rate\n(Hz)")
+    axes.set_ylim(bottom=-0.03 * max(1.0, axes.get_ylim()[1]))
+
+
+def plot_family(family: Family, axes: bool = False) -> Figure:
+    """Draw a family: its sweeps at the left, its curves at the right.
+
+    Args:
+        axes: ticks and labels instead of scale bars at the sweeps.
+    """
+    shown = family.examples
+    sweeps = [read_sweep(epoch, family.channel) for epoch in shown]
+    with matplotlib.rc_context(STYLE):
+        figure = Figure(figsize=(8.4, 4.0))
+        left = figure.add_gridspec(2, 1, left=0.09, right=0.57, bottom=0.14, top=0.94,
+                                   height_ratios=[3, 1], hspace=0.1)
+        draw_panels(figure, [left[0], left[1]], shown, sweeps, family.channel, axes)
+        panels = [_voltage_panel] + [_rate_panel] * family.counts_spikes
+        right = figure.add_gridspec(len(panels), 1, left=0.76, right=0.98, bottom=0.14, top=0.95,
+                                    hspace=0.55)
+        if len(shown) < len(family.epochs):
+            figure.text(0.09, 0.965, f"{len(shown)} of {len(family.epochs)} epochs", fontsize=9)
+        for row, draw in enumerate(panels):
+            draw(figure.add_subplot(right[row]), family)
+        return figure
+
+
+def as_text(family: Family) -> Sequence[str]:
+    """The measurements as lines of a table, tab-separated."""
+    stimulus, response = family.stimulus_unit, family.response_unit
+    lines = [f"epoch\tlevel_{stimulus}\tbaseline_{response}\tpeak_{response}\tsteady_{response}"
+             + "\tspikes\trate_Hz" * family.counts_spikes]
+    for step in family.steps:
+        line = (f"{step.epoch}\t{step.level:.6g}\t{step.baseline:.6g}\t{step.peak:.6g}"
+                f"\t{step.steady:.6g}")
+        lines.append(line + f"\t{step.spikes}\t{step.rate:.4g}" * family.counts_spikes)
+    return lines

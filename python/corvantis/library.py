@@ -1,0 +1,130 @@
+"""The shared library: found, loaded, guarded by one lock, and kept from printing.
+
+The library holds a single file and a single current epoch, so whoever calls it does so within
+`guarded()`. Its progress lines go to C's standard output; within `guarded()` that name stands for
+the null device, which leaves file descriptor 1, and with it all that Python prints, alone.
+"""
+from __future__ import annotations
+
+import ctypes
+import os
+import threading
+from collections.abc import Iterator
+from contextlib import contextmanager
+from pathlib import Path
+from typing import Any
+
+from .errors import CorvantisError
+
+SONAME = "libCorvantis.so.1"
+DRIVER = "libITC18.so.1"
+VARIABLE = "CORVANTIS_LIBRARY"
+
+lock = threading.RLock()
+_loaded: Library | None = None
+
+
+def _open_shared(folder: Path) -> ctypes.CDLL:
+    """The library of a wheel. Its driver is loaded first, so that the loader need not look."""
+    driver = folder / DRIVER
+    if driver.exists():
+        ctypes.CDLL(str(driver))
+    return ctypes.CDLL(str(folder / SONAME))
+
+
+def find_library() -> ctypes.CDLL:
+    """Load what CORVANTIS_LIBRARY names, else the package's own library, else the system's."""
+    named = os.environ.get(VARIABLE)
+    folder = Path(__file__).parent
+    try:
+        if named:
+            return ctypes.CDLL(named)
+        return _open_shared(folder) if (folder / SONAME).exists() else ctypes.CDLL(SONAME)
+    except OSError as error:
+        raise CorvantisError(1, named, f"no library: {error}; set {VARIABLE} to its path") \
+            from error
+
+
+def _standard_output(libc: ctypes.CDLL) -> ctypes.c_void_p:
+    """C's variable of that name, which has another one on the Mac."""
+    try:
+        return ctypes.c_void_p.in_dll(libc, "stdout")
+    except ValueError:
+        return ctypes.c_void_p.in_dll(libc, "__stdoutp")
+
+
+class Library:
+    """The library's functions (`functions`), the variables that we use, and its streams."""
+
+    def __init__(self) -> None:
+        self.functions = find_library()
+        self._libc = libc = ctypes.CDLL(None)
+        self._file = ctypes.c_void_p.in_dll(self.functions, "ITCOpenFilePtr")
+        self._stdout = _standard_output(libc)
+        self._tell = getattr(libc, "ftello64", libc.ftello)
+        self._tell.restype = ctypes.c_int64
+        self._seek = getattr(libc, "fseeko64", libc.fseeko)
+        self._read_floats = self.functions.ReadArray_float
+        self._read_header = self.functions.Read_ITCEpochHeader
+        self._read_floats.restype = self._read_header.restype = ctypes.c_bool
+        libc.fopen.restype = ctypes.c_void_p
+        self._null = ctypes.c_void_p(libc.fopen(os.fsencode(os.devnull), b"w"))
+        self.random, self.seed_random = libc.rand, libc.srand
+
+    def pointer(self, name: str) -> int:
+        """The value of one of the library's exported pointers."""
+        return ctypes.c_void_p.in_dll(self.functions, name).value or 0
+
+    def tell(self) -> int:
+        """Position in the open data file [bytes]."""
+        return int(self._tell(self._file))
+
+    def seek(self, position: int) -> None:
+        """Go to a position of the open data file [bytes]."""
+        self._seek(self._file, ctypes.c_int64(position), os.SEEK_SET)
+
+    def descriptor(self) -> int:
+        """Descriptor of the open data file."""
+        return int(self._libc.fileno(self._file))
+
+    def read_floats(self, values: ctypes.c_void_p, count: int) -> bool:
+        """Read an array from the open data file's position."""
+        return bool(self._read_floats(self._file, values, count))
+
+    def read_epoch_header(self, version: int) -> bool:
+        """Read the current epoch header from the open data file's position."""
+        header = ctypes.c_void_p(self.pointer("epochhdr"))
+        return bool(self._read_header(self._file, header, version))
+
+    def silence(self) -> int | None:
+        """Point C's standard output at the null device; what it was before is handed back."""
+        before, self._stdout.value = self._stdout.value, self._null.value
+        return before
+
+    def restore(self, before: int | None) -> None:
+        """Undo `silence`."""
+        self._stdout.value = before
+
+    @staticmethod
+    def check(result: int, filename: str | None, detail: str = "") -> None:
+        """Raise what stands for a result code other than success."""
+        if result != 0:
+            raise CorvantisError(result, filename, detail)
+
+    def __getattr__(self, name: str) -> Any:
+        """An exported function that returns a result code."""
+        return getattr(self.functions, name)
+
+
+@contextmanager
+def guarded() -> Iterator[Library]:
+    """The library, for this thread alone and silent."""
+    global _loaded
+    with lock:
+        if _loaded is None:
+            _loaded = Library()
+        before = _loaded.silence()
+        try:
+            yield _loaded
+        finally:
+            _loaded.restore(before)

@@ -1,0 +1,164 @@
+"""The library's one open file, shared by all recordings of the process.
+
+A recording that is read while another one is open takes the library over: the other file is closed
+and this one opened again, which costs about as much as reading a few epochs' headers.
+"""
+from __future__ import annotations
+
+import ctypes
+import os
+import re
+from collections.abc import Iterator
+from contextlib import contextmanager
+
+from .errors import FILE_ERROR, CorvantisError
+from .library import Library, guarded, lock
+
+SMALLEST_BUFFER = 1 << 16
+LARGEST_BUFFER = (1 << 31) - 1
+
+
+class OpenFile:
+    """A data file that a recording has open, whether the library holds it right now or not."""
+
+    def __init__(self, path: str) -> None:
+        self.path = path
+        self.identity = self._identity()
+
+    def _identity(self) -> tuple[int, int]:
+        try:
+            status = os.stat(self.path)
+        except OSError as error:
+            raise CorvantisError(FILE_ERROR, self.path, error.strerror or "") from error
+        return status.st_dev, status.st_ino
+
+    def check_identity(self) -> None:
+        """Another file of the same name would be read at this one's positions."""
+        if self._identity() != self.identity:
+            raise CorvantisError(FILE_ERROR, self.path, "replaced since it was opened")
+
+
+class _State:
+    """What the library holds: whose file, and buffers of which capacity (0: not started)."""
+
+    owner: OpenFile | None = None
+    capacity: int = 0
+
+
+class Deviates:
+    """Whose noise the library computed last, and how many epochs of that file's history."""
+
+    file: OpenFile | None = None
+    epochs: int = 0
+
+
+def _quoted(path: str) -> bytes:
+    """The library expands patterns as a shell does; a path stands for itself."""
+    return re.sub(rb"([*?\[\]{}~\\])", rb"\\\1", os.fsencode(os.path.abspath(path)))
+
+
+def _leave(lib: Library) -> None:
+    if _State.owner is not None:
+        lib.ITCCloseOpenFile()
+        _State.owner = None
+
+
+def _stop(lib: Library) -> None:
+    _leave(lib)
+    if _State.capacity:
+        free_slots(lib)
+        lib.ITCFinishAnalysis()
+        _State.capacity = 0
+
+
+def _start(lib: Library, samples: int) -> None:
+    """Start with buffers that hold so many samples; the library cannot enlarge its buffers."""
+    if _State.capacity >= max(samples, 1):
+        return
+    _stop(lib)
+    capacity = min(max(SMALLEST_BUFFER, 2 * _State.capacity, samples), LARGEST_BUFFER)
+    lib.check(lib.ITCInitializeAnalysis(capacity), None, f"buffers of {capacity} samples")
+    _State.capacity = capacity
+
+
+def _take(lib: Library, file: OpenFile) -> None:
+    if _State.owner is file:
+        return
+    file.check_identity()
+    _leave(lib)
+    _State.owner = file
+    try:
+        lib.check(lib.ITCOpenFileForInput(_quoted(file.path)), file.path)
+    except CorvantisError:
+        _leave(lib)
+        raise
+
+
+@contextmanager
+def reading(file: OpenFile, samples: int = 0) -> Iterator[Library]:
+    """The library with this file open and room for so many samples in its buffers."""
+    with guarded() as lib:
+        _start(lib, samples)
+        _take(lib, file)
+        yield lib
+
+
+def release(file: OpenFile, end: bool) -> None:
+    """Let go of a file; `end` also gives back the library's buffers.
+
+    A recording that is found to be garbage must not end the library, for it may be found at any
+    moment, even while this thread is reading another one.
+    """
+    with guarded() as lib:
+        if _State.owner is file:
+            _leave(lib)
+            if end:
+                _stop(lib)
+
+
+def free_slots(lib: Library) -> None:
+    """Empty the stimulus slots: reading over a sum would leave its components behind."""
+    for slot in range(4):
+        lib.ITCFreeParams(slot)
+
+
+def forget_spare_deviates(lib: Library) -> None:
+    """Drop Gaussian deviates left over from earlier noise, of either generator.
+
+    They are made in pairs, and the second one begins the next noise. A call that leaves its source
+    of uniform numbers alone has handed out a left-over; any other has made one.
+    """
+    state = ctypes.c_int32(-1)
+    lib.ITCNormalDeviate(ctypes.byref(state))
+    if state.value != -1:
+        lib.ITCNormalDeviate(ctypes.byref(state))
+    lib.seed_random(1)
+    first = lib.random()
+    lib.seed_random(1)
+    lib.V4ITCNormalDeviate()
+    if lib.random() != first:
+        lib.V4ITCNormalDeviate()
+
+
+def _leave_to_parent() -> None:
+    """In a forked child: give up the file that the parent has open, and open one's own later.
+
+    Both share one file position, which even closing the stream would move. So the child's stream
+    is turned to the null device before it is closed.
+    """
+    with guarded() as lib:
+        if _State.owner is not None:
+            null = os.open(os.devnull, os.O_RDONLY)
+            os.dup2(null, lib.descriptor())
+            os.close(null)
+            _leave(lib)
+
+
+def _after_fork() -> None:
+    if _State.owner is not None:
+        _leave_to_parent()
+    lock.release()
+
+
+os.register_at_fork(before=lock.acquire, after_in_parent=lock.release,
+                    after_in_child=_after_fork)

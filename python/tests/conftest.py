@@ -1,0 +1,51 @@
+"""Recorded files and compiled programs that several tests need."""
+import subprocess
+import sys
+from pathlib import Path
+
+import numpy as np
+import pytest
+
+from corvantis.library import find_library
+
+HERE = Path(__file__).parent
+HEADERS = HERE.parent.parent / "itc-code"
+
+
+@pytest.fixture(scope="session")
+def recorded(tmp_path_factory):
+    """recorded(recipe) gives the path of a file that rig.py recorded."""
+    folder = tmp_path_factory.mktemp("recorded")
+
+    def record(recipe):
+        path = folder / f"{recipe}.dat"
+        if not path.exists():
+            subprocess.run([sys.executable, HERE / "rig.py", recipe, path], check=True,
+                           stdout=subprocess.DEVNULL)
+        return path
+    return record
+
+
+@pytest.fixture(scope="session")
+def logged(recorded):
+    """logged(recipe) gives what was acquired and played, without going through the file."""
+    def load(recipe):
+        with np.load(f"{recorded(recipe)}.npz") as log:
+            count = len(log.files) // 2
+            return [(log[f"acquired{k}"], log[f"played{k}"]) for k in range(count)]
+    return load
+
+
+@pytest.fixture(scope="session")
+def compiled(tmp_path_factory):
+    """compiled(source) gives a program built from a C file with the public header alone."""
+    folder = tmp_path_factory.mktemp("programs")
+
+    def build(source):
+        program = folder / Path(source).stem
+        library = Path(find_library()._name).resolve()
+        subprocess.run(["cc", "-std=c99", "-D_GNU_SOURCE", f"-I{HEADERS}", source, library,
+                        f"-Wl,-rpath,{library.parent}", "-Wl,--allow-shlib-undefined",
+                        "-o", program], check=True)
+        return program
+    return build

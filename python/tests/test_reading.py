@@ -1,0 +1,143 @@
+"""The same file read by a C program, by this package and by Neo, against what was recorded."""
+import subprocess
+from pathlib import Path
+
+import numpy as np
+import pytest
+
+import corvantis
+from corvantis import stimuli
+from corvantis.neo import CorvantisIO
+
+
+@pytest.mark.parametrize("recipe", ["steps", "types"])
+def test_all_readers_give_what_was_acquired_and_played(recipe, recorded, logged, compiled,
+                                                       tmp_path):
+    path, log = recorded(recipe), logged(recipe)
+    reader = compiled(Path(__file__).with_name("read_epochs.c"))
+    subprocess.run([reader, path, tmp_path / "c"], check=True, stdout=subprocess.DEVNULL)
+    from_c = np.fromfile(tmp_path / "c", dtype=np.int16)
+    np.testing.assert_array_equal(from_c, np.concatenate([a.ravel() for pair in log for a in pair]))
+
+    block = CorvantisIO(path).read_block(signal_group_mode="group-by-same-units", lazy=True)
+    with corvantis.open(path) as recording:
+        assert len(recording.epochs) == len(block.segments) == len(log)
+        for epoch, segment, (acquired, played) in zip(recording.epochs, block.segments, log):
+            np.testing.assert_array_equal(epoch.raw, acquired)
+            np.testing.assert_array_equal(epoch.raw_stimulus, played)
+            signals = np.hstack([each.load().magnitude for each in segment.analogsignals])
+            np.testing.assert_array_equal(signals, np.hstack([epoch.response, epoch.stimulus]))
+
+
+def test_epoch_in_physical_units(recorded):
+    with corvantis.open(recorded("steps")) as recording:
+        epoch = recording.epochs[2]
+        assert epoch.raw.dtype == np.int16 and epoch.raw.shape == (4000, 1)
+        assert not epoch.raw.flags.writeable
+        assert epoch.response.dtype == np.float64 and epoch.response.shape == (4000, 1)
+        assert epoch.units.response == ("mV",) and epoch.units.stimulus == ("pA",)
+        assert epoch.response[0, 0] == pytest.approx(-65, abs=0.05)     # resting potential
+        assert set(epoch.stimulus[:, 0]) == {0.0, 200.0}                # 1600 / 3200 * 400
+        assert epoch.sampling_rate == 20_000
+        assert epoch.time[-1] == pytest.approx(3999 * 50e-6) and epoch.duration == 0.2
+
+
+def test_header_fields_under_their_own_names(recorded):
+    with corvantis.open(recorded("steps")) as recording:
+        assert (recording.header.version, recording.header.inputScale) == (8, 3200.0)
+        epoch = recording.epochs[1]
+        assert (epoch.epochTime, epoch.temperature, epoch.comment) == (0.5, 6.25, "step 1")
+        assert epoch.samplingInterval == 50 and epoch.ledSetting == (7, 65535, 0, 0)
+        assert epoch.userValue[:3] == (1.5, -2.0, 0.0) and epoch.stimType[0] == 3
+        assert "ampGain" in dir(epoch)
+        with pytest.raises(AttributeError):
+            epoch.noSuchField
+
+
+def test_epochs_are_a_lazy_sequence(recorded):
+    with corvantis.open(recorded("steps")) as recording:
+        epochs = recording.epochs
+        assert len(epochs) == 3 and epochs[-1].number == 2
+        assert [epoch.number for epoch in epochs[::-2]] == [2, 0]
+        assert [epoch.number for epoch in epochs[1:][1:]] == [2]
+        assert "raw" not in vars(epochs[0]) and "stimuli" not in vars(epochs[0])
+        with pytest.raises(IndexError):
+            epochs[3]
+
+
+def test_stimulus_records_are_typed(recorded):
+    with corvantis.open(recorded("types")) as recording:
+        found = {type(each) for epoch in recording.epochs for each in epoch.stimuli}
+        assert found == {stimuli.Sine, stimuli.Noise, stimuli.Pulse, stimuli.Ramp, stimuli.Summed,
+                         stimuli.SegmentedNoise, stimuli.BinaryNoise, stimuli.DynamicClamp,
+                         stimuli.AlternatingVoltage, stimuli.Spatial}
+        assert recording.epochs[0].stimuli == (stimuli.Sine(500, 100, 40, 7, 150, 20, 30),)
+        total = recording.epochs[10].stimuli[0]
+        assert [each.name for each in total.components] == ["sine", "ramp", "noise"]
+        assert total.components[2].seed == 5
+
+
+@pytest.mark.parametrize("epoch, entry", [(8, 0), (9, 1)])
+def test_conductances_behind_any_number_of_entries(epoch, entry, recorded):
+    with corvantis.open(recorded("types")) as recording:
+        clamp = recording.epochs[epoch].stimuli[entry]
+    assert (clamp.excitatoryReversal, clamp.inhibitoryReversal) == (0.0, -80.0)
+    np.testing.assert_array_equal(clamp.excitatory, np.linspace(0, 3, 200, dtype=np.float32))
+    np.testing.assert_array_equal(clamp.inhibitory, np.linspace(9, 4, 200, dtype=np.float32))
+
+
+def test_channels_by_name_and_digital_words(recorded):
+    with corvantis.open(recorded("types")) as recording:
+        epoch = recording.epochs[11]
+        assert epoch.inputs == ["input 4", "digital input"]
+        assert epoch.outputs == ["output 3", "digital output"]
+        assert epoch.units.response == ("mV", "word")
+        np.testing.assert_array_equal(epoch.stimulus[:, 1], epoch.raw_stimulus[:, 1].view("u2"))
+
+
+def test_epochs_behind_stimuli_that_take_no_bytes(recorded, logged):
+    """Their positions in the file's table are too high; the samples must be right all the same."""
+    with corvantis.open(recorded("unstored")) as recording:
+        assert len(recording.epochs) == 7
+        for epoch, (acquired, played) in zip(recording.epochs, logged("unstored")):
+            np.testing.assert_array_equal(epoch.raw, acquired)
+            if isinstance(epoch.stimuli[0], stimuli.Pulse) and epoch.stimuli[0].computed:
+                np.testing.assert_array_equal(epoch.raw_stimulus, played)
+        with pytest.raises(corvantis.CorvantisError, match="entry 0 is a generic") as caught:
+            recording.epochs[4].stimulus
+        assert caught.value.code == 2
+        assert recording.epochs[5].stimuli[0].tripleB == (7, 8, 9)
+
+
+@pytest.mark.parametrize("order", [[7], [9], [12, 10, 9, 7, 1], [7, 7, 9, 1, 9, 10, 10, 7]])
+def test_recomputed_as_played_in_whatever_order(order, recorded, logged):
+    """The segmented noise of epoch 7 has an odd number of levels: the noise of epochs 9 and 10
+    began with a number that was left over from it."""
+    with corvantis.open(recorded("types")) as recording:
+        for number in order:
+            np.testing.assert_array_equal(recording.epochs[number].raw_stimulus,
+                                          logged("types")[number][1])
+
+
+def test_older_files_use_the_older_noise(recorded, tmp_path):
+    old = tmp_path / "old.dat"
+    block = bytearray(recorded("types").read_bytes())
+    block[0] = 4
+    old.write_bytes(block)
+    with corvantis.open(old) as older, corvantis.open(recorded("types")) as newer:
+        assert older.header.version == 4
+        assert older.epochs[8].pointsLatency == 0 + 2 + 5       # computed: one entry of type 11
+        np.testing.assert_array_equal(older.epochs[2].raw_stimulus, newer.epochs[2].raw_stimulus)
+        noise = older.epochs[1].raw_stimulus
+        assert np.any(noise != newer.epochs[1].raw_stimulus)
+        np.testing.assert_array_equal(older.epochs[1].raw_stimulus, noise)
+        assert list(noise[:20, 0]) == [20] * 20
+
+
+def test_table_of_all_epochs(recorded):
+    with corvantis.open(recorded("types")) as recording:
+        rows, frame = recording.table(), recording.to_dataframe()
+    assert len(rows) == len(frame) == 13
+    assert rows[11]["stimulus"][0] == "pulse 10 pA on 0 pA, 10 ms after 5 ms"    # 80 counts
+    assert "sum of (sine" in rows[10]["stimulus"][0] and "seed 5" in rows[10]["stimulus"][0]
+    assert list(frame["points"][-2:]) == [200, 120_000] and frame.index.name == "epoch"

@@ -1259,7 +1259,7 @@ CORVANTIS_API int32_t timeval_subtract(struct timeval* result, const struct time
  * @param[in] macPath path in Mac OS Roman
  * @param[out] unixPath the result in the same encoding
  * @param[in] size room in unixPath, terminator included [bytes]
- * @return 0, or -1 if there is no such path or no room for it
+ * @return 0, or -1 if there is no such path or no room for it; unixPath may then hold a part of it
  */
 CORVANTIS_API int32_t ConvertMacPathToUnix(const char* macPath, char* unixPath, int32_t size);
 

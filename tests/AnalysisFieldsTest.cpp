@@ -14,7 +14,7 @@ namespace {
 
 using namespace corvantis_test;
 
-// One field of every kind in a header that is otherwise zero, and a pulse.
+// Fields of unlike values in a header that is otherwise zero, behind it three empty records.
 Bytes SettingsEpoch() {
     Bytes header = EpochHeaderBytes(300, 4, {14, 14, 14});
     Put(header, 516, Hex("3FA00000 BF000000 00000000 461C4000"));  // gains
@@ -134,16 +134,21 @@ struct LookupCase {
 };
 
 TEST_F(AnalysisTest, EntriesOfChannels) {
-    const LookupCase cases[] = {
+    std::vector<LookupCase> cases = {
         {3, {0x880, 0x1100, 0xD980}, 0, 0, {}, {}},  // as the library builds them: always 0
         {4, {0x09, 0x40, 0x27, 0xC000}, 2, 1, {}, {}},
-        {4, {0x10, 0x02, 0, 0}, 1, 0, {}, {}},
         {2, {0x7F, 0xC07F, 0, 0}, {}, {}, {}, {}},
         {0, {0, 0}, {}, {}, {}, {}},
         {-1, {0x7F}, 0, 0, 0, 0},
         {INT32_MIN, {0x7F}, 0, 0, 0, 0},
     };
+    for (uint32_t bit = 0; bit < 32; ++bit) {
+        const bool hidesOutput = bit == 3 || bit == 4 || bit == 6;
+        const bool hidesInput = bit < 3 || bit == 5;
+        cases.push_back({2, {1U << bit, 0}, hidesOutput ? 1 : 0, hidesInput ? 1 : 0, {}, {}});
+    }
     std::vector<Bytes> epochs;
+    epochs.reserve(cases.size());
     for (const LookupCase& each : cases) epochs.push_back(SequenceEpoch(each.length, each.words));
     Open(DataFileBytes(8, epochs));
     int32_t epoch = 0;

@@ -71,7 +71,7 @@ TEST_F(AnalysisTest, FinishingLeavesTheFileToItsClosing) {
     EXPECT_EQ(ITCInitializeAnalysis(10), ITC_SUCCESS);
     EXPECT_EQ(ITCOpenFileForInput(folder.File("none.itc").c_str()), ITC_FILE_ERROR);
     EXPECT_EQ(ITCOpenFileForEditing(path.c_str()), ITC_FILE_ERROR);
-    EXPECT_EQ(std::filesystem::file_size(path), 0);
+    EXPECT_EQ(std::filesystem::file_size(path), 0U);
 }
 
 // What the acquisition program set, played and saved is what the analysis program gets.

@@ -147,10 +147,11 @@ TEST_F(WaveformTest, Ramp) {
     for (const auto& [amplitude, mean] : {std::pair{-40000, 40000}, std::pair{32767, -12345},
                                           std::pair{INT32_MIN, INT32_MIN}, std::pair{70001, -7}}) {
         for (const Runs& runs : kRuns) {
+            const float rise = static_cast<float>(amplitude);
+            const float start = static_cast<float>(mean);
             const Samples shape = Shape(runs.points, [&](int32_t i) {
                 const float part = static_cast<float>(i) / static_cast<float>(runs.points);
-                return Stored(double{
-                    std::fma(part, static_cast<float>(amplitude), static_cast<float>(mean))});
+                return Stored(double{std::fma(part, rise, start)});
             });
             ExpectWave(4, ITCStmCreateRamp,
                        WithRuns(ITCRampParameters{amplitude, mean, 0, 0, 0, {}}, runs),

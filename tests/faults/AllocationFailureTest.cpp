@@ -112,7 +112,9 @@ TEST(AllocationFailure, CostsARecordingNoEpochThatWasSaved) {
         failed = AllocationFailed();
         FailAllocation(0);
         EXPECT_EQ(LiveBlocks(), before);
-        if (!failed) EXPECT_EQ(saved.size(), size_t{kEpochs});
+        if (!failed) {
+            EXPECT_EQ(saved.size(), size_t{kEpochs});
+        }
         if (saved.empty()) continue;
         const RecordingSession reading;
         ASSERT_EQ(ITCOpenFile(path.c_str()), ITC_SUCCESS);

@@ -1,0 +1,72 @@
+// Comparing three computations of every entry's stimulus.
+#include "CheckStimulus.h"
+
+#include <fmt/core.h>
+
+#include "Rebuild.h"
+#include "StimulusTypes.h"
+
+namespace corvantis {
+namespace {
+
+constexpr char kExpected[] = "the waveform that was played";
+
+// What went wrong, or nothing.
+std::string Compare(const std::vector<int16_t>& first, const std::vector<int16_t>& second,
+                    const std::vector<int16_t>& fresh, int32_t points) {
+    if (first.size() != static_cast<size_t>(points)) return "its lengths do not fit the epoch";
+    if (second != first) return "another waveform the second time";
+    if (fresh != first) return "another waveform in a fresh process";
+    return {};
+}
+
+std::string Explain(std::string result, const std::string& reason) {
+    if (result.empty()) return reason;
+    return reason.empty() ? result : fmt::format("{}: {}", result, reason);
+}
+
+class StimulusCheck {
+  public:
+    explicit StimulusCheck(const DataFile& file) : file_(file) {}
+
+    void CheckEpoch(size_t number, const EpochPlace& place) {
+        const EpochContent content = ReadEpochAt(file_, place.start).content;
+        const auto twice = RebuildStimulus(file_, place, content, 2);
+        const auto fresh = RebuildStimulus(file_, place, content);
+        for (size_t entry = 0; entry < content.stimuli.size(); ++entry) {
+            const Stimulus& stimulus = content.stimuli[entry];
+            const std::string reason = WhyNotRebuilt(file_.Header(), stimulus);
+            const std::string result =
+                HasWaveform(stimulus) ? Compare(twice[0].entries[entry], twice[1].entries[entry],
+                                                fresh[0].entries[entry], place.points)
+                                      : "no waveform";
+            const std::string found = Explain(result, reason);
+            if (found.empty()) continue;
+            findings_.push_back({place.start,
+                                 fmt::format("epoch {}, entry {}, {} stimulus", number, entry,
+                                             TypeName(stimulus.type)),
+                                 found, kExpected});
+        }
+    }
+
+    Findings Take() { return std::move(findings_); }
+
+  private:
+    const DataFile& file_;
+    Findings findings_;
+};
+
+}  // namespace
+
+Findings CheckStimuli(const DataFile& file, const std::vector<EpochPlace>& epochs,
+                      const Terminal& terminal) {
+    Progress progress(terminal, "recomputing stimuli", static_cast<int64_t>(epochs.size()));
+    StimulusCheck check(file);
+    for (size_t number = 0; number < epochs.size(); ++number) {
+        progress.Reach(static_cast<int64_t>(number));
+        check.CheckEpoch(number, epochs[number]);
+    }
+    return check.Take();
+}
+
+}  // namespace corvantis

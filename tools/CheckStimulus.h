@@ -1,0 +1,17 @@
+// `corvantis check --stimulus`: whether recorded stimuli can be computed again, and alike.
+#pragma once
+
+#include <vector>
+
+#include "Container.h"
+#include "DataFile.h"
+#include "Findings.h"
+#include "Terminal.h"
+
+namespace corvantis {
+
+// Computes each epoch's stimulus twice in one process and once in a fresh one.
+Findings CheckStimuli(const DataFile& file, const std::vector<EpochPlace>& epochs,
+                      const Terminal& terminal);
+
+}  // namespace corvantis

@@ -1,0 +1,204 @@
+// Sub-commands and options, with their help.
+#include "CommandLine.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <sstream>
+#include <string_view>
+
+#include "Check.h"
+#include "Export.h"
+#include "Failure.h"
+#include "Info.h"
+#include "Repair.h"
+
+namespace corvantis {
+namespace {
+
+constexpr std::array<std::string_view, 4> kCommands = {"info", "check", "repair", "export"};
+
+constexpr char kDescription[] =
+    "Looks at, checks, repairs and exports data files of Corvantis.\n"
+    "Epochs are counted from 0. Results go to standard output, messages to standard error.";
+
+constexpr char kFooter[] = R"(Any other sub-command X runs the program corvantis-X from the path.
+
+Examples:
+  $ corvantis info cell5.dat
+  $ corvantis check *.dat
+  $ corvantis repair cell5.dat -o cell5-repaired.dat
+  $ corvantis export cell5.dat -e 3 --stimulus --units -o sweep.csv
+
+Exit status:
+  0 if all is well, 1 if there are findings (damage, something dropped or not to be rebuilt),
+  2 if a file cannot be used or the command line is wrong.)";
+
+constexpr char kInfoExamples[] = R"(Examples:
+  $ corvantis info cell5.dat             the file header and a line per epoch
+  $ corvantis info cell5.dat -e 0,3-7    these epochs in full, with the formulas of their units)";
+
+constexpr char kCheckExamples[] = R"(Examples:
+  $ corvantis check *.dat                      what is wrong: where, found, expected
+  $ corvantis check --stimulus --json a.dat    also which stimuli cannot be rebuilt, and why)";
+
+constexpr char kRepairExamples[] = R"(Examples:
+  $ corvantis repair cell5.dat -o whole.dat                   all complete epochs
+  $ corvantis repair cell5.dat -o whole.dat --keep-partial    and what there is of the last one)";
+
+constexpr char kExportExamples[] = R"(Examples:
+  $ corvantis export cell5.dat -e 3                               volts, as CSV on standard output
+  $ corvantis export cell5.dat -e 3 --stimulus --units -o a.csv   mV, pA, with the stimulus
+  $ corvantis export cell5.dat --all --format npy -o a.npy        a-0.npy, a-1.npy and so on)";
+
+// Plain enough for people, and in the form that help2man takes for a manual page.
+class HelpFormatter : public CLI::Formatter {
+  public:
+    std::string make_option_opts(const CLI::Option* option) const override {
+        const std::string type = option->get_type_name();
+        return type.empty() ? "" : " " + type;
+    }
+    std::string make_expanded(const CLI::App* command) const override {
+        std::ostringstream text;
+        text << "corvantis " << command->get_name() << ":\n  " << command->get_description()
+             << "\n\n";
+        for (const CLI::Option* option : command->get_options()) {
+            text << make_option(option, option->get_positional());
+        }
+        return text.str() + "\n";
+    }
+};
+
+struct Options {
+    InfoOptions info;
+    CheckOptions check;
+    RepairOptions repair;
+    ExportOptions exported;
+    bool quiet = false;
+};
+
+CLI::App* AddCommand(CLI::App& app, Options& options, const char* name, const char* description,
+                     const char* examples) {
+    CLI::App* command = app.add_subcommand(name, description);
+    command->set_help_all_flag();
+    command->footer(examples);
+    command->add_flag("-q,--quiet", options.quiet, "No progress, and no word if all is well");
+    return command;
+}
+
+void AddInfo(CLI::App& app, Options& options) {
+    CLI::App* command =
+        AddCommand(app, options, "info",
+                   "Show the file header and a line per epoch, or epochs in full", kInfoExamples);
+    command->add_option("FILE", options.info.file, "Data file")->required()->type_name("");
+    command->add_option("-e,--epoch", options.info.epochs, "Epochs to show in full: 0,3-7")
+        ->type_name("LIST");
+    command->add_flag("--json", options.info.json, "Results as JSON, every epoch in full");
+}
+
+void AddCheck(CLI::App& app, Options& options) {
+    CLI::App* command =
+        AddCommand(app, options, "check",
+                   "Compare header and table with what really lies in the files", kCheckExamples);
+    command->add_option("FILE", options.check.files, "Data files")->required()->type_name("");
+    command->add_flag("--stimulus", options.check.stimulus,
+                      "Also recompute each stimulus, twice and in a fresh process");
+    command->add_flag("--json", options.check.json, "Results as JSON");
+}
+
+void AddRepair(CLI::App& app, Options& options) {
+    CLI::App* command = AddCommand(
+        app, options, "repair",
+        "Write a sound file with every complete epoch; FILE is never changed", kRepairExamples);
+    command->add_option("FILE", options.repair.file, "Damaged data file")
+        ->required()
+        ->type_name("");
+    command->add_option("-o,--output", options.repair.output, "File to write, required")
+        ->required()
+        ->type_name("OUT");
+    command->add_flag("--keep-partial", options.repair.keepPartial,
+                      "Also keep a last epoch that was cut short, as far as its points are whole");
+    command->add_flag("--force", options.repair.force, "Replace OUT if it exists");
+    command->add_flag("--json", options.repair.json, "Results as JSON");
+}
+
+void AddExport(CLI::App& app, Options& options) {
+    ExportOptions& exported = options.exported;
+    CLI::App* command = AddCommand(app, options, "export",
+                                   "Write epochs as tables: time in seconds, then a column per "
+                                   "sequence entry in volts",
+                                   kExportExamples);
+    command->add_option("FILE", exported.file, "Data file")->required()->type_name("");
+    auto* epochs =
+        command->add_option("-e,--epoch", exported.epochs, "Epochs: 0,3-7")->type_name("LIST");
+    command->add_flag("--all", exported.all, "All epochs")->excludes(epochs);
+    command
+        ->add_option("--format", exported.format,
+                     "csv, which is the default, or npy, an array of doubles")
+        ->check(CLI::IsMember({"csv", "npy"}).description(""))
+        ->type_name("FORMAT");
+    command
+        ->add_option("-o,--output", exported.output,
+                     "File to write; of several epochs each gets one, such as OUT-3.csv")
+        ->type_name("OUT");
+    auto* raw = command->add_flag("--raw", exported.raw, "Converter counts instead of volts");
+    command->add_flag("--units", exported.units, "The entries' own units, where the epoch has them")
+        ->excludes(raw);
+    command->add_flag("--stimulus", exported.stimulus,
+                      "Also the recomputed stimuli; of dynamic clamp the conductances");
+    command->add_flag("--force", exported.force, "Replace files that exist");
+}
+
+int Run(const CLI::App& app, const Options& options, const Terminal& terminal) {
+    if (app.got_subcommand("info")) return RunInfo(options.info, terminal);
+    if (app.got_subcommand("check")) return RunCheck(options.check, terminal);
+    if (app.got_subcommand("repair")) return RunRepair(options.repair, terminal);
+    return RunExport(options.exported, terminal);
+}
+
+// Help and version are wanted results, everything else is a message.
+int EndOfParsing(const CLI::App& app, const CLI::ParseError& end, const Terminal& terminal) {
+    std::ostringstream results, messages;
+    const int code = app.exit(end, results, messages);
+    terminal.Print("{}", results.str());
+    if (code == 0) return kFine;
+    terminal.Say("corvantis: {} (see --help)\n", end.what());
+    return kUnusable;
+}
+
+}  // namespace
+
+int RunCommandLine(int argc, char** argv, Terminal& terminal) {
+    CLI::App app(kDescription, "corvantis");
+    Options options;
+    app.formatter(std::make_shared<HelpFormatter>());
+    app.set_help_all_flag("--help-all", "Help of all sub-commands");
+    app.set_version_flag("--version", "corvantis " CORVANTIS_VERSION);
+    app.footer(kFooter);
+    app.require_subcommand(1);
+    AddInfo(app, options);
+    AddCheck(app, options);
+    AddRepair(app, options);
+    AddExport(app, options);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& end) {
+        return EndOfParsing(app, end, terminal);
+    }
+    terminal.quiet = options.quiet;
+    try {
+        return Run(app, options, terminal);
+    } catch (const Failure& failure) {
+        terminal.Say("corvantis: {}\n", failure.what());
+        return kUnusable;
+    }
+}
+
+bool NamesExternalCommand(int argc, char** argv) {
+    if (argc < 2) return false;
+    const std::string_view first = argv[1];
+    const bool isName = !first.empty() && first.front() != '-';
+    return isName && std::find(kCommands.begin(), kCommands.end(), first) == kCommands.end();
+}
+
+}  // namespace corvantis

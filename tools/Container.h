@@ -1,0 +1,60 @@
+// One epoch as it lies in a file: where its parts begin, found from its own bytes alone.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "Corvantis.h"
+#include "DataFile.h"
+
+namespace corvantis {
+
+struct EpochPlace {
+    int64_t start = 0;
+    int64_t samples = 0;
+    int64_t end = 0;
+    // What the table of positions counts beyond the bytes that are there, for types without any.
+    int64_t overcounted = 0;
+    int32_t points = 0;
+    int32_t entries = 0;
+    // Where an entry's two conductance arrays begin; 0 for an entry without.
+    std::array<int64_t, ITC_CHANNELS> conductances = {};
+};
+
+// A stimulus record of any type but the sum; of a sum its components.
+struct Stimulus {
+    int32_t type = 0;
+    alignas(std::max_align_t) std::array<std::byte, 64> record = {};
+    std::vector<Stimulus> components;
+};
+
+struct EpochContent {
+    ITCEpochHeader header = {};
+    std::vector<Stimulus> stimuli;  // one an entry
+};
+
+struct Mismatch {
+    std::string found;
+    std::string expected;
+};
+
+enum class Condition {
+    kWhole,
+    kCut,        // the file ends before the epoch does
+    kImpossible  // no epoch, or a damaged one
+};
+
+struct EpochReading {
+    Condition condition = Condition::kWhole;
+    // Of a cut epoch samples and end are 0 if the file ends before they can be known.
+    EpochPlace place;
+    Mismatch mismatch;  // unless whole
+    EpochContent content;
+};
+
+EpochReading ReadEpochAt(const DataFile& file, int64_t start);
+
+}  // namespace corvantis

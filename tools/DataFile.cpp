@@ -1,0 +1,81 @@
+// Opening a data file for reading, whatever it turns out to be.
+#include "DataFile.h"
+
+#include <fcntl.h>
+#include <fmt/core.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "Failure.h"
+
+namespace corvantis {
+namespace {
+
+// Does not wait for the other end of a pipe.
+Stream OpenForReading(const std::string& path, struct stat& status) {
+    const int descriptor = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0) throw SystemFailure(path);
+    Stream stream(fdopen(descriptor, "rb"));
+    if (!stream || fstat(descriptor, &status) != 0) throw SystemFailure(path);
+    if (S_ISDIR(status.st_mode)) throw Failure(path, "is a directory");
+    if (!S_ISREG(status.st_mode)) throw Failure(path, "is not a regular file");
+    return stream;
+}
+
+}  // namespace
+
+DataFile::DataFile(std::string path) : path_(std::move(path)) {
+    struct stat status = {};
+    stream_ = OpenForReading(path_, status);
+    size_ = status.st_size;
+    if (size_ < kFirstEpoch) {
+        throw Failure(path_, fmt::format("has {} bytes; a file header alone has {}: nothing was "
+                                         "recorded, or this is no data file",
+                                         size_, kFirstEpoch));
+    }
+    if (!Read_ITCFileHeader(At(0), &header_)) throw Failure(path_, "the header cannot be read");
+    if (header_.version > ITC_FILE_VERSION) {
+        throw Failure(path_, fmt::format("format version {} is newer than {}", header_.version,
+                                         static_cast<int>(ITC_FILE_VERSION)));
+    }
+}
+
+bool DataFile::IsSame(const std::string& path) const {
+    struct stat own = {}, other = {};
+    if (stat(path.c_str(), &other) != 0 || fstat(fileno(stream_.get()), &own) != 0) return false;
+    return own.st_dev == other.st_dev && own.st_ino == other.st_ino;
+}
+
+FILE* DataFile::At(int64_t position) const {
+    if (fseeko(stream_.get(), position, SEEK_SET) != 0) throw SystemFailure(path_);
+    return stream_.get();
+}
+
+std::vector<uint8_t> DataFile::Bytes(int64_t position, int64_t count) const {
+    const int64_t available = std::clamp<int64_t>(size_ - position, 0, count);
+    std::vector<uint8_t> bytes(static_cast<size_t>(available));
+    if (available > 0) Read(position, bytes);
+    return bytes;
+}
+
+void DataFile::Read(int64_t position, std::span<uint8_t> bytes) const {
+    if (std::fread(bytes.data(), 1, bytes.size(), At(position)) == bytes.size()) return;
+    const bool shrunk = std::ferror(stream_.get()) == 0;
+    throw shrunk ? Failure(path_, "became shorter while it was read") : SystemFailure(path_);
+}
+
+std::vector<uint32_t> DataFile::Positions(int64_t position, int64_t count) const {
+    const std::vector<uint8_t> bytes = Bytes(position, kPositionSize * std::max<int64_t>(count, 0));
+    std::vector<uint32_t> positions(bytes.size() / kPositionSize);
+    for (size_t i = 0; i < positions.size(); ++i) {
+        for (size_t k = 0; k < kPositionSize; ++k) {
+            positions[i] = positions[i] << 8 | bytes[kPositionSize * i + k];
+        }
+    }
+    return positions;
+}
+
+}  // namespace corvantis

@@ -1,0 +1,62 @@
+// Parsing lists of epoch numbers.
+#include "EpochList.h"
+
+#include <fmt/core.h>
+
+#include <charconv>
+#include <string_view>
+
+#include "Failure.h"
+
+namespace corvantis {
+namespace {
+
+Failure Malformed(const std::string& text) {
+    return Failure(fmt::format("--epoch {}: expected numbers and ranges, such as 0,3-7", text));
+}
+
+class ListReader {
+  public:
+    explicit ListReader(const std::string& text) : text_(text), rest_(text) {}
+
+    bool Take(char wanted) {
+        const bool found = !rest_.empty() && rest_.front() == wanted;
+        if (found) rest_.remove_prefix(1);
+        return found;
+    }
+    bool AtEnd() const { return rest_.empty(); }
+
+    size_t Number(size_t epochsInFile) {
+        size_t number = 0;
+        const auto [end, error] =
+            std::from_chars(rest_.data(), rest_.data() + rest_.size(), number);
+        if (end == rest_.data()) throw Malformed(text_);
+        rest_.remove_prefix(static_cast<size_t>(end - rest_.data()));
+        if (error != std::errc() || number >= epochsInFile) {
+            throw Failure(fmt::format("--epoch {}: the file has {} epochs, counted from 0", text_,
+                                      epochsInFile));
+        }
+        return number;
+    }
+
+  private:
+    const std::string& text_;
+    std::string_view rest_;
+};
+
+}  // namespace
+
+std::vector<size_t> ParseEpochList(const std::string& text, size_t epochsInFile) {
+    std::vector<size_t> numbers;
+    ListReader reader(text);
+    do {
+        const size_t first = reader.Number(epochsInFile);
+        const size_t last = reader.Take('-') ? reader.Number(epochsInFile) : first;
+        if (last < first) throw Malformed(text);
+        for (size_t number = first; number <= last; ++number) numbers.push_back(number);
+    } while (reader.Take(','));
+    if (!reader.AtEnd()) throw Malformed(text);
+    return numbers;
+}
+
+}  // namespace corvantis

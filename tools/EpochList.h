@@ -1,0 +1,14 @@
+// Lists of epoch numbers as users write them: 0,3-7.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace corvantis {
+
+// The numbers in the order given. Throws a Failure for a text that is no list, or a number that the
+// file has not.
+std::vector<size_t> ParseEpochList(const std::string& text, size_t epochsInFile);
+
+}  // namespace corvantis

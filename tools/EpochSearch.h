@@ -1,0 +1,17 @@
+// Finding the next epoch where a damaged one has led the walk astray.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "DataFile.h"
+#include "Terminal.h"
+
+namespace corvantis {
+
+// The first place from there on that looks like an epoch throughout: the bytes that every writer
+// of the format leaves zero are zero, its numbers are possible, and its end is the start of another
+// such epoch, the table or the end of the file. All epochs begin at even offsets.
+std::optional<int64_t> FindEpoch(const DataFile& file, int64_t from, const Terminal& terminal);
+
+}  // namespace corvantis

@@ -1,0 +1,33 @@
+// A file that appears under its name only when it is complete.
+#pragma once
+
+#include <string>
+
+#include "DataFile.h"
+
+namespace corvantis {
+
+class NewFile {
+  public:
+    // Opens a file of a temporary name beside the path. Throws a Failure, also if the path exists
+    // and may not be replaced.
+    NewFile(std::string path, bool replace);
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+    // Removes what was not committed.
+    ~NewFile();
+
+    FILE* Get() const { return stream_.get(); }
+    // Forces the bytes to the disk and gives the file its name. Throws a Failure.
+    void Commit();
+    // Throws a Failure if something could not be written so far.
+    void CheckWritten() const;
+
+  private:
+    std::string path_;
+    std::string temporary_;
+    bool replace_;
+    Stream stream_;
+};
+
+}  // namespace corvantis

@@ -1,0 +1,179 @@
+// Recomputing in a child process that shares the memory of its result.
+#include "Rebuild.h"
+
+#include <fmt/core.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <limits>
+
+#include "Failure.h"
+#include "StimulusTypes.h"
+
+namespace corvantis {
+namespace {
+
+constexpr int8_t kLastVersionWithPlatformNoise = 4;
+
+// Memory that parent and child both see: a success flag and the samples, for each time.
+class SharedSamples {
+  public:
+    SharedSamples(size_t times, size_t samples)
+        : samples_(samples), size_(times * (1 + samples) * sizeof(uint16_t)) {
+        memory_ = mmap(nullptr, size_, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+        if (memory_ == MAP_FAILED) throw Failure("out of memory");
+    }
+    SharedSamples(const SharedSamples&) = delete;
+    SharedSamples& operator=(const SharedSamples&) = delete;
+    ~SharedSamples() { munmap(memory_, size_); }
+
+    uint16_t* Flag(size_t time) const {
+        return static_cast<uint16_t*>(memory_) + time * (1 + samples_);
+    }
+    uint16_t* Samples(size_t time) const { return Flag(time) + 1; }
+
+  private:
+    size_t samples_;
+    size_t size_;
+    void* memory_;
+};
+
+// The library's one open file becomes this one with this one epoch, wherever the table has it.
+int32_t OpenAsOnlyEpoch(const DataFile& file, const EpochPlace& place) {
+    if (ITCInitializeAnalysis(place.points * place.entries) != ITC_SUCCESS) {
+        return ITC_OUT_OF_MEMORY;
+    }
+    *filehdr = file.Header();
+    filehdr->numEpochs = 1;
+    EpochPosition[0] = static_cast<uint32_t>(place.start);
+    ITCOpenFilePtr = std::fopen(file.Path().c_str(), "rb");
+    return ITCOpenFilePtr == nullptr ? ITC_FILE_ERROR : ITCEpochParameters(0);
+}
+
+// An entry without a waveform would keep the others from being computed.
+void BlankEntriesWithoutWaveform(const EpochContent& content) {
+    const ITCSpatialStmParameters blank = {};
+    for (size_t entry = 0; entry < content.stimuli.size(); ++entry) {
+        if (!HasWaveform(content.stimuli[entry])) {
+            ITCSpatialParams(static_cast<int32_t>(entry), &blank);
+        }
+    }
+}
+
+void Compute(const DataFile& file, const EpochPlace& place, const EpochContent& content,
+             const SharedSamples& shared, size_t times) {
+    if (OpenAsOnlyEpoch(file, place) != ITC_SUCCESS) return;
+    BlankEntriesWithoutWaveform(content);
+    const size_t samples = static_cast<size_t>(place.points) * static_cast<size_t>(place.entries);
+    for (size_t time = 0; time < times; ++time) {
+        if (ITCUpdateStm() != ITC_SUCCESS) return;
+        std::copy_n(*ITCOutputBuffer, samples, shared.Samples(time));
+        *shared.Flag(time) = 1;
+    }
+}
+
+void RunChild(const DataFile& file, const EpochPlace& place, const EpochContent& content,
+              const SharedSamples& shared, size_t times) {
+    const pid_t child = fork();
+    if (child < 0) throw SystemFailure("fork");
+    if (child == 0) {
+        Compute(file, place, content, shared, times);
+        _exit(0);  // nothing that the parent has buffered is written twice
+    }
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0 && errno == EINTR) continue;
+}
+
+RebuiltStimulus Split(const EpochPlace& place, const EpochContent& content,
+                      const uint16_t* samples) {
+    RebuiltStimulus rebuilt;
+    const auto entries = static_cast<size_t>(place.entries);
+    for (size_t entry = 0; entry < entries; ++entry) {
+        if (!HasWaveform(content.stimuli[entry])) continue;
+        rebuilt.entries[entry].resize(static_cast<size_t>(place.points));
+        for (size_t p = 0; p < rebuilt.entries[entry].size(); ++p) {
+            rebuilt.entries[entry][p] = static_cast<int16_t>(samples[p * entries + entry]);
+        }
+    }
+    return rebuilt;
+}
+
+std::string WhyNoise(const ITCFileHeader& file, int32_t seed) {
+    if (seed < 0) return "its seed continues the noise before it, whose end is not recorded";
+    if (file.version > kLastVersionWithPlatformNoise) return {};
+    return "noise of format versions 4 and below came from the recording machine's own generator";
+}
+
+std::string WhySegments(const ITCSegmentedNoiseParameters& record) {
+    if (record.seed < 0) return "its seed continues the noise before it, whose end is not recorded";
+    const bool odd = record.segmentPoints > 0 && (record.points / record.segmentPoints) % 2 != 0;
+    return odd ? "an odd number of segments leaves a deviate to the next noise, also to a repeat"
+               : "";
+}
+
+template <class Record>
+const Record& As(const Stimulus& stimulus) {
+    return *reinterpret_cast<const Record*>(stimulus.record.data());
+}
+
+}  // namespace
+
+bool HasWaveform(const Stimulus& stimulus) {
+    switch (stimulus.type) {
+        case ITC_STIMULUS_FILEWAVE:
+        case ITC_STIMULUS_GENERIC:
+        case ITC_STIMULUS_TRIGGER_SERIES:
+        case ITC_STIMULUS_CIRCLE_PULSE:
+            return false;
+        default:
+            return std::all_of(stimulus.components.begin(), stimulus.components.end(), HasWaveform);
+    }
+}
+
+std::string WhyNotRebuilt(const ITCFileHeader& file, const Stimulus& stimulus) {
+    switch (stimulus.type) {
+        case ITC_STIMULUS_FILEWAVE:
+            return "the wave was the application's and is not stored";
+        case ITC_STIMULUS_TRIGGER_SERIES:
+            return "its parameters are not stored";
+        case ITC_STIMULUS_GENERIC:
+        case ITC_STIMULUS_CIRCLE_PULSE:
+            return "only the application knows its waveform";
+        case ITC_STIMULUS_DYNAMIC_CLAMP:
+            return "what was played followed the measured potential; its conductances are stored";
+        case ITC_STIMULUS_NOISE:
+            return WhyNoise(file, As<ITCNoiseParameters>(stimulus).seed);
+        case ITC_STIMULUS_SEGMENTED_NOISE:
+            return WhySegments(As<ITCSegmentedNoiseParameters>(stimulus));
+        case ITC_STIMULUS_BINARY_NOISE:
+            if (As<ITCBinaryNoiseParameters>(stimulus).seed >= 0) return {};
+            return "its seed continues the noise before it, whose end is not recorded";
+        default:
+            break;
+    }
+    for (const Stimulus& component : stimulus.components) {
+        const std::string why = WhyNotRebuilt(file, component);
+        if (!why.empty()) return fmt::format("component {}: {}", TypeName(component.type), why);
+    }
+    return {};
+}
+
+std::vector<RebuiltStimulus> RebuildStimulus(const DataFile& file, const EpochPlace& place,
+                                             const EpochContent& content, size_t times) {
+    std::vector<RebuiltStimulus> rebuilt(times);
+    const int64_t samples = int64_t{place.points} * place.entries;
+    // Neither the library's buffers nor its offsets reach further.
+    const bool fits = samples <= std::numeric_limits<int32_t>::max() &&
+                      place.start <= std::numeric_limits<uint32_t>::max();
+    if (!fits || samples == 0) return rebuilt;
+    const SharedSamples shared(times, static_cast<size_t>(samples));
+    RunChild(file, place, content, shared, times);
+    for (size_t time = 0; time < times && *shared.Flag(time) == 1; ++time) {
+        rebuilt[time] = Split(place, content, shared.Samples(time));
+    }
+    return rebuilt;
+}
+
+}  // namespace corvantis

@@ -1,0 +1,33 @@
+// Computing an epoch's stimulus again, as the library does, in a process of its own.
+//
+// The noise generators keep state from one waveform to the next. Only a process that has computed
+// nothing yet gives every epoch the same start, and a damaged file cannot harm the caller.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "Container.h"
+#include "DataFile.h"
+
+namespace corvantis {
+
+struct RebuiltStimulus {
+    // One waveform an entry; empty if it cannot be computed.
+    std::array<std::vector<int16_t>, ITC_CHANNELS> entries;
+};
+
+// The stimulus as a fresh process computes it the first and, if asked, the following times.
+std::vector<RebuiltStimulus> RebuildStimulus(const DataFile& file, const EpochPlace& place,
+                                             const EpochContent& content, size_t times = 1);
+
+// Why an entry's waveform is not, or not surely, the one that was played; empty if nothing is known
+// to be against it.
+std::string WhyNotRebuilt(const ITCFileHeader& file, const Stimulus& stimulus);
+
+// Whether a waveform can be computed at all.
+bool HasWaveform(const Stimulus& stimulus);
+
+}  // namespace corvantis

@@ -1,0 +1,242 @@
+// Repairing a data file.
+//
+// Procedure
+//  1. Open FILE for reading only, and read its header. Refuse an OUT that is the same file, or that
+//     exists unless it may be replaced.
+//  2. Walk from byte 580 from epoch to epoch, each one's end found from its own header and stimulus
+//     records. Neither the header's count nor the table of positions is asked. A whole table
+//     ends the walk.
+//  3. Where no epoch follows although the header leads further on, search from inside the epoch
+//     before for the next sound one, and go on there. If it lies inside that epoch, that epoch's
+//     length was damaged, and it is dropped.
+//  4. If the walk ends without a whole table, an interrupted save is the usual cause. Keep the
+//  epoch
+//     that the header does not count if its bytes are known to have arrived (LastSave.h says how).
+//  5. Write a header that is FILE's but for count and table position, every complete epoch byte for
+//     byte and, if wanted, the last one cut to its whole points: its epochPoints and the
+//     conductances change accordingly, everything else stays.
+//  6. Write the table of real starts. Force OUT to the disk under a temporary name and rename it.
+//
+// Known limits
+//  - There are no checksums: changed samples, comments or parameter values are copied as they are.
+//  - Where a small new epoch ends before the old table did, its last bytes can equal the old table
+//    by chance. Then it counts as unfinished until the new table's first four bytes are there. With
+//    failed saves or a second file of one run before, the old table's values are not known, and
+//    this holds for each such epoch.
+//  - After a save that failed on a full disk, its remains lie behind the table that was put back.
+//  If
+//    the next save of an epoch of that very size is killed, old samples can pass for new ones.
+//  - A new epoch whose epochTime has the bits of the number 580, below 1e-42, passes for a table.
+//  - Bytes that a power failure has kept from the disk read as zeros; headers of zeros are no
+//    epochs, but among samples they are not recognised.
+//  - An epoch whose damaged length ends where a later epoch begins swallows those between.
+//  - An epoch of no sequence entry, which holds no sample, counts as damaged.
+//  - Step 3 finds no epoch whose padding another program has filled, and none of interval below 4.
+//  - The stimulus of an epoch that was cut short is not computable: its lengths no longer add up.
+//  - Epochs that would begin at 4 GiB or above cannot be recorded in a table and are dropped.
+#include "Repair.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "Failure.h"
+#include "Findings.h"
+#include "NewFile.h"
+#include "Survey.h"
+#include "Text.h"
+
+namespace corvantis {
+namespace {
+
+constexpr int64_t kCopyBlock = 1 << 20;
+constexpr int64_t kLargestPosition = std::numeric_limits<uint32_t>::max();
+
+struct Dropped {
+    int64_t begin;
+    int64_t end;
+    std::string reason;
+};
+
+struct Account {
+    size_t kept = 0;
+    size_t uncounted = 0;  // of these, not in the header's count
+    std::optional<UnfinishedEpoch> cut;
+    std::vector<Dropped> dropped;
+};
+
+class OutputFile {
+  public:
+    OutputFile(const DataFile& from, NewFile& to, const Terminal& terminal)
+        : from_(from), to_(to), progress_(terminal, "copying", from.Size()) {}
+
+    // For an epoch of that size, with the table behind it.
+    bool HasRoom(int64_t size) const { return position_ + size <= kLargestPosition; }
+
+    // Byte for byte.
+    void Append(const EpochPlace& epoch) {
+        Begin();
+        Copy(epoch.start, epoch.end);
+    }
+
+    void AppendCut(const UnfinishedEpoch& epoch) {
+        const int64_t start = position_;
+        Begin();
+        CopyParameters(epoch);
+        Copy(epoch.place.samples,
+             epoch.place.samples + int64_t{2} * epoch.wholePoints * epoch.place.entries);
+        const int64_t field = start + static_cast<int64_t>(offsetof(ITCEpochHeader, epochPoints));
+        WriteAt(field, [&](FILE* stream) { return WriteArray_int(stream, &epoch.wholePoints, 1); });
+    }
+
+    void Finish() {
+        ITCFileHeader header = from_.Header();
+        header.numEpochs = static_cast<int32_t>(starts_.size());
+        header.epochTablePosition = static_cast<int32_t>(static_cast<uint32_t>(position_));
+        WriteAt(0, [&](FILE* stream) { return Write_ITCFileHeader(stream, &header); });
+        WriteAt(position_, [&](FILE* stream) {
+            return WriteArray_int(stream, starts_.data(), header.numEpochs);
+        });
+        to_.Commit();
+    }
+
+  private:
+    void Begin() { starts_.push_back(static_cast<int32_t>(static_cast<uint32_t>(position_))); }
+
+    void Copy(int64_t begin, int64_t end) {
+        while (begin < end) {
+            progress_.Reach(begin);
+            const auto bytes = from_.Bytes(begin, std::min(end - begin, kCopyBlock));
+            if (bytes.empty()) throw Failure(from_.Path(), "became shorter while it was read");
+            WriteAt(position_, [&](FILE* stream) {
+                return std::fwrite(bytes.data(), 1, bytes.size(), stream) == bytes.size();
+            });
+            begin += static_cast<int64_t>(bytes.size());
+            position_ += static_cast<int64_t>(bytes.size());
+        }
+    }
+
+    // Each conductance array shrinks with the points.
+    void CopyParameters(const UnfinishedEpoch& epoch) {
+        int64_t from = epoch.place.start;
+        for (const int64_t arrays : epoch.place.conductances) {
+            if (arrays == 0) continue;
+            Copy(from, arrays);
+            const int64_t whole = int64_t{4} * epoch.place.points;
+            const int64_t kept = int64_t{4} * epoch.wholePoints;
+            Copy(arrays, arrays + kept);
+            Copy(arrays + whole, arrays + whole + kept);
+            from = arrays + 2 * whole;
+        }
+        Copy(from, epoch.place.samples);
+    }
+
+    template <class Writing>
+    void WriteAt(int64_t position, Writing write) {
+        const bool placed = fseeko(to_.Get(), position, SEEK_SET) == 0;
+        if (!placed || !write(to_.Get())) to_.CheckWritten();
+    }
+
+    const DataFile& from_;
+    NewFile& to_;
+    Progress progress_;
+    int64_t position_ = kFirstEpoch;
+    std::vector<int32_t> starts_;
+};
+
+std::string Why(const Mismatch& mismatch) {
+    return fmt::format("found {}, expected {}", mismatch.found, mismatch.expected);
+}
+
+bool AppendUnfinished(const UnfinishedEpoch& epoch, const RepairOptions& options,
+                      OutputFile& output) {
+    if (!options.keepPartial || epoch.wholePoints == 0) return false;
+    if (!output.HasRoom(epoch.place.end - epoch.place.start)) return false;
+    output.AppendCut(epoch);
+    return true;
+}
+
+void CountUncounted(const DataFile& file, Account& account) {
+    const auto counted = static_cast<size_t>(std::max(file.Header().numEpochs, 0));
+    account.uncounted = account.kept > counted ? account.kept - counted : 0;
+}
+
+Account WriteRepaired(const DataFile& file, const Survey& survey, const RepairOptions& options,
+                      OutputFile& output) {
+    Account account;
+    for (const Stretch& stray : survey.strays) {
+        account.dropped.push_back({stray.begin, stray.end, Why(stray.mismatch)});
+    }
+    for (const EpochPlace& epoch : survey.epochs) {
+        if (output.HasRoom(epoch.end - epoch.start)) {
+            output.Append(epoch);
+            ++account.kept;
+        } else {
+            account.dropped.push_back({epoch.start, epoch.end, "beyond the table's 32 bits"});
+        }
+    }
+    CountUncounted(file, account);
+    if (survey.unfinished && AppendUnfinished(*survey.unfinished, options, output)) {
+        account.cut = survey.unfinished;
+    } else if (survey.unfinished) {
+        const UnfinishedEpoch& last = *survey.unfinished;
+        account.dropped.push_back(
+            {last.place.start, file.Size(),
+             fmt::format("an unfinished epoch, {} of {} points can be had: {}", last.wholePoints,
+                         last.place.points, Why(last.mismatch))});
+    }
+    output.Finish();
+    return account;
+}
+
+void PrintAccount(const DataFile& file, const Account& account, const RepairOptions& options,
+                  const Terminal& terminal) {
+    terminal.Print("{}: kept {} complete epochs of {}", options.output, account.kept, file.Path());
+    if (account.uncounted > 0) {
+        terminal.Print(", {} of them not counted by its header", account.uncounted);
+    }
+    terminal.Print("\n");
+    if (account.cut) {
+        terminal.Print("{}: kept epoch {} cut to {} of {} points: {}\n", options.output,
+                       account.kept, account.cut->wholePoints, account.cut->place.points,
+                       Why(account.cut->mismatch));
+    }
+    for (const Dropped& dropped : account.dropped) {
+        terminal.Print("{}: dropped bytes {} to {}: {}\n", options.output, dropped.begin,
+                       dropped.end, dropped.reason);
+    }
+}
+
+nlohmann::json ToJson(const DataFile& file, const Account& account, const RepairOptions& options) {
+    nlohmann::json dropped = nlohmann::json::array();
+    for (const Dropped& piece : account.dropped) {
+        dropped.push_back({{"begin", piece.begin}, {"end", piece.end}, {"reason", piece.reason}});
+    }
+    nlohmann::json json = {{"file", DisplayText(file.Path())},
+                           {"output", DisplayText(options.output)},
+                           {"kept", account.kept},
+                           {"uncounted", account.uncounted},
+                           {"dropped", dropped}};
+    if (account.cut) json["cutToPoints"] = account.cut->wholePoints;
+    return json;
+}
+
+}  // namespace
+
+int RunRepair(const RepairOptions& options, const Terminal& terminal) {
+    const DataFile file(options.file);
+    if (file.IsSame(options.output)) {
+        throw Failure(options.output, "is the file to repair; name another one");
+    }
+    NewFile repaired(options.output, options.force);
+    const Survey survey = SurveyFile(file, terminal);
+    OutputFile output(file, repaired, terminal);
+    const Account account = WriteRepaired(file, survey, options, output);
+    if (options.json) {
+        terminal.Print("{}\n", ToJson(file, account, options).dump(2));
+    } else if (!terminal.quiet || !account.dropped.empty()) {
+        PrintAccount(file, account, options, terminal);
+    }
+    return account.dropped.empty() && !account.cut ? kFine : kFindings;
+}
+
+}  // namespace corvantis

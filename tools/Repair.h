@@ -1,0 +1,21 @@
+// `corvantis repair`: a new file with every complete epoch of a damaged one.
+#pragma once
+
+#include <string>
+
+#include "Terminal.h"
+
+namespace corvantis {
+
+struct RepairOptions {
+    std::string file;
+    std::string output;
+    bool keepPartial = false;
+    bool force = false;
+    bool json = false;
+};
+
+// 0 if everything was kept, 1 if something was dropped.
+int RunRepair(const RepairOptions& options, const Terminal& terminal);
+
+}  // namespace corvantis

@@ -1,0 +1,32 @@
+// The program corvantis: sub-commands of its own, and those of the path.
+#include <cstdio>
+#include <exception>
+
+#include "CommandLine.h"
+#include "ExternalCommand.h"
+#include "Failure.h"
+
+namespace corvantis {
+namespace {
+
+int RunProgram(int argc, char** argv) {
+    if (NamesExternalCommand(argc, argv)) RunExternalCommand(argc, argv);
+    Terminal terminal{TakeStandardOutput(), stderr};
+    const int code = RunCommandLine(argc, argv, terminal);
+    if (std::ferror(terminal.results) != 0 || std::fclose(terminal.results) != 0) {
+        throw SystemFailure("standard output");
+    }
+    return code;
+}
+
+}  // namespace
+}  // namespace corvantis
+
+int main(int argc, char** argv) {
+    try {
+        return corvantis::RunProgram(argc, argv);
+    } catch (const std::exception& failure) {
+        fmt::print(stderr, "corvantis: {}\n", failure.what());
+        return corvantis::kUnusable;
+    }
+}

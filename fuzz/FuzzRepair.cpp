@@ -1,0 +1,43 @@
+// Any bytes as a damaged recording: what `corvantis repair` makes of it must pass `corvantis
+// check`.
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include "Check.h"
+#include "Failure.h"
+#include "Repair.h"
+#include "Session.h"
+#include "Terminal.h"
+
+namespace {
+
+// A folder in memory where there is one; repairs replace their output at each input.
+std::string OutputFolder() {
+    const bool inMemory = std::filesystem::is_directory("/dev/shm");
+    const std::filesystem::path base =
+        inMemory ? "/dev/shm" : std::filesystem::temp_directory_path();
+    const std::filesystem::path folder = base / ("fuzz-repair-" + std::to_string(getpid()));
+    std::filesystem::create_directories(folder);
+    return folder.string();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static FILE* const nowhere = std::fopen("/dev/null", "w");
+    static const std::string output = OutputFolder() + "/repaired";
+    static const corvantis::Terminal terminal = {nowhere, nowhere, true};
+    corvantis_fuzz::StartLibrary();
+    const corvantis_fuzz::MemoryFile file(data, size);
+    try {
+        const bool keepPartial = size % 2 == 0;
+        corvantis::RunRepair({file.Path(), output, keepPartial, true, false}, terminal);
+    } catch (const corvantis::Failure&) {
+        return 0;
+    }
+    if (corvantis::RunCheck({{output}, false, false}, terminal) != corvantis::kFine) std::abort();
+    return 0;
+}

@@ -9,13 +9,13 @@ enum { Capacity = 1 << 20 };
 
 static uint16_t samples[Capacity];
 
-static void Keep(FILE *output, int32_t result, int32_t count) {
+static void Keep(FILE* output, int32_t result, int32_t count) {
     if (result == ITC_SUCCESS) fwrite(samples, sizeof samples[0], (size_t)count, output);
 }
 
-int main(int argc, char **argv) {
+int main(int argc, char** argv) {
     int32_t epochs = 0;
-    FILE *output = argc == 3 ? fopen(argv[2], "wb") : NULL;
+    FILE* output = argc == 3 ? fopen(argv[2], "wb") : NULL;
     if (output == NULL || ITCInitializeAnalysis(Capacity) != ITC_SUCCESS) return 2;
     if (ITCOpenFileForInput(argv[1]) != ITC_SUCCESS) return 2;
     ITCGetNumberEpochs(&epochs);

@@ -37,10 +37,10 @@ class EpochWalk {
         : file_(file), reading_(reading), position_(reading.place.start) {}
 
     Stopped Follow() {
-        if (const Stopped stopped = ReadHeader()) return stopped;
+        if (Stopped stopped = ReadHeader()) return stopped;
         EpochPlace& place = reading_.place;
         for (int32_t entry = 0; entry < place.entries; ++entry) {
-            if (const Stopped stopped = ReadEntry(static_cast<size_t>(entry))) return stopped;
+            if (Stopped stopped = ReadEntry(static_cast<size_t>(entry))) return stopped;
         }
         place.samples = position_;
         place.end = position_ + int64_t{2} * place.points * place.entries;
@@ -74,7 +74,7 @@ class EpochWalk {
         stimulus.type = reading_.content.header.stimType[entry];
         const std::string name = fmt::format("stimType[{}]", entry);
         const bool isSum = stimulus.type == ITC_STIMULUS_SUMMED;
-        const Stopped stopped = isSum ? ReadSum(stimulus) : ReadRecord(stimulus, name);
+        Stopped stopped = isSum ? ReadSum(stimulus) : ReadRecord(stimulus, name);
         if (stopped) return stopped;
         if (stimulus.type == ITC_STIMULUS_DYNAMIC_CLAMP) {
             reading_.place.conductances[entry] = position_;
@@ -98,7 +98,7 @@ class EpochWalk {
             Stimulus component;
             component.type = summed.componentType[k];
             const std::string name = fmt::format("componentType[{}]", k);
-            if (const Stopped stopped = ReadRecord(component, name)) return stopped;
+            if (Stopped stopped = ReadRecord(component, name)) return stopped;
             stimulus.components.push_back(component);
         }
         return std::nullopt;
@@ -130,7 +130,7 @@ class EpochWalk {
 EpochReading ReadEpochAt(const DataFile& file, int64_t start) {
     EpochReading reading;
     reading.place.start = start;
-    if (const Stopped stopped = EpochWalk(file, reading).Follow()) {
+    if (Stopped stopped = EpochWalk(file, reading).Follow()) {
         reading.condition = stopped->condition;
         reading.mismatch = stopped->mismatch;
     }

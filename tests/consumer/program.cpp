@@ -1,4 +1,5 @@
-// A C++20 program against the installed library: start for analysis, refuse a file that is not there.
+// A C++20 program against the installed library: start for analysis, refuse a file that is not
+// there.
 #include <Corvantis.h>
 
 #include <cstdio>

@@ -635,8 +635,8 @@ CORVANTIS_API void ITCStmCreateGClamp(int16_t* buffer);
  * Uniform deviate of L'Ecuyer's combined generator with a Bays-Durham shuffle over 1024 entries
  * (P. L'Ecuyer, Communications of the ACM 31:742-774, 1988; C. Bays and S. D. Durham, ACM TOMS
  * 2:59-64, 1976), in the form that Numerical Recipes calls ran2, with moduli of our own that exceed
- * 31 bits: about one draw in 20,000 leaves the state word negative, and the next one restarts from
- * it.
+ * 31 bits: a few draws early in a sequence leave the state word negative, and the next one restarts
+ * from it.
  * @param[in,out] idum state word; 0 or below restarts the generator from its magnitude
  * @return a deviate, nearly always above 0, never above 1
  */

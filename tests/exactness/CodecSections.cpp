@@ -35,7 +35,7 @@ class Stream {
     Stream(const Stream&) = delete;
     Stream& operator=(const Stream&) = delete;
     ~Stream() { std::fclose(file); }
-    void AppendTo(Bytes& bytes) {
+    void AppendTo(Bytes& bytes) const {
         std::rewind(file);
         for (int byte = std::fgetc(file); byte != EOF; byte = std::fgetc(file)) {
             bytes.push_back(static_cast<uint8_t>(byte));

@@ -28,7 +28,7 @@ std::vector<double> SinesOfWaves() {
 
 std::vector<double> SinesOfTransforms() {
     std::vector<double> sines;
-    for (double length = 2; length <= 1 << 24; length *= 2) {
+    for (int length = 2; length <= 1 << 24; length *= 2) {
         for (const double theta : {kTwoPi / length, -kTwoPi / length}) {
             sines.push_back(std::sin(theta));
             sines.push_back(std::sin(0.5 * theta));

@@ -55,9 +55,9 @@ std::vector<int32_t> PlatformNumbers() {
 }
 
 std::vector<int32_t> CallersNumbers() {
-    std::vector<int32_t> numbers;
+    std::vector<int32_t> numbers(kDeviates);
     kr_srand(1);
-    for (int i = 0; i < kDeviates; ++i) numbers.push_back(static_cast<int32_t>(kr_rand()));
+    for (int32_t& number : numbers) number = static_cast<int32_t>(kr_rand());
     return numbers;
 }
 

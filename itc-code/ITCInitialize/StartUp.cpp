@@ -5,6 +5,7 @@
 #include "ITC18.h"
 #include "ITCFileIO/StimulusTypes.h"
 #include "ITCInitialize/EpochTable.h"
+#include "ITCInitialize/Memory.h"
 #include "ITCInitialize/State.h"
 #include "ITCUtilities/Diagnostics.h"
 
@@ -15,8 +16,7 @@ constexpr float kCountsPerVolt = 3200.0F;
 constexpr int32_t kDefaultDeviceInterval = 10;
 
 bool AllocateDevice() {
-    const int32_t size = ITC18_GetStructureSize();
-    itc = ITCMalloc(1, static_cast<size_t>(size));
+    itc = AllocateArray<uint8_t>(ITC18_GetStructureSize()).release();
     return itc != nullptr;
 }
 

@@ -29,7 +29,7 @@ class Stream {
   public:
     explicit Stream(const Bytes& content = {}) : file(std::tmpfile()) {
         Require(file != nullptr, "opening a temporary file");
-        std::fwrite(content.data(), 1, content.size(), file);
+        if (!content.empty()) std::fwrite(content.data(), 1, content.size(), file);
         std::rewind(file);
     }
     Stream(const Stream&) = delete;

@@ -74,7 +74,7 @@ Bytes EpochBytes(const Bytes& file) {
 class CrashTest : public testing::TestWithParam<Shape> {
   protected:
     // Saves of the shape as the first epoch, and behind others.
-    std::vector<Save> Saves() {
+    std::vector<Save> Saves() const {
         const Preparation prepare = GetParam().prepare;
         const auto steps = RecordSteps(repairing.folder.File("recorded.dat"),
                                        {prepare, [] { SetUpPulseEpoch(); }, SetUpWaves, prepare});
@@ -131,7 +131,7 @@ TEST(PartialEpochTest, CutsConductancesToTheSamePoints) {
     Bytes expected = First(whole, 912 + 8);
     Put(expected, 576, Big32(2));
     const Bytes floats = Join({Hex("3F800000 40000000 BF800000 C0000000")});
-    const auto firstSample = whole.begin() + 912 + 8 + 2 * 6 * 4;
+    const auto firstSample = whole.begin() + 912 + 8 + 48;
     expected = Join({expected, floats, Bytes(firstSample, firstSample + 4)});
     EXPECT_EQ(repairing.EpochsFrom(save.KilledAfter(912 + 8 + 48 + 5), true), expected);
 }
@@ -141,7 +141,7 @@ class LongTableTest : public testing::Test {
   protected:
     // The last epoch is made of what the old table has in its place, so that most of its bytes are
     // right before they are written.
-    Save SaveOverLongTable(bool samplesFromTable) const {
+    static Save SaveOverLongTable(bool samplesFromTable) {
         Bytes before = FileHeaderBytes(8, kEpochs, kStart);
         Bytes table;
         for (uint32_t i = 0; i < kEpochs; ++i) {

@@ -179,7 +179,7 @@ TEST_F(DamageTest, SecondFileOfOneRunLosesTheCountOfTheFirst) {
     const Bytes mended = Repair(second);
     EXPECT_EQ(Word(mended, 536), 2U);
     EXPECT_EQ(Bytes(mended.begin() + 580, mended.end() - 8),
-              Bytes(second.begin() + 580, second.begin() + 580 + 2 * 952));
+              Bytes(second.begin() + 580, second.begin() + 2484));
 }
 
 // What a save that failed leaves behind the table that it put back.

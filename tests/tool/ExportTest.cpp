@@ -86,7 +86,7 @@ TEST_F(ExportTest, WritesArraysThatNumpyReads) {
     const std::string text(file.begin() + 10,
                            file.begin() + 10 + static_cast<std::ptrdiff_t>(length));
     EXPECT_NE(text.find("'fortran_order': False, 'shape': (4, 5), }"), std::string::npos) << text;
-    ASSERT_EQ(file.size(), 10 + length + 4 * 5 * sizeof(double));
+    ASSERT_EQ(file.size(), 10 + length + 20 * sizeof(double));
     std::vector<double> values(20);
     std::memcpy(values.data(), file.data() + 10 + length, 20 * sizeof(double));
     const std::vector<double> expected = {0,      1,   0.0003125, -0.0015625, -0.0015625,

@@ -12,6 +12,9 @@ namespace {
 
 const uint32_t* knownTable = nullptr;
 int64_t knownEntries = 0;
+// Entries that the known table has memory for; it grows ahead, or each of very many epochs would
+// copy the positions of all before it.
+int64_t capacity = 0;
 // Entries that growing owes the table, for epochs that were counted when memory was out.
 int64_t owedEntries = 0;
 const uint32_t* releasedTable = nullptr;
@@ -20,8 +23,16 @@ void UseTable(OwnedBlock<uint32_t> table, int64_t entries) {
     EpochPosition = table.release();
     knownTable = EpochPosition;
     knownEntries = EpochPosition == nullptr ? 0 : entries;
+    capacity = knownEntries;
     owedEntries = 0;
     releasedTable = nullptr;
+}
+
+// New entries repeat the last one: an epoch whose save fails gives its place to the next.
+void AddEntries(uint32_t* table, int64_t entries, int64_t wanted) {
+    std::fill(table + entries, table + wanted, table[entries - 1]);
+    knownEntries = wanted;
+    owedEntries = 0;
 }
 
 }  // namespace
@@ -32,16 +43,21 @@ bool AllocateEpochTable(int64_t entries) {
 }
 
 bool GrowEpochTable(int64_t epochs) {
-    OwnedBlock<uint32_t> grown = AllocateArray<uint32_t>(epochs + 1);
-    if (grown == nullptr) {
-        ++owedEntries;
-        return false;
+    const int64_t wanted = epochs + 1;
+    const int64_t entries = std::min(EpochTableEntries(), epochs);
+    if (EpochPosition != knownTable || wanted > capacity) {
+        const int64_t room = wanted + wanted / 2;
+        OwnedBlock<uint32_t> grown = AllocateArray<uint32_t>(room);
+        if (grown == nullptr) {
+            ++owedEntries;
+            return false;
+        }
+        std::copy_n(EpochPosition, entries, grown.get());
+        ReleaseEpochTable();
+        UseTable(std::move(grown), entries);
+        capacity = room;
     }
-    const int64_t entries = std::min(EpochTableEntries(), epochs + 1);
-    std::copy_n(EpochPosition, entries, grown.get());
-    std::fill(grown.get() + entries, grown.get() + epochs + 1, grown.get()[entries - 1]);
-    ReleaseEpochTable();
-    UseTable(std::move(grown), epochs + 1);
+    AddEntries(EpochPosition, entries, wanted);
     return true;
 }
 

@@ -124,13 +124,15 @@ class TableBuilder {
 
     Conversion ResponseConversion(size_t entry) const {
         if (values_ == Values::kCounts) return {.unit = "counts"};
-        if (values_ == Values::kVolts) return ResponseInVolts(file_.Header());
+        if (values_ == Values::kVolts)
+            return ResponseInVolts(file_.Header(), content_.header, entry);
         return ResponseInUnits(file_.Header(), content_.header, entry);
     }
 
     Conversion StimulusConversion(size_t entry) const {
         if (values_ == Values::kCounts) return {.unit = "counts"};
-        if (values_ == Values::kVolts) return StimulusInVolts(file_.Header());
+        if (values_ == Values::kVolts)
+            return StimulusInVolts(file_.Header(), content_.header, entry);
         return StimulusInUnits(file_.Header(), content_.header, entry);
     }
 

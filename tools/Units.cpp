@@ -10,12 +10,18 @@
 namespace corvantis {
 namespace {
 
+// Bits of a sequence word that select the digital port in place of an analogue channel.
+constexpr uint32_t kDigitalInput = 0x400;
+constexpr uint32_t kDigitalOutput = 0x2000;
+
 bool IsUsable(float factor) { return std::isfinite(factor) && factor != 0.0F; }
 
 Conversion InVolts(float countsPerVolt) {
     if (!IsUsable(countsPerVolt)) return {.unit = "counts"};
     return {.countsPerVolt = static_cast<double>(countsPerVolt), .unit = "V"};
 }
+
+Conversion Words() { return {.unit = "word", .isWord = true}; }
 
 // A full unit name has no terminator.
 std::string UnitName(const char (&name)[ITC_UNITS_LENGTH]) {
@@ -24,16 +30,23 @@ std::string UnitName(const char (&name)[ITC_UNITS_LENGTH]) {
 
 // In volts, unless unit and factor are there.
 bool HasUnits(const Conversion& volts, const std::string& unit, float factor) {
-    return volts.unit == "V" && !unit.empty() && IsUsable(factor);
+    return !volts.isWord && volts.unit == "V" && !unit.empty() && IsUsable(factor);
 }
 
 }  // namespace
 
-Conversion ResponseInVolts(const ITCFileHeader& file) { return InVolts(file.inputScale); }
-Conversion StimulusInVolts(const ITCFileHeader& file) { return InVolts(file.outputScale); }
+Conversion ResponseInVolts(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t entry) {
+    if ((epoch.channelSequence[entry] & kDigitalInput) != 0) return Words();
+    return InVolts(file.inputScale);
+}
+
+Conversion StimulusInVolts(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t entry) {
+    if ((epoch.channelSequence[entry] & kDigitalOutput) != 0) return Words();
+    return InVolts(file.outputScale);
+}
 
 Conversion ResponseInUnits(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t entry) {
-    Conversion conversion = ResponseInVolts(file);
+    Conversion conversion = ResponseInVolts(file, epoch, entry);
     const std::string unit = UnitName(epoch.inputUnits[entry]);
     const float gain = epoch.ampGain[entry];
     if (!HasUnits(conversion, unit, gain)) return conversion;
@@ -43,7 +56,7 @@ Conversion ResponseInUnits(const ITCFileHeader& file, const ITCEpochHeader& epoc
 }
 
 Conversion StimulusInUnits(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t entry) {
-    Conversion conversion = StimulusInVolts(file);
+    Conversion conversion = StimulusInVolts(file, epoch, entry);
     const std::string unit = UnitName(epoch.outputUnits[entry]);
     const float factor = epoch.convFactor[entry];
     if (!HasUnits(conversion, unit, factor)) return conversion;
@@ -54,6 +67,7 @@ Conversion StimulusInUnits(const ITCFileHeader& file, const ITCEpochHeader& epoc
 
 std::string ResponseFormula(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t entry) {
     const Conversion conversion = ResponseInUnits(file, epoch, entry);
+    if (conversion.isWord) return "the 16-bit word of the digital port";
     if (conversion.unit == "counts") return "counts (the file has no scale)";
     const std::string volts = fmt::format("counts / {}", file.inputScale);
     if (conversion.gain == 1.0) {
@@ -64,6 +78,7 @@ std::string ResponseFormula(const ITCFileHeader& file, const ITCEpochHeader& epo
 
 std::string StimulusFormula(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t entry) {
     const Conversion conversion = StimulusInUnits(file, epoch, entry);
+    if (conversion.isWord) return "the 16-bit word of the digital port";
     if (conversion.unit == "counts") return "counts (the file has no scale)";
     const std::string volts = fmt::format("counts / {}", file.outputScale);
     if (conversion.factor == 1.0) {

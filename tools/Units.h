@@ -19,14 +19,20 @@ struct Conversion {
     double gain = 1.0;
     double factor = 1.0;
     std::string unit;
-    double operator()(int16_t counts) const { return counts / countsPerVolt / gain * factor; }
+    bool isWord = false;
+    double operator()(int16_t counts) const {
+        // The digital port's samples are 16 lines, not a potential.
+        return isWord ? static_cast<uint16_t>(counts) : counts / countsPerVolt / gain * factor;
+    }
 };
 
-// Volts; counts of a file whose scale is no number above 0 stay counts.
-Conversion ResponseInVolts(const ITCFileHeader& file);
-Conversion StimulusInVolts(const ITCFileHeader& file);
+// Volts, or words of the digital port; counts of a file whose scale is no number above 0 stay
+// counts.
+Conversion ResponseInVolts(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t entry);
+Conversion StimulusInVolts(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t entry);
 
-// In the entry's units; volts where its gain or factor is 0 or not finite, or its unit is empty.
+// In the entry's units, or words; volts where its gain or factor is 0 or not finite, or its unit is
+// empty.
 Conversion ResponseInUnits(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t entry);
 Conversion StimulusInUnits(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t entry);
 

@@ -1,16 +1,14 @@
 // The in-place complex Fourier transform behind the filtered noise.
 #include <bit>
-#include <cmath>
 #include <cstddef>
 #include <utility>
 
 #include "Corvantis.h"
+#include "ITCUtilities/BlockedTransform.h"
+#include "ITCUtilities/Twiddle.h"
 
 namespace corvantis {
 namespace {
-
-// 2 pi as the recorded noise was made with; an exact 2 pi would change its samples.
-constexpr double kTwoPi = 6.283184;
 
 // Arrays count from 1, as in the published form: element 0 belongs to the caller.
 void ReverseBits(size_t n, float* data) {
@@ -29,22 +27,6 @@ void ReverseBits(size_t n, float* data) {
     }
 }
 
-// The twiddle factor of one stage, advanced by a recurrence in double precision.
-struct Twiddle {
-    explicit Twiddle(double theta)
-        : stepReal(-2.0 * std::sin(0.5 * theta) * std::sin(0.5 * theta)),
-          stepImaginary(std::sin(theta)) {}
-    void Advance() {
-        const double previous = real;
-        real = real + (real * stepReal - imaginary * stepImaginary);
-        imaginary = imaginary + (imaginary * stepReal + previous * stepImaginary);
-    }
-    double stepReal;
-    double stepImaginary;
-    double real = 1.0;
-    double imaginary = 0.0;
-};
-
 void Butterfly(const Twiddle& twiddle, float* even, float* odd) {
     const float real = static_cast<float>(twiddle.real * odd[0] - twiddle.imaginary * odd[1]);
     const float imaginary = static_cast<float>(twiddle.real * odd[1] + twiddle.imaginary * odd[0]);
@@ -55,11 +37,21 @@ void Butterfly(const Twiddle& twiddle, float* even, float* odd) {
 }
 
 void CombineStage(int32_t isign, size_t mmax, size_t n, float* data) {
-    Twiddle twiddle(kTwoPi / (static_cast<double>(mmax) * isign));
+    Twiddle twiddle(isign, mmax / 2);
     for (size_t m = 1; m < mmax; m += 2) {
         for (size_t i = m; i <= n; i += 2 * mmax) Butterfly(twiddle, data + i, data + i + mmax);
         twiddle.Advance();
     }
+}
+
+void Transform(int32_t isign, uint32_t nn, float* data) {
+    if (nn >= kSmallestBlockedTransform) {
+        TransformInBlocks(isign, nn, data + 1);
+        return;
+    }
+    const size_t n = 2 * static_cast<size_t>(nn);
+    ReverseBits(n, data);
+    for (size_t mmax = 2; mmax < n; mmax *= 2) CombineStage(isign, mmax, n, data);
 }
 
 }  // namespace
@@ -67,9 +59,8 @@ void CombineStage(int32_t isign, size_t mmax, size_t n, float* data) {
 
 void ITCfft(int32_t isign, uint32_t nn, float* data) {
     if (!std::has_single_bit(nn)) return;
-    const size_t n = 2 * static_cast<size_t>(nn);
-    corvantis::ReverseBits(n, data);
-    for (size_t mmax = 2; mmax < n; mmax *= 2) corvantis::CombineStage(isign, mmax, n, data);
+    corvantis::Transform(isign, nn, data);
     if (isign != -1) return;
-    for (size_t i = 1; i <= n; ++i) data[i] /= static_cast<float>(nn);
+    // A power of two's reciprocal is exact: multiplying by it divides.
+    corvantis::ScaleValues(data + 1, 2 * uint64_t{nn}, 1.0F / static_cast<float>(nn));
 }

@@ -1,8 +1,11 @@
 // Normal deviates by the polar method, on ran2 and, for old files, on the platform's rand.
-#include <cmath>
+#include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include "Corvantis.h"
+#include "ITCUtilities/BulkDeviates.h"
+#include "ITCUtilities/PolarFactor.h"
 
 namespace corvantis {
 namespace {
@@ -35,21 +38,90 @@ float PolarDeviate(Spare& held, Draw draw) {
         x2 = draw();
         rsq = x1 * x1 + x2 * x2;
     } while (!(rsq < 1.0F && rsq != 0.0F));
-    const float fac = static_cast<float>(std::sqrt(-2.0 * std::log(double{rsq}) / double{rsq}));
+    const float fac = PolarFactor(rsq);
     held = {1, fac * x1};
     return fac * x2;
 }
 
+// Doubling is exact: in single precision the difference is rounded once, as from double precision.
+float SymmetricDeviate(float uniform) { return 2.0F * uniform - 1.0F; }
+float SymmetricRand() { return static_cast<float>(2.0 * std::rand() / kLargestRand - 1.0); }
+
+constexpr size_t kBatch = 256;
+
+// Points in the unit circle with their squared distances.
+struct Accepted {
+    float x1[kBatch];
+    float x2[kBatch];
+    float square[kBatch];
+};
+
+// Exactly `count` points. Each round draws as many as are still missing: never one that a single
+// draw would not have made, or the generator would stand elsewhere afterwards.
+template <class Draw>
+void DrawPoints(Accepted& points, size_t count, Draw drawSymmetric) {
+    float uniform[2 * kBatch];
+    for (size_t accepted = 0; accepted < count;) {
+        const size_t drawn = 2 * (count - accepted);
+        drawSymmetric(std::span(uniform, drawn));
+        for (size_t i = 0; i < drawn; i += 2) {
+            const float square = uniform[i] * uniform[i] + uniform[i + 1] * uniform[i + 1];
+            points.x1[accepted] = uniform[i];
+            points.x2[accepted] = uniform[i + 1];
+            points.square[accepted] = square;
+            accepted += square < 1.0F && square != 0.0F ? 1 : 0;
+        }
+    }
+}
+
+template <class Draw>
+void DrawDeviates(Spare& held, std::span<float> deviates, Draw drawSymmetric) {
+    if (held.iset != 0 && !deviates.empty()) {
+        held.iset = 0;
+        deviates[0] = held.gset;
+        deviates = deviates.subspan(1);
+    }
+    Accepted points;
+    float factors[kBatch];
+    while (!deviates.empty()) {
+        const size_t count = std::min(kBatch, (deviates.size() + 1) / 2);
+        DrawPoints(points, count, drawSymmetric);
+        CalculatePolarFactors({points.square, count}, {factors, count});
+        const size_t whole = std::min(count, deviates.size() / 2);
+        for (size_t i = 0; i < whole; ++i) {
+            deviates[2 * i] = factors[i] * points.x2[i];
+            deviates[2 * i + 1] = factors[i] * points.x1[i];
+        }
+        deviates = deviates.subspan(2 * whole);
+        if (whole == count) continue;
+        held = {1, factors[whole] * points.x1[whole]};
+        deviates[0] = factors[whole] * points.x2[whole];
+        return;
+    }
+}
+
 }  // namespace
+
+void DrawNormalDeviates(int32_t& state, std::span<float> deviates) {
+    DrawDeviates(spare, deviates, [&state](std::span<float> uniform) {
+        DrawUniformDeviates(state, uniform);
+        for (float& value : uniform) value = SymmetricDeviate(value);
+    });
+}
+
+void DrawOldNormalDeviates(std::span<float> deviates) {
+    DrawDeviates(oldSpare, deviates, [](std::span<float> uniform) {
+        std::generate(uniform.begin(), uniform.end(), SymmetricRand);
+    });
+}
+
 }  // namespace corvantis
 
 float ITCNormalDeviate(int32_t* idum) {
     return corvantis::PolarDeviate(corvantis::spare,
-                                   [idum] { return static_cast<float>(2.0 * ran2(idum) - 1.0); });
+                                   [idum] { return corvantis::SymmetricDeviate(ran2(idum)); });
 }
 
 float V4ITCNormalDeviate() {
-    return corvantis::PolarDeviate(corvantis::oldSpare, [] {
-        return static_cast<float>(2.0 * std::rand() / corvantis::kLargestRand - 1.0);
-    });
+    return corvantis::PolarDeviate(corvantis::oldSpare, corvantis::SymmetricRand);
 }

@@ -1,0 +1,32 @@
+// The twiddle factors of one stage of the Fourier transform.
+#pragma once
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+
+namespace corvantis {
+
+// Advanced by a recurrence in double precision. Its rounding errors are part of every recorded
+// noise, so the factors must be taken one after the other.
+struct Twiddle {
+    // For the stage that combines transforms of `half` points each. 2 pi is the number that
+    // recorded noise was made with; an exact one would change its samples.
+    Twiddle(int32_t isign, size_t half) {
+        const double theta = 6.283184 / (2.0 * static_cast<double>(half) * isign);
+        const double sine = std::sin(0.5 * theta);
+        stepReal = -2.0 * sine * sine;
+        stepImaginary = std::sin(theta);
+    }
+    void Advance() {
+        const double previous = real;
+        real = real + (real * stepReal - imaginary * stepImaginary);
+        imaginary = imaginary + (imaginary * stepReal + previous * stepImaginary);
+    }
+    double real = 1.0;
+    double imaginary = 0.0;
+    double stepReal;
+    double stepImaginary;
+};
+
+}  // namespace corvantis

@@ -7,6 +7,7 @@
 #include "ITCInitialize/Memory.h"
 #include "ITCInitialize/State.h"
 #include "ITCStimulus/Extent.h"
+#include "ITCStimulus/SampleRuns.h"
 #include "ITCStimulus/Slots.h"
 
 namespace corvantis {
@@ -36,9 +37,7 @@ int32_t AddComponents(uint16_t* output, uint16_t* scratch, const ITCSummedParame
         const uint32_t type = static_cast<uint32_t>(summed.componentType[k]);
         const int32_t result = CalculateWithin(type, scratch, component, points);
         if (result != ITC_SUCCESS) return result;
-        for (int64_t i = 0; i < points; ++i) {
-            output[i] = static_cast<uint16_t>(output[i] + scratch[i]);
-        }
+        AddSamples({output, static_cast<size_t>(points)}, scratch);
     }
     return ITC_SUCCESS;
 }

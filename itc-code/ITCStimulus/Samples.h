@@ -1,24 +1,28 @@
 // How a computed value becomes a 16-bit sample, and the runs of samples around a waveform.
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
+
+#include "ITCStimulus/SampleRuns.h"
 
 namespace corvantis {
 
-// Truncation toward zero; beyond the range the nearest bound, for a NaN the lowest number.
+// Truncation toward zero; beyond the range the nearest bound, for a NaN the lowest number. The
+// value is bounded before it is converted, so that loops over many can be vectorised.
 constexpr int32_t TruncateToInt32(double value) {
-    if (value >= 2147483647.0) return INT32_MAX;
-    return value > -2147483648.0 ? static_cast<int32_t>(value) : INT32_MIN;
+    const double raised = value > -2147483648.0 ? value : -2147483648.0;
+    return static_cast<int32_t>(raised < 2147483647.0 ? raised : 2147483647.0);
 }
 
 // The low 16 bits, without clamping: 40000 is stored as 0x9C40, as in every recorded stimulus.
 constexpr uint16_t LevelSample(int32_t level) { return static_cast<uint16_t>(level); }
 constexpr uint16_t ConvertToSample(double value) { return LevelSample(TruncateToInt32(value)); }
-
-// A run at one level; a count of zero or less is no run. Returns where the next run begins.
-inline uint16_t* WriteLevel(uint16_t* next, int64_t count, int32_t level) {
-    return std::fill_n(next, std::max<int64_t>(count, 0), LevelSample(level));
+// The same for single precision, whose numbers below the upper bound can all be converted.
+constexpr uint16_t ConvertToSample(float value) {
+    const float raised = value > -2147483648.0F ? value : -2147483648.0F;
+    const bool convertible = raised < 2147483648.0F;
+    const int32_t truncated = static_cast<int32_t>(convertible ? raised : 0.0F);
+    return LevelSample(convertible ? truncated : INT32_MAX);
 }
 
 // The runs before, of and after a waveform, whose sample i is shape(i).

@@ -1,30 +1,47 @@
 // Segmented and binary noise: one random level per segment, laid over the holding level.
+#include <algorithm>
+#include <array>
+#include <span>
+
 #include "Corvantis.h"
 #include "ITCStimulus/Samples.h"
 #include "ITCStimulus/Shapes.h"
+#include "ITCUtilities/BulkDeviates.h"
 #include "ITCUtilities/WrappingArithmetic.h"
 
 namespace corvantis {
 namespace {
 
-// The sample is read back as signed 16 bits: the level adds to the mean as it was truncated.
-void AddLevel(uint16_t& sample, float level) {
-    sample = ConvertToSample(level + static_cast<float>(static_cast<int16_t>(sample)));
+constexpr size_t kBatch = 512;
+
+// Points before the buffer, which a negative prePoints would ask for, are passed over.
+void LayLevels(uint16_t* buffer, int64_t x, std::span<const float> levels, int32_t segmentPoints) {
+    if (segmentPoints == 1 && x >= 0) {
+        AddLevels({buffer + x, levels.size()}, levels.data());
+        return;
+    }
+    for (const float level : levels) {
+        const int64_t end = x + segmentPoints;
+        const int64_t begin = std::clamp<int64_t>(0, x, end);
+        AddLevel({buffer + begin, static_cast<size_t>(end - begin)}, level);
+        x = end;
+    }
 }
 
-// drawLevel() gives the level of the next segment. Points before the buffer, which a negative
-// prePoints would ask for, are passed over; a negative segment length makes no segments at all.
-template <class Record, class DrawLevel>
-void LayNoise(uint16_t* buffer, const Record& record, DrawLevel drawLevel) {
+// drawLevels(levels) gives the levels of the next segments. A negative segment length makes no
+// segments at all.
+template <class Record, class DrawLevels>
+void LayNoise(uint16_t* buffer, const Record& record, DrawLevels drawLevels) {
     WriteLevel(buffer, TotalPoints(record), record.mean);
     if (record.segmentPoints <= 0) return;
     const int32_t segments = record.points / record.segmentPoints;
-    int64_t x = record.prePoints;
-    for (int32_t s = 0; s < segments; ++s) {
-        const float level = drawLevel();
-        for (int32_t j = 0; j < record.segmentPoints; ++j, ++x) {
-            if (x >= 0) AddLevel(buffer[x], level);
-        }
+    std::array<float, kBatch> batch;
+    for (int64_t s = 0; s < segments; s += kBatch) {
+        const size_t count = std::min(kBatch, static_cast<size_t>(segments - s));
+        const std::span<float> levels(batch.data(), count);
+        drawLevels(levels);
+        LayLevels(buffer, record.prePoints + s * record.segmentPoints, levels,
+                  record.segmentPoints);
     }
 }
 
@@ -36,8 +53,9 @@ void CreateWaveform(uint16_t* buffer, const ITCSegmentedNoiseParameters& record)
     static int32_t seed;
     seed = WrappingNegate(record.seed);
     ITCSeedRandom(&seed);
-    LayNoise(buffer, record, [amplitude = static_cast<float>(record.amplitude)] {
-        return amplitude * ITCNormalDeviate(&seed);
+    LayNoise(buffer, record, [amplitude = static_cast<float>(record.amplitude)](auto levels) {
+        DrawNormalDeviates(seed, levels);
+        for (float& level : levels) level *= amplitude;
     });
 }
 
@@ -47,7 +65,10 @@ void CreateWaveform(uint16_t* buffer, const ITCBinaryNoiseParameters& record) {
     ITCSeedRandom(&seed);
     const float up = static_cast<float>(record.amplitude);
     const float down = static_cast<float>(WrappingNegate(record.amplitude));
-    LayNoise(buffer, record, [=] { return ran2(&seed) > 0.5F ? up : down; });
+    LayNoise(buffer, record, [=](auto levels) {
+        DrawUniformDeviates(seed, levels);
+        for (float& level : levels) level = level > 0.5F ? up : down;
+    });
 }
 
 }  // namespace corvantis

@@ -3,41 +3,61 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 #include "ITCInitialize/State.h"
 #include "ITCStimulus/Samples.h"
+#include "ITCStimulus/SineRotation.h"
+#include "ITCUtilities/FunctionClones.h"
 #include "ITCUtilities/WrappingArithmetic.h"
 
 namespace corvantis {
 namespace {
 
-// 2 pi as recorded stimuli were made with: a period of 4 peaks at 999 of 1000, and must go on to.
-constexpr double kTwoPi = 6.283184;
-constexpr double kSecondsPerMicrosecond = 1e-6;
-
-}  // namespace
-
-void CreateWaveform(uint16_t* buffer, const ITCSineParameters& record) {
-    const double interval = CurrentEpochHeader().samplingInterval;
-    const double w = kTwoPi / (record.period * interval * kSecondsPerMicrosecond);
-    WriteRuns(buffer, record, record.mean, [&](int32_t i) {
-        const double phase = i * interval * kSecondsPerMicrosecond * w;
-        return ConvertToSample(std::fma(record.amplitude, std::sin(phase), record.mean));
-    });
+// A period counts by its magnitude, and one of 0 never ends.
+int64_t PeriodOf(int32_t interval) {
+    return interval == 0 ? INT32_MAX : std::abs(int64_t{interval});
 }
 
-void CreateWaveform(uint16_t* buffer, const ITCPulseParameters& record) {
-    const uint16_t sample = LevelSample(WrappingAdd(record.mean, record.amplitude));
-    WriteRuns(buffer, record, record.mean, [=](int32_t /*i*/) { return sample; });
+// One period and its repetitions; shape(i) gives the samples of the first.
+template <class Record, class Shape>
+void WritePeriodicRuns(uint16_t* buffer, const Record& record, int32_t holdingLevel, int64_t period,
+                       Shape shape) {
+    uint16_t* next = WriteLevel(buffer, record.prePoints, holdingLevel);
+    const int64_t points = std::max(record.points, 0);
+    shape(next, std::min(period, points));
+    RepeatPeriod({next, static_cast<size_t>(points)}, std::min(period, points));
+    WriteLevel(next + points, record.tailPoints, holdingLevel);
 }
 
-void CreateWaveform(uint16_t* buffer, const ITCRampParameters& record) {
+CORVANTIS_CLONES void WriteRamp(uint16_t* buffer, const ITCRampParameters& record) {
     const float points = static_cast<float>(record.points);
     const float amplitude = static_cast<float>(record.amplitude);
     const float mean = static_cast<float>(record.mean);
     WriteRuns(buffer, record, record.mean, [=](int32_t i) {
         return ConvertToSample(std::fma(static_cast<float>(i) / points, amplitude, mean));
     });
+}
+
+}  // namespace
+
+void CreateWaveform(uint16_t* buffer, const ITCSineParameters& record) {
+    const SineFormula formula(record.amplitude, record.mean, record.period,
+                              CurrentEpochHeader().samplingInterval);
+    uint16_t* next = WriteLevel(buffer, record.prePoints, record.mean);
+    const auto points = static_cast<size_t>(std::max(record.points, 0));
+    WriteSine({next, points}, formula);
+    WriteLevel(next + points, record.tailPoints, record.mean);
+}
+
+void CreateWaveform(uint16_t* buffer, const ITCPulseParameters& record) {
+    uint16_t* next = WriteLevel(buffer, record.prePoints, record.mean);
+    next = WriteLevel(next, record.points, WrappingAdd(record.mean, record.amplitude));
+    WriteLevel(next, record.tailPoints, record.mean);
+}
+
+void CreateWaveform(uint16_t* buffer, const ITCRampParameters& record) {
+    WriteRamp(buffer, record);
 }
 
 void CreateWaveform(uint16_t* buffer, const ITCFilewaveParameters& record) {
@@ -47,19 +67,24 @@ void CreateWaveform(uint16_t* buffer, const ITCFilewaveParameters& record) {
 }
 
 void CreateWaveform(uint16_t* buffer, const ITCTrigSeriesParameters& record) {
-    const uint16_t trigger = LevelSample(WrappingAdd(record.baseline, record.amplitude));
-    const int64_t interval = record.interval;
-    WriteRuns(buffer, record, record.baseline, [&](int32_t i) {
-        return interval != 0 && i % interval == 0 ? trigger : LevelSample(record.baseline);
-    });
+    const int64_t triggers = record.interval == 0 ? 0 : 1;
+    const int32_t level = WrappingAdd(record.baseline, record.amplitude);
+    WritePeriodicRuns(buffer, record, record.baseline, PeriodOf(record.interval),
+                      [&](uint16_t* next, int64_t count) {
+                          WriteLevel(next, count, record.baseline);
+                          WriteLevel(next, std::min(count, triggers), level);
+                      });
 }
 
 void CreateWaveform(uint16_t* buffer, const ITCAlternateVoltageParameters& record) {
-    const uint16_t second = LevelSample(WrappingAdd(record.mean, record.amplitude));
-    const int64_t halfPeriod = record.halfPeriod;
-    WriteRuns(buffer, record, record.mean, [&](int32_t i) {
-        return halfPeriod != 0 && i / halfPeriod % 2 != 0 ? second : LevelSample(record.mean);
-    });
+    const int64_t halfPeriod = PeriodOf(record.halfPeriod);
+    const int32_t second = WrappingAdd(record.mean, record.amplitude);
+    WritePeriodicRuns(buffer, record, record.mean, 2 * halfPeriod,
+                      [&](uint16_t* next, int64_t count) {
+                          const int64_t first = std::min(count, halfPeriod);
+                          next = WriteLevel(next, first, record.mean);
+                          WriteLevel(next, count - first, second);
+                      });
 }
 
 void CreateWaveform(uint16_t* buffer, const ITCSpatialStmParameters& record) {

@@ -1,5 +1,6 @@
 // The older filtered noise: deviates of the platform's rand, averaged over a moving window.
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <span>
@@ -7,17 +8,18 @@
 #include "ITCInitialize/Memory.h"
 #include "ITCStimulus/FilteredNoise.h"
 #include "ITCStimulus/Samples.h"
+#include "ITCStimulus/WindowSums.h"
+#include "ITCUtilities/BulkDeviates.h"
 #include "ITCUtilities/WrappingArithmetic.h"
 
 namespace corvantis {
 namespace {
 
 void DrawDeviates(std::span<float> work, const ITCNoiseParameters& record) {
+    DrawOldNormalDeviates(work);
     const float amplitude = static_cast<float>(record.amplitude);
     const double gain = std::sqrt(static_cast<double>(record.smoothingPoints));
-    for (float& value : work) {
-        value = static_cast<float>(double{amplitude * V4ITCNormalDeviate()} * gain);
-    }
+    for (float& value : work) value = static_cast<float>(double{amplitude * value} * gain);
 }
 
 // Only behind the points: the noise fades into the tail but starts at full strength, as recorded.
@@ -29,13 +31,38 @@ void FadeIntoTail(std::span<float> work, const ITCNoiseParameters& record, int32
     std::fill(work.data() + begin, work.data() + end, 0.0F);
 }
 
-// Ascending sum of the window around x; entries outside the work array count as zero.
-float WindowSum(std::span<const float> work, int64_t x, int32_t reach) {
-    const int64_t begin = std::max<int64_t>(x - reach, 0);
-    const int64_t end = std::min(x + reach + 1, static_cast<int64_t>(work.size()));
-    float sum = 0.0F;
-    for (int64_t k = begin; k < end; ++k) sum += work[static_cast<size_t>(k)];
-    return sum;
+// The sums of the windows around `sums.size()` successive points, the first one's at `x`; entries
+// outside the work array count as zero.
+void SumClippedWindows(std::span<float> sums, std::span<const float> work, int64_t x,
+                       int32_t reach) {
+    for (float& sum : sums) {
+        const int64_t begin = std::max<int64_t>(x - reach, 0);
+        const int64_t end = std::min(x + reach + 1, static_cast<int64_t>(work.size()));
+        sum = 0.0F;
+        for (int64_t k = begin; k < end; ++k) sum += work[static_cast<size_t>(k)];
+        ++x;
+    }
+}
+
+void LayNoise(uint16_t* buffer, std::span<const float> work, int64_t first, int64_t end,
+              const ITCNoiseParameters& record) {
+    const int32_t reach = WrappingSubtract(record.smoothingPoints, 1) / 2;
+    const float window = static_cast<float>(record.smoothingPoints);
+    const float mean = static_cast<float>(record.mean);
+    std::array<float, kWindowBatch> batch;
+    for (int64_t x = first; x < end; x += kWindowBatch) {
+        const int64_t count = std::min<int64_t>(kWindowBatch, end - x);
+        const std::span<float> sums(batch.data(), static_cast<size_t>(count));
+        const bool inside = reach >= 0 && x >= reach &&
+                            x + kWindowBatch + reach <= static_cast<int64_t>(work.size());
+        if (inside) {
+            SumWindows(batch.data(), work.data() + (x - reach), 2 * int64_t{reach} + 1);
+        } else {
+            SumClippedWindows(sums, work, x, reach);
+        }
+        std::transform(sums.begin(), sums.end(), buffer + x,
+                       [=](float sum) { return ConvertToSample(sum / window + mean); });
+    }
 }
 
 }  // namespace
@@ -51,14 +78,8 @@ int32_t CreateSmoothedNoise(uint16_t* buffer, const ITCNoiseParameters& record) 
     WriteLevel(buffer, total, record.mean);
     DrawDeviates(work, record);
     FadeIntoTail(work, record, half);
-    const int32_t reach = WrappingSubtract(record.smoothingPoints, 1) / 2;
-    const float window = static_cast<float>(record.smoothingPoints);
-    const float mean = static_cast<float>(record.mean);
     const int64_t first = std::max<int64_t>(int64_t{record.prePoints} - half, 0);
-    const int64_t end = int64_t{record.prePoints} + record.points + half;
-    for (int64_t x = first; x < end; ++x) {
-        buffer[x] = ConvertToSample(WindowSum(work, x, reach) / window + mean);
-    }
+    LayNoise(buffer, work, first, int64_t{record.prePoints} + record.points + half, record);
     return ITC_SUCCESS;
 }
 

@@ -1,11 +1,16 @@
 // The newer filtered noise: deviates of ran2, shaped in the frequency domain.
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
+#include <span>
 
 #include "ITCInitialize/Memory.h"
 #include "ITCInitialize/State.h"
 #include "ITCStimulus/FilteredNoise.h"
+#include "ITCStimulus/PowerGains.h"
 #include "ITCStimulus/Samples.h"
+#include "ITCUtilities/BulkDeviates.h"
 #include "ITCUtilities/WrappingArithmetic.h"
 
 namespace corvantis {
@@ -21,12 +26,7 @@ int32_t TransformLength(int32_t points) {
 
 // A complex sequence as the transform wants it: bin k behind an unused first value.
 struct Spectrum {
-    float& Real(int32_t k) const { return values[2 * static_cast<size_t>(k) + 1]; }
-    float& Imaginary(int32_t k) const { return values[2 * static_cast<size_t>(k) + 2]; }
-    void Scale(int32_t k, float factor) const {
-        Real(k) *= factor;
-        Imaginary(k) *= factor;
-    }
+    float* Bin(int32_t k) const { return values.get() + 1 + 2 * static_cast<size_t>(k); }
     void Transform(int32_t direction) const {
         ITCfft(direction, static_cast<uint32_t>(length), values.get());
     }
@@ -34,21 +34,23 @@ struct Spectrum {
     int32_t length = 0;
 };
 
+constexpr int32_t kBatch = 512;
+
 void DrawWhiteNoise(const Spectrum& spectrum, const ITCNoiseParameters& record) {
     static int32_t seed;
     seed = WrappingNegate(record.seed);
     ITCSeedRandom(&seed);
     const float amplitude = static_cast<float>(record.amplitude);
-    for (int32_t k = 0; k < spectrum.length; ++k) {
-        spectrum.Real(k) = amplitude * ITCNormalDeviate(&seed);
-        spectrum.Imaginary(k) = 0.0F;
+    std::array<float, kBatch> batch;
+    for (int32_t k = 0; k < spectrum.length; k += kBatch) {
+        const auto count = static_cast<size_t>(std::min(kBatch, spectrum.length - k));
+        DrawNormalDeviates(seed, {batch.data(), count});
+        float* bin = spectrum.Bin(k);
+        for (size_t i = 0; i < count; ++i) {
+            bin[2 * i] = amplitude * batch[i];
+            bin[2 * i + 1] = 0.0F;
+        }
     }
-}
-
-float PowerGain(double frequency, const ITCNoiseParameters& record) {
-    const float f = static_cast<float>(frequency / record.cutoffFrequency);
-    const float base = 1.0F / (f * f + 1.0F);
-    return static_cast<float>(std::pow(double{base}, static_cast<double>(record.filterOrder)));
 }
 
 // Bin i shares its gain with bin n - 1 - i, one beside its true mirror: recorded noise depends on
@@ -57,13 +59,16 @@ float ShapeSpectrum(const Spectrum& spectrum, const ITCNoiseParameters& record) 
     const int32_t interval = CurrentEpochHeader().samplingInterval;
     const double duration = WrappingMultiply(spectrum.length, interval) * 1e-6;
     const float frequencyStep = static_cast<float>(1.0 / duration);
+    const FilterFormula filter = {frequencyStep, record.cutoffFrequency, record.filterOrder};
+    std::array<float, kBatch> batch;
     float sum = 0.0F;
-    for (int32_t i = 0; i < spectrum.length / 2; ++i) {
-        const float gain = PowerGain(i * double{frequencyStep}, record);
-        sum += gain;
-        const float factor = std::sqrt(gain);
-        spectrum.Scale(i, factor);
-        spectrum.Scale(spectrum.length - 1 - i, factor);
+    for (int32_t i = 0; i < spectrum.length / 2; i += kBatch) {
+        const auto count = static_cast<size_t>(std::min(kBatch, spectrum.length / 2 - i));
+        const std::span<float> gains(batch.data(), count);
+        CalculateGains(filter, i, gains);
+        for (const float gain : gains) sum += gain;
+        ScaleBins(spectrum.Bin(i), gains);
+        ScaleBinsDownwards(spectrum.Bin(spectrum.length - 1 - i), gains);
     }
     return sum;
 }
@@ -72,12 +77,11 @@ float ShapeSpectrum(const Spectrum& spectrum, const ITCNoiseParameters& record) 
 void LayNoise(uint16_t* buffer, const Spectrum& spectrum, const ITCNoiseParameters& record,
               float sum) {
     const float scale = std::sqrt(static_cast<float>(spectrum.length) / (sum + sum));
-    for (int32_t k = 0; k < record.points; ++k) {
-        const int64_t x = int64_t{record.prePoints} + k;
-        if (x < 0) continue;
-        const float mean = static_cast<float>(static_cast<int16_t>(buffer[x]));
-        buffer[x] = ConvertToSample(std::fma(scale, spectrum.Real(k), mean));
-    }
+    const int64_t skipped = std::max<int64_t>(-int64_t{record.prePoints}, 0);
+    if (skipped >= record.points) return;
+    AddScaledLevels(
+        {buffer + record.prePoints + skipped, static_cast<size_t>(record.points - skipped)}, scale,
+        spectrum.Bin(static_cast<int32_t>(skipped)));
 }
 
 }  // namespace

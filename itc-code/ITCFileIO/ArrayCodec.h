@@ -3,24 +3,69 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
+#include <type_traits>
 
 #include "ITCFileIO/ByteOrder.h"
+#include "ITCFileIO/ReversedRuns.h"
 
 namespace corvantis {
 
-inline constexpr size_t kArrayBlock = 4096;
+// Bytes: large transfers bypass the stream's buffer.
+inline constexpr size_t kArrayBlock = 65536;
+
+// Bits that are only to be copied, in this order or in the other.
+template <class FileType, class MemoryType>
+inline constexpr bool kIsCopied = sizeof(FileType) == sizeof(MemoryType) &&
+                                  (sizeof(FileType) == 2 || sizeof(FileType) == 4) &&
+                                  std::is_integral_v<FileType> == std::is_integral_v<MemoryType>;
+
+template <size_t Size>
+void CopyInFileOrder(void* to, const void* from, size_t count) {
+    auto* target = static_cast<uint8_t*>(to);
+    const auto* source = static_cast<const uint8_t*>(from);
+    if constexpr (isBigEndian != 0) {
+        std::memcpy(target, source, Size * count);
+    } else if constexpr (Size == 2) {
+        CopyReversing2(target, source, count);
+    } else {
+        CopyReversing4(target, source, count);
+    }
+}
+
+template <class FileType, class MemoryType>
+void EncodeBlock(uint8_t* bytes, const MemoryType* values, size_t count) {
+    if constexpr (kIsCopied<FileType, MemoryType>) {
+        CopyInFileOrder<sizeof(FileType)>(bytes, values, count);
+    } else {
+        for (size_t i = 0; i < count; ++i) {
+            StoreBigEndian(bytes + i * sizeof(FileType), static_cast<FileType>(values[i]));
+        }
+    }
+}
+
+template <class FileType, class MemoryType>
+void DecodeBlock(const uint8_t* bytes, MemoryType* values, size_t count) {
+    if constexpr (kIsCopied<FileType, MemoryType>) {
+        CopyInFileOrder<sizeof(FileType)>(values, bytes, count);
+    } else {
+        for (size_t i = 0; i < count; ++i) {
+            FileType value;
+            LoadBigEndian(bytes + i * sizeof(FileType), value);
+            values[i] = static_cast<MemoryType>(value);
+        }
+    }
+}
 
 // The standard defines a block transfer as one transfer per element up to the first that fails. The
 // failed element is passed over and the rest attempted one by one, as single transfers would.
 template <class FileType, class MemoryType>
 bool WriteArray(FILE* stream, const MemoryType* values, size_t count) {
-    uint8_t bytes[kArrayBlock * sizeof(FileType)];
+    uint8_t bytes[kArrayBlock];
     bool complete = true;
     for (size_t done = 0; done < count;) {
-        const size_t block = complete ? std::min(kArrayBlock, count - done) : 1;
-        for (size_t i = 0; i < block; ++i) {
-            StoreBigEndian(bytes + i * sizeof(FileType), static_cast<FileType>(values[done + i]));
-        }
+        const size_t block = complete ? std::min(sizeof bytes / sizeof(FileType), count - done) : 1;
+        EncodeBlock<FileType>(bytes, values + done, block);
         const size_t written = std::fwrite(bytes, sizeof(FileType), block, stream);
         if (written < block) complete = false;
         done += written < block ? written + 1 : block;
@@ -32,16 +77,12 @@ bool WriteArray(FILE* stream, const MemoryType* values, size_t count) {
 // damaged header costs no time.
 template <class FileType, class MemoryType>
 bool ReadArray(FILE* stream, MemoryType* values, size_t count) {
-    uint8_t bytes[kArrayBlock * sizeof(FileType)];
+    uint8_t bytes[kArrayBlock];
     bool complete = true;
     for (size_t done = 0; done < count;) {
-        const size_t block = complete ? std::min(kArrayBlock, count - done) : 1;
+        const size_t block = complete ? std::min(sizeof bytes / sizeof(FileType), count - done) : 1;
         const size_t read = std::fread(bytes, sizeof(FileType), block, stream);
-        for (size_t i = 0; i < read; ++i) {
-            FileType value;
-            LoadBigEndian(bytes + i * sizeof(FileType), value);
-            values[done + i] = static_cast<MemoryType>(value);
-        }
+        DecodeBlock<FileType>(bytes, values + done, read);
         if (read < block) complete = false;
         if (read < block && std::feof(stream) != 0) break;
         done += read < block ? read + 1 : block;

@@ -12,7 +12,12 @@
 
 namespace corvantis {
 
-// Breaks the fields that a description names into elements; arrays go in index order.
+template <class Field>
+inline constexpr bool kIsText = std::is_array_v<Field> &&
+                                sizeof(std::remove_all_extents_t<Field>) == 1;
+
+// Breaks the fields that a description names into elements; arrays go in index order. Runs of
+// single bytes go to a visitor at once if it has a function for them.
 template <class Visitor>
 class ElementVisitor {
   public:
@@ -21,14 +26,20 @@ class ElementVisitor {
         (VisitField(field), ...);
     }
     constexpr void Zeros(size_t count) {
-        for (size_t i = 0; i < count; ++i) Self().Zero();
+        if constexpr (requires { Self().ZeroRun(count); }) {
+            Self().ZeroRun(count);
+        } else {
+            for (size_t i = 0; i < count; ++i) Self().Zero();
+        }
     }
 
   private:
     constexpr Visitor& Self() { return static_cast<Visitor&>(*this); }
     template <class Field>
     constexpr void VisitField(Field& field) {
-        if constexpr (std::is_array_v<Field>) {
+        if constexpr (kIsText<Field> && requires { Self().Text(&field, sizeof field); }) {
+            Self().Text(&field, sizeof field);
+        } else if constexpr (std::is_array_v<Field>) {
             for (auto& element : field) VisitField(element);
         } else {
             Self().Element(field);
@@ -60,7 +71,14 @@ struct Encoder : ElementVisitor<Encoder> {
         StoreBigEndian(next, value);
         next += sizeof(T);
     }
-    void Zero() { *next++ = 0; }
+    void Text(const void* text, size_t size) {
+        std::memcpy(next, text, size);
+        next += size;
+    }
+    void ZeroRun(size_t count) {
+        std::memset(next, 0, count);
+        next += count;
+    }
     uint8_t* next;
 };
 
@@ -71,7 +89,11 @@ struct Decoder : ElementVisitor<Decoder> {
         LoadBigEndian(next, value);
         next += sizeof(T);
     }
-    void Zero() { ++next; }
+    void Text(void* text, size_t size) {
+        std::memcpy(text, next, size);
+        next += size;
+    }
+    void ZeroRun(size_t count) { next += count; }
     const uint8_t* next;
 };
 
@@ -98,12 +120,19 @@ struct Remainder : ElementVisitor<Remainder<Transfer>> {
 template <class Record>
 using EncodedRecord = std::array<uint8_t, EncodedSize<Record>()>;
 
+// With everything inlined, a description is a row of moves between places known beforehand.
 template <class Record>
-EncodedRecord<Record> Encode(const Record& record) {
+[[gnu::flatten]] EncodedRecord<Record> Encode(const Record& record) {
     EncodedRecord<Record> bytes;
     Encoder encoder(bytes.data());
     Describe(encoder, record);
     return bytes;
+}
+
+template <class Record>
+[[gnu::flatten]] void Decode(const EncodedRecord<Record>& bytes, Record& record) {
+    Decoder decoder(bytes.data());
+    Describe(decoder, record);
 }
 
 template <class Record>
@@ -131,8 +160,7 @@ bool ReadStructure(FILE* stream, Record* record) {
         });
         Describe(rest, *record);
     }
-    Decoder decoder(bytes.data());
-    Describe(decoder, *record);
+    Decode(bytes, *record);
     return read == bytes.size();
 }
 

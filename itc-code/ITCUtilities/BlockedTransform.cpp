@@ -2,10 +2,11 @@
 // is the order of the butterflies, of which each reads only what the stage before has left:
 //   1. the bit reversal moves tiles of 8 by 8 points, and the first three stages run on them, where
 //      8 butterflies with the same twiddle factor lie side by side;
-//   2. further stages run two at a time on blocks that fit the first cache, with their twiddle
-//      factors in a table on the stack;
-//   3. the last stages run two at a time over everything, while the recurrence of the twiddle
-//      factors, whose latency would else be waited for, runs a small chunk ahead.
+//   2. further stages run two at a time on blocks that fit the first cache, with twiddle factors
+//      that are kept;
+//   3. the last stages run two at a time, first on parts that fit the second cache, while the
+//      recurrence of the twiddle factors, whose latency would else be waited for, runs a small
+//      chunk ahead, from eight of its places at once.
 #include "ITCUtilities/BlockedTransform.h"
 
 #include <algorithm>
@@ -14,14 +15,15 @@
 #include <cstring>
 
 #include "ITCUtilities/FunctionClones.h"
-#include "ITCUtilities/Twiddle.h"
+#include "ITCUtilities/KeptTwiddles.h"
+#include "ITCUtilities/LaneTwiddles.h"
 
 namespace corvantis {
 namespace {
 
 constexpr size_t kTile = 8;
-constexpr size_t kBlock = 2048;
-constexpr size_t kChunk = 64;
+constexpr size_t kBlock = kTransformBlock;
+constexpr size_t kPart = 65536;
 constexpr std::array<size_t, kTile> kReversed = {0, 4, 2, 6, 1, 5, 3, 7};
 
 struct Point {
@@ -59,7 +61,12 @@ inline void Scatter(const Tile& tile, float* values, size_t stride) {
     }
 }
 
-inline void CombineRows(float* __restrict even, float* __restrict odd, const Twiddle& w) {
+struct Factor {
+    double real;
+    double imaginary;
+};
+
+inline void CombineRows(float* __restrict even, float* __restrict odd, const Factor& w) {
     for (size_t c = 0; c < kTile; ++c) {
         const Point a = Load(even, c);
         const Point b = Turned(w.real, w.imaginary, Load(odd, c));
@@ -68,33 +75,37 @@ inline void CombineRows(float* __restrict even, float* __restrict odd, const Twi
     }
 }
 
-using FirstTwiddles = std::array<Twiddle, kTile - 1>;
-
-// Those of the first three stages: 1, 2 and 4 of them.
-FirstTwiddles CalculateFirstTwiddles(int32_t isign) {
-    FirstTwiddles factors = {Twiddle(isign, 1), Twiddle(isign, 2), Twiddle(isign, 2),
-                             Twiddle(isign, 4), Twiddle(isign, 4), Twiddle(isign, 4),
-                             Twiddle(isign, 4)};
-    factors[2].Advance();
-    for (size_t k = 1; k < 4; ++k) {
-        for (size_t i = 0; i < k; ++i) factors[3 + k].Advance();
+// The same with the first factor of each stage, 1: in single precision, and with the zeros that
+// make a NaN of infinity and a positive zero of a negative one.
+inline void CombineRowsUnturned(float* __restrict even, float* __restrict odd) {
+    for (size_t c = 0; c < kTile; ++c) {
+        const Point a = Load(even, c);
+        const Point b = Load(odd, c);
+        const Point t = {b.real - 0.0F * b.imaginary, b.imaginary + 0.0F * b.real};
+        Store(odd, c, Difference(a, t));
+        Store(even, c, Sum(a, t));
     }
-    return factors;
 }
 
-inline void CombineTile(Tile& tile, const FirstTwiddles& w) {
-    for (size_t p = 0; p < kTile; p += 2) CombineRows(tile.at[p], tile.at[p + 1], w[0]);
+// Those of the first three stages: 1, 2 and 4 of them, behind one that is nobody's.
+using FirstFactors = std::array<Factor, kTile>;
+
+inline void CombineTile(Tile& tile, const FirstFactors& w) {
+    for (size_t p = 0; p < kTile; p += 2) CombineRowsUnturned(tile.at[p], tile.at[p + 1]);
     for (size_t p = 0; p < kTile; p += 4) {
-        CombineRows(tile.at[p], tile.at[p + 2], w[1]);
-        CombineRows(tile.at[p + 1], tile.at[p + 3], w[2]);
+        CombineRowsUnturned(tile.at[p], tile.at[p + 2]);
+        CombineRows(tile.at[p + 1], tile.at[p + 3], w[3]);
     }
-    for (size_t p = 0; p < 4; ++p) CombineRows(tile.at[p], tile.at[p + 4], w[3 + p]);
+    CombineRowsUnturned(tile.at[0], tile.at[4]);
+    for (size_t p = 1; p < 4; ++p) CombineRows(tile.at[p], tile.at[p + 4], w[4 + p]);
 }
 
 // A point's number is its row, its tile and its column; reversing the bits reverses the tile's
 // number and makes a row of each column. A tile changes places with the one of reversed number.
-CORVANTIS_CLONES void ReverseAndCombineTiles(int32_t isign, size_t points, float* values) {
-    const FirstTwiddles twiddles = CalculateFirstTwiddles(isign);
+CORVANTIS_CLONES void ReverseAndCombineTiles(size_t points, float* values,
+                                             const BlockTwiddles& kept) {
+    FirstFactors factors;
+    for (size_t k = 0; k < kTile; ++k) factors[k] = {kept.real[k], kept.imaginary[k]};
     const size_t tiles = points / (kTile * kTile);
     const size_t stride = points / kTile;
     size_t reversed = 0;
@@ -104,8 +115,8 @@ CORVANTIS_CLONES void ReverseAndCombineTiles(int32_t isign, size_t points, float
             Tile other;
             Gather(tile, values + 2 * kTile * number, stride);
             Gather(other, values + 2 * kTile * reversed, stride);
-            CombineTile(tile, twiddles);
-            CombineTile(other, twiddles);
+            CombineTile(tile, factors);
+            CombineTile(other, factors);
             Scatter(other, values + 2 * kTile * number, stride);
             Scatter(tile, values + 2 * kTile * reversed, stride);
         }
@@ -114,11 +125,6 @@ CORVANTIS_CLONES void ReverseAndCombineTiles(int32_t isign, size_t points, float
         reversed ^= bit;
     }
 }
-
-struct Factors {
-    const double* real;
-    const double* imaginary;
-};
 
 // `count` butterflies of one stage.
 inline void CombinePairs(float* __restrict even, float* __restrict odd, Factors w, size_t count) {
@@ -149,44 +155,11 @@ inline void CombineQuads(float* __restrict p0, float* __restrict p1, float* __re
     }
 }
 
-// The twiddle factors of all stages within a block, that of `half` points from half - kTile on.
-struct BlockTwiddles {
-    double real[kBlock - kTile];
-    double imaginary[kBlock - kTile];
-    Factors Of(size_t half) const { return {real + half - kTile, imaginary + half - kTile}; }
-};
-
-inline void TakeFactor(Twiddle& w, BlockTwiddles& factors, size_t place) {
-    factors.real[place] = w.real;
-    factors.imaginary[place] = w.imaginary;
-    w.Advance();
-}
-
-// The recurrences of a stage and of the one before it in one loop: the processor follows both at
-// the same time, and waits no longer than for the longer one.
-void FillTwoStages(int32_t isign, size_t half, BlockTwiddles& factors) {
-    Twiddle longer(isign, half);
-    Twiddle shorter(isign, half / 2);
-    for (size_t k = 0; k < half / 2; ++k) {
-        TakeFactor(longer, factors, half - kTile + k);
-        TakeFactor(shorter, factors, half / 2 - kTile + k);
-    }
-    for (size_t k = half / 2; k < half; ++k) TakeFactor(longer, factors, half - kTile + k);
-}
-
-void FillBlockTwiddles(int32_t isign, size_t block, BlockTwiddles& factors) {
-    size_t half = block / 2;
-    for (; half > kTile; half /= 4) FillTwoStages(isign, half, factors);
-    if (half < kTile) return;
-    Twiddle w(isign, kTile);
-    for (size_t k = 0; k < kTile; ++k) TakeFactor(w, factors, k);
-}
-
 CORVANTIS_CLONES void CombineBlock(float* values, size_t points, const BlockTwiddles& factors) {
     size_t half = kTile;
     for (; 4 * half <= points; half *= 4) {
         const Factors low = factors.Of(2 * half);
-        const Factors high = {low.real + half, low.imaginary + half};
+        const Factors high = factors.Of(3 * half);
         for (float* p = values; p != values + 2 * points; p += 8 * half) {
             CombineQuads(p, p + 2 * half, p + 4 * half, p + 6 * half, factors.Of(half), low, high,
                          half);
@@ -195,50 +168,61 @@ CORVANTIS_CLONES void CombineBlock(float* values, size_t points, const BlockTwid
     if (2 * half <= points) CombinePairs(values, values + 2 * half, factors.Of(half), half);
 }
 
-void CombineBlocks(int32_t isign, size_t points, float* values) {
-    BlockTwiddles factors;
+void CombineBlocks(size_t points, float* values, const BlockTwiddles& factors) {
     const size_t block = std::min(points, kBlock);
-    FillBlockTwiddles(isign, block, factors);
     for (size_t k = 0; k < points; k += block) CombineBlock(values + 2 * k, block, factors);
 }
 
-// The next twiddle factors of one recurrence.
-struct Chunk {
-    double real[kChunk];
-    double imaginary[kChunk];
-    operator Factors() const { return {real, imaginary}; }
-};
-
-CORVANTIS_CLONES void CombineStage(int32_t isign, size_t half, size_t points, float* values) {
-    Twiddle w(isign, half);
-    for (size_t k = 0; k < half; k += kChunk) {
+CORVANTIS_CLONES void CombineStage(const StageStarts& starts, size_t half, size_t points,
+                                   float* values) {
+    constexpr size_t kDistance = StageStarts::kCount / kLanes;
+    LaneTwiddles w(starts, 0, kDistance);
+    const size_t length = half / kLanes;
+    for (size_t k = 0; k < length; k += kChunk) {
         Chunk chunk;
-        for (size_t i = 0; i < kChunk; ++i, w.Advance()) {
-            chunk.real[i] = w.real;
-            chunk.imaginary[i] = w.imaginary;
-        }
-        for (float* p = values + 2 * k; p < values + 2 * points; p += 4 * half) {
-            CombinePairs(p, p + 2 * half, chunk, kChunk);
+        for (size_t i = 0; i < kChunk; i += kLanes) w.Take(chunk, i);
+        for (size_t lane = 0; lane < kLanes; ++lane) {
+            for (float* p = values + 2 * (lane * length + k); p < values + 2 * points;
+                 p += 4 * half) {
+                CombinePairs(p, p + 2 * half, chunk.Of(lane), kChunk);
+            }
         }
     }
 }
 
-CORVANTIS_CLONES void CombineTwoStages(int32_t isign, size_t half, size_t points, float* values) {
-    Twiddle w[3] = {Twiddle(isign, half), Twiddle(isign, 2 * half), Twiddle(isign, 2 * half)};
-    for (size_t k = 0; k < half; ++k) w[2].Advance();
-    for (size_t k = 0; k < half; k += kChunk) {
+CORVANTIS_CLONES void CombineTwoStages(const StageStarts& first, const StageStarts& second,
+                                       size_t half, size_t points, float* values) {
+    constexpr size_t kDistance = StageStarts::kCount / kLanes;
+    LaneTwiddles w(first, 0, kDistance);
+    LaneTwiddles low(second, 0, kDistance / 2);
+    LaneTwiddles high(second, StageStarts::kCount / 2, kDistance / 2);
+    const size_t length = half / kLanes;
+    for (size_t k = 0; k < length; k += kChunk) {
         Chunk chunks[3];
-        for (size_t i = 0; i < kChunk; ++i) {
-            for (size_t c = 0; c < 3; ++c) {
-                chunks[c].real[i] = w[c].real;
-                chunks[c].imaginary[i] = w[c].imaginary;
-                w[c].Advance();
+        for (size_t i = 0; i < kChunk; i += kLanes) {
+            w.Take(chunks[0], i);
+            low.Take(chunks[1], i);
+            high.Take(chunks[2], i);
+        }
+        for (size_t lane = 0; lane < kLanes; ++lane) {
+            for (float* p = values + 2 * (lane * length + k); p < values + 2 * points;
+                 p += 8 * half) {
+                CombineQuads(p, p + 2 * half, p + 4 * half, p + 6 * half, chunks[0].Of(lane),
+                             chunks[1].Of(lane), chunks[2].Of(lane), kChunk);
             }
         }
-        for (float* p = values + 2 * k; p < values + 2 * points; p += 8 * half) {
-            CombineQuads(p, p + 2 * half, p + 4 * half, p + 6 * half, chunks[0], chunks[1],
-                         chunks[2], kChunk);
-        }
+    }
+}
+
+// From transforms of `half` points each to transforms of `points`.
+void CombineStages(bool forward, size_t half, size_t points, float* values) {
+    if (half < points && std::countr_zero(points / half) % 2 == 1) {
+        CombineStage(KeptStageStarts(forward, half), half, points, values);
+        half *= 2;
+    }
+    for (; half < points; half *= 4) {
+        CombineTwoStages(KeptStageStarts(forward, half), KeptStageStarts(forward, 2 * half), half,
+                         points, values);
     }
 }
 
@@ -248,15 +232,15 @@ CORVANTIS_CLONES void Scale(float* values, uint64_t count, float factor) {
 
 }  // namespace
 
-void TransformInBlocks(int32_t isign, uint32_t points, float* values) {
-    ReverseAndCombineTiles(isign, points, values);
-    CombineBlocks(isign, points, values);
-    size_t half = kBlock;
-    if (half < points && std::countr_zero(points / half) % 2 == 1) {
-        CombineStage(isign, half, points, values);
-        half *= 2;
+void TransformInBlocks(bool forward, uint32_t points, float* values) {
+    const BlockTwiddles& factors = KeptBlockTwiddles(forward);
+    ReverseAndCombineTiles(points, values, factors);
+    const size_t part = std::min<size_t>(points, kPart);
+    for (size_t k = 0; k < points; k += part) {
+        CombineBlocks(part, values + 2 * k, factors);
+        CombineStages(forward, kBlock, part, values + 2 * k);
     }
-    for (; half < points; half *= 4) CombineTwoStages(isign, half, points, values);
+    CombineStages(forward, part, points, values);
 }
 
 void ScaleValues(float* values, uint64_t count, float factor) { Scale(values, count, factor); }

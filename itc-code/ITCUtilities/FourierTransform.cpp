@@ -45,8 +45,8 @@ void CombineStage(int32_t isign, size_t mmax, size_t n, float* data) {
 }
 
 void Transform(int32_t isign, uint32_t nn, float* data) {
-    if (nn >= kSmallestBlockedTransform) {
-        TransformInBlocks(isign, nn, data + 1);
+    if (nn >= kSmallestBlockedTransform && (isign == 1 || isign == -1)) {
+        TransformInBlocks(isign == 1, nn, data + 1);
         return;
     }
     const size_t n = 2 * static_cast<size_t>(nn);

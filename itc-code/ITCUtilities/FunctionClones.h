@@ -4,13 +4,31 @@
 // an external function would be exported.
 #pragma once
 
+#include <cmath>
+
 // Other hosts and compilers have the portable version alone. So have sanitizers, whose own start-up
 // comes after the choice, and builds for one processor, in which there is nothing left to choose.
 #if defined(__x86_64__) && defined(__gnu_linux__) && defined(__GNUC__) && !defined(__clang__) && \
     !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) && !defined(__AVX2__) &&     \
     !defined(CORVANTIS_PORTABLE)
+#define CORVANTIS_HAS_CLONES
 #define CORVANTIS_CLONES \
     __attribute__((target_clones("arch=x86-64-v4", "arch=x86-64-v3", "default")))
 #else
 #define CORVANTIS_CLONES
 #endif
+
+namespace corvantis {
+
+// Whether the versions in use have an instruction for std::fma, which is a call elsewhere.
+inline bool HasFusedInstruction() {
+#if defined(FP_FAST_FMAF)
+    return true;
+#elif defined(CORVANTIS_HAS_CLONES)
+    return __builtin_cpu_supports("x86-64-v3") != 0;
+#else
+    return false;
+#endif
+}
+
+}  // namespace corvantis

@@ -5,6 +5,7 @@
 
 #include "Corvantis.h"
 #include "ITCUtilities/BulkDeviates.h"
+#include "ITCUtilities/LongPeriodGenerator.h"
 #include "ITCUtilities/PolarFactor.h"
 
 namespace corvantis {
@@ -56,26 +57,22 @@ struct Accepted {
     float square[kBatch];
 };
 
-// Exactly `count` points. Each round draws as many as are still missing: never one that a single
-// draw would not have made, or the generator would stand elsewhere afterwards.
+// Exactly `count` points, from as many numbers as single deviates would draw.
 template <class Draw>
-void DrawPoints(Accepted& points, size_t count, Draw drawSymmetric) {
-    float uniform[2 * kBatch];
+void DrawPoints(Accepted& points, size_t count, Draw draw) {
     for (size_t accepted = 0; accepted < count;) {
-        const size_t drawn = 2 * (count - accepted);
-        drawSymmetric(std::span(uniform, drawn));
-        for (size_t i = 0; i < drawn; i += 2) {
-            const float square = uniform[i] * uniform[i] + uniform[i + 1] * uniform[i + 1];
-            points.x1[accepted] = uniform[i];
-            points.x2[accepted] = uniform[i + 1];
-            points.square[accepted] = square;
-            accepted += square < 1.0F && square != 0.0F ? 1 : 0;
-        }
+        const float x1 = draw();
+        const float x2 = draw();
+        const float square = x1 * x1 + x2 * x2;
+        points.x1[accepted] = x1;
+        points.x2[accepted] = x2;
+        points.square[accepted] = square;
+        accepted += square < 1.0F && square != 0.0F ? 1 : 0;
     }
 }
 
 template <class Draw>
-void DrawDeviates(Spare& held, std::span<float> deviates, Draw drawSymmetric) {
+void DrawDeviates(Spare& held, std::span<float> deviates, Draw draw) {
     if (held.iset != 0 && !deviates.empty()) {
         held.iset = 0;
         deviates[0] = held.gset;
@@ -85,7 +82,7 @@ void DrawDeviates(Spare& held, std::span<float> deviates, Draw drawSymmetric) {
     float factors[kBatch];
     while (!deviates.empty()) {
         const size_t count = std::min(kBatch, (deviates.size() + 1) / 2);
-        DrawPoints(points, count, drawSymmetric);
+        DrawPoints(points, count, draw);
         CalculatePolarFactors({points.square, count}, {factors, count});
         const size_t whole = std::min(count, deviates.size() / 2);
         for (size_t i = 0; i < whole; ++i) {
@@ -103,16 +100,12 @@ void DrawDeviates(Spare& held, std::span<float> deviates, Draw drawSymmetric) {
 }  // namespace
 
 void DrawNormalDeviates(int32_t& state, std::span<float> deviates) {
-    DrawDeviates(spare, deviates, [&state](std::span<float> uniform) {
-        DrawUniformDeviates(state, uniform);
-        for (float& value : uniform) value = SymmetricDeviate(value);
-    });
+    UniformRun run(state);
+    DrawDeviates(spare, deviates, [&run] { return SymmetricDeviate(run.Next()); });
 }
 
 void DrawOldNormalDeviates(std::span<float> deviates) {
-    DrawDeviates(oldSpare, deviates, [](std::span<float> uniform) {
-        std::generate(uniform.begin(), uniform.end(), SymmetricRand);
-    });
+    DrawDeviates(oldSpare, deviates, SymmetricRand);
 }
 
 }  // namespace corvantis

@@ -25,14 +25,6 @@ constexpr uint16_t ConvertToSample(float value) {
     return LevelSample(convertible ? truncated : INT32_MAX);
 }
 
-// The runs before, of and after a waveform, whose sample i is shape(i).
-template <class Record, class Shape>
-void WriteRuns(uint16_t* buffer, const Record& record, int32_t holdingLevel, Shape shape) {
-    uint16_t* next = WriteLevel(buffer, record.prePoints, holdingLevel);
-    for (int32_t i = 0; i < record.points; ++i) *next++ = shape(i);
-    WriteLevel(next, record.tailPoints, holdingLevel);
-}
-
 // All the points of a record at its holding level, over which noise is laid.
 template <class Record>
 int64_t TotalPoints(const Record& record) {

@@ -7,6 +7,7 @@
 
 #include "ITCInitialize/State.h"
 #include "ITCStimulus/Samples.h"
+#include "ITCStimulus/ShortRamp.h"
 #include "ITCStimulus/SineRotation.h"
 #include "ITCUtilities/FunctionClones.h"
 #include "ITCUtilities/WrappingArithmetic.h"
@@ -30,13 +31,11 @@ void WritePeriodicRuns(uint16_t* buffer, const Record& record, int32_t holdingLe
     WriteLevel(next + points, record.tailPoints, holdingLevel);
 }
 
-CORVANTIS_CLONES void WriteRamp(uint16_t* buffer, const ITCRampParameters& record) {
-    const float points = static_cast<float>(record.points);
-    const float amplitude = static_cast<float>(record.amplitude);
-    const float mean = static_cast<float>(record.mean);
-    WriteRuns(buffer, record, record.mean, [=](int32_t i) {
-        return ConvertToSample(std::fma(static_cast<float>(i) / points, amplitude, mean));
-    });
+CORVANTIS_CLONES void WriteRamp(uint16_t* samples, int32_t count, const RampFormula& formula) {
+    const auto [points, amplitude, mean] = formula;
+    for (int32_t i = 0; i < count; ++i) {
+        samples[i] = ConvertToSample(std::fma(static_cast<float>(i) / points, amplitude, mean));
+    }
 }
 
 }  // namespace
@@ -57,7 +56,17 @@ void CreateWaveform(uint16_t* buffer, const ITCPulseParameters& record) {
 }
 
 void CreateWaveform(uint16_t* buffer, const ITCRampParameters& record) {
-    WriteRamp(buffer, record);
+    const RampFormula formula = {static_cast<float>(record.points),
+                                 static_cast<float>(record.amplitude),
+                                 static_cast<float>(record.mean)};
+    const int32_t points = std::max(record.points, 0);
+    uint16_t* next = WriteLevel(buffer, record.prePoints, record.mean);
+    if (IsShortRamp(formula)) {
+        WriteShortRamp({next, static_cast<size_t>(points)}, formula);
+    } else {
+        WriteRamp(next, points, formula);
+    }
+    WriteLevel(next + points, record.tailPoints, record.mean);
 }
 
 void CreateWaveform(uint16_t* buffer, const ITCFilewaveParameters& record) {

@@ -78,6 +78,7 @@ std::vector<Damage> Damages() {
          0,
          4,
          4},
+        {"most points of no entry", {{kPoints, most}, {kEntries, Big32(0)}}, 0, 0, 0},
         {"component longer than the epoch", {{kComponents + 8, Big32(1000)}}, 0, 0, 2},
         {"longest component", {{kComponents + 8, most}}, 0, 0, 2},
         {"noise before the buffer",

@@ -147,7 +147,7 @@ bool WriteStructure(FILE* stream, const Record* record) {
     return false;
 }
 
-// Elements that never arrived keep their values in memory.
+// Elements that never arrived keep their values in memory. At the end of the file none can arrive.
 template <class Record>
 bool ReadStructure(FILE* stream, Record* record) {
     EncodedRecord<Record> bytes;
@@ -158,7 +158,7 @@ bool ReadStructure(FILE* stream, Record* record) {
         Remainder rest(read, [&](size_t position, size_t size) {
             std::fread(bytes.data() + position, size, 1, stream);
         });
-        Describe(rest, *record);
+        if (std::feof(stream) == 0) Describe(rest, *record);
     }
     Decode(bytes, *record);
     return read == bytes.size();

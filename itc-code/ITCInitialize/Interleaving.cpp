@@ -8,8 +8,10 @@
 namespace corvantis {
 namespace {
 
+// A damaged epoch can have very many points of no entry.
 template <class Move>
 void ForEachSample(int32_t entries, int32_t points, Move move) {
+    if (entries <= 0) return;
     ptrdiff_t index = 0;
     for (int32_t p = 0; p < points; ++p) {
         for (int32_t c = 0; c < entries; ++c) move(index++, c, p);

@@ -18,9 +18,12 @@ bool IsZero(std::span<const uint8_t> header, size_t offset, size_t size) {
     return std::all_of(bytes.begin(), bytes.end(), [](uint8_t byte) { return byte == 0; });
 }
 
-// The record lies in memory as it lies in the file.
-bool HasZeroPadding(std::span<const uint8_t> header) {
-    return IsZero(header, offsetof(ITCEpochHeader, padding0), sizeof(ITCEpochHeader::padding0)) &&
+// The record lies in memory as it lies in the file. The number of entries comes first: it tells a
+// header from a lost block of zeros.
+bool CanBeHeader(std::span<const uint8_t> header) {
+    const uint8_t entries = header[offsetof(ITCEpochHeader, sequenceLength) + 3];
+    return entries >= 1 && entries <= ITC_CHANNELS &&
+           IsZero(header, offsetof(ITCEpochHeader, padding0), sizeof(ITCEpochHeader::padding0)) &&
            IsZero(header, offsetof(ITCEpochHeader, padding1), sizeof(ITCEpochHeader::padding1)) &&
            IsZero(header, offsetof(ITCEpochHeader, reserved), sizeof(ITCEpochHeader::reserved)) &&
            IsZero(header, offsetof(ITCEpochHeader, sequenceLength), 3);
@@ -29,7 +32,7 @@ bool HasZeroPadding(std::span<const uint8_t> header) {
 // Where the epoch ends, if there is a sound one.
 std::optional<int64_t> SoundEnd(const DataFile& file, int64_t position) {
     const std::vector<uint8_t> bytes = file.Bytes(position, kEpochHeaderSize);
-    if (static_cast<int64_t>(bytes.size()) < kEpochHeaderSize || !HasZeroPadding(bytes)) {
+    if (static_cast<int64_t>(bytes.size()) < kEpochHeaderSize || !CanBeHeader(bytes)) {
         return std::nullopt;
     }
     const EpochReading reading = ReadEpochAt(file, position);
@@ -54,7 +57,7 @@ std::optional<int64_t> FindEpoch(const DataFile& file, int64_t from, const Termi
         const std::vector<uint8_t> block = file.Bytes(begin, kBlock + kEpochHeaderSize);
         const std::span<const uint8_t> bytes(block);
         for (size_t i = 0; i < kBlock && i + kEpochHeaderSize <= bytes.size(); i += 2) {
-            if (!HasZeroPadding(bytes.subspan(i, kEpochHeaderSize))) continue;
+            if (!CanBeHeader(bytes.subspan(i, kEpochHeaderSize))) continue;
             const int64_t position = begin + static_cast<int64_t>(i);
             if (IsEpoch(file, position)) return position;
         }

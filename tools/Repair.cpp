@@ -10,8 +10,8 @@
 //     before for the next sound one, and go on there. If it lies inside that epoch, that epoch's
 //     length was damaged, and it is dropped.
 //  4. If the walk ends without a whole table, an interrupted save is the usual cause. Keep the
-//  epoch
-//     that the header does not count if its bytes are known to have arrived (LastSave.h says how).
+//     epoch that the header does not count if its bytes are known to have arrived (LastSave.h says
+//     how).
 //  5. Write a header that is FILE's but for count and table position, every complete epoch byte for
 //     byte and, if wanted, the last one cut to its whole points: its epochPoints and the
 //     conductances change accordingly, everything else stays.
@@ -24,8 +24,7 @@
 //    failed saves or a second file of one run before, the old table's values are not known, and
 //    this holds for each such epoch.
 //  - After a save that failed on a full disk, its remains lie behind the table that was put back.
-//  If
-//    the next save of an epoch of that very size is killed, old samples can pass for new ones.
+//    If the next save of an epoch of that very size is killed, old samples can pass for new ones.
 //  - A new epoch whose epochTime has the bits of the number 580, below 1e-42, passes for a table.
 //  - Bytes that a power failure has kept from the disk read as zeros; headers of zeros are no
 //    epochs, but among samples they are not recognised.

@@ -1,5 +1,4 @@
 // Every read, getter and recomputation that the library offers, on one data file.
-#include <algorithm>
 #include <array>
 
 #include "Corvantis.h"
@@ -7,9 +6,6 @@
 
 namespace corvantis_fuzz {
 namespace {
-
-// Few, for many executions: what differs between epochs differs between files as well.
-constexpr int32_t kMostEpochs = 2;
 
 // Each call reads the epoch anew; without the release the components of sums would be lost.
 template <class... Parameters, class... Arguments>
@@ -67,22 +63,33 @@ void ReadStimulusFields(int32_t epoch, int32_t channel, int32_t component) {
     }
 }
 
-void ExerciseEpoch(int32_t epoch) {
-    ReadSamples(epoch);
-    for (const int32_t channel : {0, 3, 4}) {
-        ReadConductances(epoch, static_cast<uint32_t>(channel));
-        ReadHeaderFields(epoch, channel);
-        for (const int32_t component : {0, 256}) ReadStimulusFields(epoch, channel, component);
+// An epoch, a channel, a component and a kind of reading for each file: all of them for every file
+// would be few files.
+void ExerciseEpoch(int32_t epoch, uint32_t choice) {
+    const int32_t channel = static_cast<int32_t>(choice / 4 % 6) - 1;
+    const int32_t components[] = {0, 1, 255, 256, -1};
+    switch (choice % 4) {
+        case 0:
+            return ReadHeaderFields(epoch, channel);
+        case 1:
+            return ReadStimulusFields(epoch, channel, components[choice / 24 % 5]);
+        case 2:
+            return ReadConductances(epoch, static_cast<uint32_t>(channel));
+        default:
+            return ReadSamples(epoch);
     }
 }
 
 }  // namespace
 
-void ExerciseFile(const std::string& path) {
+void ExerciseFile(const std::string& path, uint32_t choice) {
     ITCOpenFileForInput(path.c_str());
     int32_t epochs = 0;
     ITCGetNumberEpochs(&epochs);
-    for (int32_t epoch = 0; epoch < std::min(epochs, kMostEpochs); ++epoch) ExerciseEpoch(epoch);
+    if (epochs > 0) {
+        ExerciseEpoch(0, choice);
+        ExerciseEpoch(static_cast<int32_t>(choice % static_cast<uint32_t>(epochs)), choice);
+    }
     ITCCloseOpenFile();
 }
 

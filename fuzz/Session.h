@@ -33,7 +33,8 @@ class MemoryFile {
     std::string path_;
 };
 
-// Open the file and call every function that reads from it, for some of its epochs.
-void ExerciseFile(const std::string& path);
+// Open the file and call every function that reads from it, for some of its epochs; the choice, any
+// number, picks channel and component.
+void ExerciseFile(const std::string& path, uint32_t choice);
 
 }  // namespace corvantis_fuzz

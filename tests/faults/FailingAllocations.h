@@ -1,5 +1,5 @@
-// Takes the place of the library's allocation pair in this program: counts the blocks that are
-// alive and lets one allocation fail.
+// Takes the place of the library's allocation pair in this program: counts the blocks and bytes
+// that are alive and lets one allocation fail.
 #pragma once
 
 #include <cstdint>
@@ -11,5 +11,9 @@ void FailAllocation(int64_t number);
 // Whether the allocation that was to fail has been asked for.
 bool AllocationFailed();
 int64_t LiveBlocks();
+// The largest number of bytes that were alive at once since the peak was started, from those alive
+// then on.
+void StartPeak();
+int64_t PeakBytes();
 
 }  // namespace corvantis_test

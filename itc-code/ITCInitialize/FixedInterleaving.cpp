@@ -1,6 +1,8 @@
 // Interleaving and splitting for 1 to 4 entries.
 #include "ITCInitialize/FixedInterleaving.h"
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstring>
 
@@ -9,76 +11,46 @@
 namespace corvantis {
 namespace {
 
-CORVANTIS_CLONES void Interleave2(uint16_t* __restrict stream, uint16_t* const* perEntry,
-                                  int32_t points) {
-    const uint16_t* __restrict a = perEntry[0];
-    const uint16_t* __restrict b = perEntry[1];
+// The number of entries known beforehand: only then is the inner loop no loop.
+template <size_t Entries>
+std::array<uint16_t*, Entries> Arrays(uint16_t* const* perEntry) {
+    std::array<uint16_t*, Entries> arrays;
+    std::copy_n(perEntry, Entries, arrays.begin());
+    return arrays;
+}
+
+template <size_t Entries>
+inline void Interleave(uint16_t* __restrict stream, uint16_t* const* perEntry, int32_t points) {
+    const auto arrays = Arrays<Entries>(perEntry);
     for (ptrdiff_t p = 0; p < points; ++p) {
-        stream[2 * p] = a[p];
-        stream[2 * p + 1] = b[p];
+        for (size_t c = 0; c < Entries; ++c) stream[Entries * p + c] = arrays[c][p];
     }
 }
 
-CORVANTIS_CLONES void Split2(const uint16_t* __restrict stream, uint16_t* const* perEntry,
-                             int32_t points) {
-    uint16_t* __restrict a = perEntry[0];
-    uint16_t* __restrict b = perEntry[1];
+template <size_t Entries>
+inline void Split(const uint16_t* __restrict stream, uint16_t* const* perEntry, int32_t points) {
+    const auto arrays = Arrays<Entries>(perEntry);
     for (ptrdiff_t p = 0; p < points; ++p) {
-        a[p] = stream[2 * p];
-        b[p] = stream[2 * p + 1];
+        for (size_t c = 0; c < Entries; ++c) arrays[c][p] = stream[Entries * p + c];
     }
 }
-
-CORVANTIS_CLONES void Interleave3(uint16_t* __restrict stream, uint16_t* const* perEntry,
-                                  int32_t points) {
-    const uint16_t* __restrict a = perEntry[0];
-    const uint16_t* __restrict b = perEntry[1];
-    const uint16_t* __restrict c = perEntry[2];
-    for (ptrdiff_t p = 0; p < points; ++p) {
-        stream[3 * p] = a[p];
-        stream[3 * p + 1] = b[p];
-        stream[3 * p + 2] = c[p];
-    }
+CORVANTIS_CLONES void Interleave2(uint16_t* stream, uint16_t* const* perEntry, int32_t points) {
+    Interleave<2>(stream, perEntry, points);
 }
-
-CORVANTIS_CLONES void Split3(const uint16_t* __restrict stream, uint16_t* const* perEntry,
-                             int32_t points) {
-    uint16_t* __restrict a = perEntry[0];
-    uint16_t* __restrict b = perEntry[1];
-    uint16_t* __restrict c = perEntry[2];
-    for (ptrdiff_t p = 0; p < points; ++p) {
-        a[p] = stream[3 * p];
-        b[p] = stream[3 * p + 1];
-        c[p] = stream[3 * p + 2];
-    }
+CORVANTIS_CLONES void Interleave3(uint16_t* stream, uint16_t* const* perEntry, int32_t points) {
+    Interleave<3>(stream, perEntry, points);
 }
-
-CORVANTIS_CLONES void Interleave4(uint16_t* __restrict stream, uint16_t* const* perEntry,
-                                  int32_t points) {
-    const uint16_t* __restrict a = perEntry[0];
-    const uint16_t* __restrict b = perEntry[1];
-    const uint16_t* __restrict c = perEntry[2];
-    const uint16_t* __restrict d = perEntry[3];
-    for (ptrdiff_t p = 0; p < points; ++p) {
-        stream[4 * p] = a[p];
-        stream[4 * p + 1] = b[p];
-        stream[4 * p + 2] = c[p];
-        stream[4 * p + 3] = d[p];
-    }
+CORVANTIS_CLONES void Interleave4(uint16_t* stream, uint16_t* const* perEntry, int32_t points) {
+    Interleave<4>(stream, perEntry, points);
 }
-
-CORVANTIS_CLONES void Split4(const uint16_t* __restrict stream, uint16_t* const* perEntry,
-                             int32_t points) {
-    uint16_t* __restrict a = perEntry[0];
-    uint16_t* __restrict b = perEntry[1];
-    uint16_t* __restrict c = perEntry[2];
-    uint16_t* __restrict d = perEntry[3];
-    for (ptrdiff_t p = 0; p < points; ++p) {
-        a[p] = stream[4 * p];
-        b[p] = stream[4 * p + 1];
-        c[p] = stream[4 * p + 2];
-        d[p] = stream[4 * p + 3];
-    }
+CORVANTIS_CLONES void Split2(const uint16_t* stream, uint16_t* const* perEntry, int32_t points) {
+    Split<2>(stream, perEntry, points);
+}
+CORVANTIS_CLONES void Split3(const uint16_t* stream, uint16_t* const* perEntry, int32_t points) {
+    Split<3>(stream, perEntry, points);
+}
+CORVANTIS_CLONES void Split4(const uint16_t* stream, uint16_t* const* perEntry, int32_t points) {
+    Split<4>(stream, perEntry, points);
 }
 
 }  // namespace

@@ -1,0 +1,95 @@
+// The model neuron against the literature, and against itself with a shorter step.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <vector>
+
+#include "simulator/ModelNeuron.h"
+
+namespace {
+
+// Spikes (crossings of 0 mV) of one second of a current step [µA/cm²] from rest, and its peak.
+struct Response {
+    std::vector<double> spikes;  // [ms]
+    double peak = -100;          // [mV]
+
+    // [Hz], without the first interval
+    double Rate() const { return 1000 * double(spikes.size() - 2) / (spikes.back() - spikes[1]); }
+};
+
+Response Step(double density, double longestStep = itc18::kLongestStep) {
+    itc18::ModelNeuron neuron = itc18::SteadyState(0);
+    Response response;
+    for (int pass = 0; pass < 100000; ++pass) {
+        const double before = neuron.potential;
+        itc18::Advance(neuron, density * itc18::kMembraneArea / 100, 10, longestStep);
+        response.peak = std::max(response.peak, neuron.potential);
+        if (before < 0 && neuron.potential >= 0)
+            response.spikes.push_back((pass + before / (before - neuron.potential)) / 100);
+    }
+    return response;
+}
+
+TEST(ModelNeuronTest, GatesAtRestAreThePublishedOnes) {
+    const itc18::ModelNeuron rest = itc18::SteadyState(0);
+    EXPECT_NEAR(rest.potential, -65.0, 0.01);
+    EXPECT_NEAR(rest.m, 0.0529, 5e-5);
+    EXPECT_NEAR(rest.h, 0.5961, 5e-5);
+    EXPECT_NEAR(rest.n, 0.3177, 5e-5);
+}
+
+TEST(ModelNeuronTest, RatesAreContinuousWhereTheirFormulasAreZeroOverZero) {
+    for (const double singular : {-40.0, -55.0}) {
+        itc18::ModelNeuron at{singular, 0.2, 0.3, 0.4}, beside{singular + 1e-7, 0.2, 0.3, 0.4};
+        itc18::Advance(at, 0, 5);
+        itc18::Advance(beside, 0, 5);
+        EXPECT_NEAR(at.m, beside.m, 1e-8);
+        EXPECT_NEAR(at.n, beside.n, 1e-8);
+    }
+}
+
+// One spike from about 2.3 µA/cm²; firing without end from 6.26 (J. Rinzel and R. N. Miller, Math.
+// Biosci. 49:27-59, 1980) at 50 Hz, 68 Hz at 10.
+TEST(ModelNeuronTest, FiresAsTheLiteratureHasIt) {
+    EXPECT_EQ(Step(2.2).spikes.size(), 0u);
+    EXPECT_EQ(Step(2.5).spikes.size(), 1u);
+    EXPECT_LE(Step(6.1).spikes.size(), 3u);
+    EXPECT_NEAR(Step(6.3).Rate(), 52, 2);
+    EXPECT_NEAR(Step(10).Rate(), 68, 1);
+    EXPECT_GT(Step(20).Rate(), Step(10).Rate() + 10);
+    EXPECT_NEAR(Step(10).peak, 40, 2);
+    EXPECT_EQ(Step(160).spikes.size(), 1u);
+}
+
+// Hassard (1978) and Rinzel and Miller place the bifurcations at 9.78 and 154.5 µA/cm²: between
+// them a small displacement from the steady state grows.
+TEST(ModelNeuronTest, SteadyStateLosesItsStabilityWherePublished) {
+    const std::map<double, bool> growing = {{9.7, false}, {9.85, true}, {154, true}, {155, false}};
+    for (const auto& [density, grows] : growing) {
+        const double current = density * itc18::kMembraneArea / 100;
+        const double steady = itc18::SteadyState(current).potential;
+        itc18::ModelNeuron neuron = itc18::SteadyState(current);
+        neuron.potential += 0.01;
+        double early = 0, late = 0;
+        for (int pass = 0; pass < 5000; ++pass) {
+            itc18::Advance(neuron, current, 100);
+            const double displacement = std::abs(neuron.potential - steady);
+            if (pass >= 500 && pass < 1000) early = std::max(early, displacement);
+            if (pass >= 4500) late = std::max(late, displacement);
+        }
+        EXPECT_EQ(late > early, grows) << density;
+    }
+}
+
+TEST(ModelNeuronTest, HalvingTheStepMovesNoSpikeByMoreThan20PartsInAMillion) {
+    for (const double density : {6.5, 10.0, 50.0}) {
+        const Response coarse = Step(density), fine = Step(density, itc18::kLongestStep / 2);
+        ASSERT_EQ(coarse.spikes.size(), fine.spikes.size());
+        for (size_t k = 0; k < fine.spikes.size(); ++k)
+            EXPECT_NEAR(coarse.spikes[k], fine.spikes[k], 1e-4 + 2e-5 * fine.spikes[k]);
+    }
+}
+
+}  // namespace

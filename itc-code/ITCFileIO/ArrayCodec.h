@@ -12,7 +12,7 @@
 namespace corvantis {
 
 // Bytes: large transfers bypass the stream's buffer.
-inline constexpr size_t kArrayBlock = 65536;
+inline constexpr size_t kArrayBlock = 131072;
 
 // Bits that are only to be copied, in this order or in the other.
 template <class FileType, class MemoryType>

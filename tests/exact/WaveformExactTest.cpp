@@ -100,6 +100,17 @@ TEST(WaveformExactTest, RampsAndPulses) {
                ITCStmCreateRamp, plain::Ramp);
 }
 
+// An amplitude of 2^30 shows every bit of a point's share of the ramp.
+TEST(WaveformExactTest, SharesOfRampsOfAnyLength) {
+    std::mt19937 source(4);
+    std::vector<int32_t> lengths = {3, 5, 6, 7, 1000003, 1048573, 1048575, 1048576, 1048577};
+    while (lengths.size() < 40) lengths.push_back(static_cast<int32_t>(source() % 1048577));
+    for (const int32_t points : lengths) {
+        ExpectSame(ITCRampParameters{.amplitude = 1 << 30, .mean = 0, .points = points},
+                   ITCStmCreateRamp, plain::Ramp);
+    }
+}
+
 TEST(WaveformExactTest, PeriodsOfEveryLength) {
     for (const int32_t points : kAwkwardCounts) {
         for (const int32_t period :

@@ -17,12 +17,14 @@
  *    the components of summed records. The caller owns its sample buffers and its own records; a
  *    builder copies the record it is given. Pointers returned by accessors point into the library's
  *    state: read or write through them at once, never free them.
- * 5. Indices. Epochs, sequence entries, channels and components count from 0. An output channel is
+ * 5. Pointers. A pointer that is handed over points to what its declaration says, and is null only
+ *    where the declaration speaks of it.
+ * 6. Indices. Epochs, sequence entries, channels and components count from 0. An output channel is
  *    0 to 3 and names the stimulus slot of the same number.
- * 6. Units. A level is in DAC codes (16-bit converter counts) held in 32 bits, a length in samples
+ * 7. Units. A level is in DAC codes (16-bit converter counts) held in 32 bits, a length in samples
  *    ("points") of one sequence entry, a sampling interval in microseconds. A computed sample is
  *    truncated toward zero and its low 16 bits are stored: there is no clamping.
- * 7. Standard output. Start-up, stimulus calculation and some failures print a line each on the
+ * 8. Standard output. Start-up, stimulus calculation and some failures print a line each on the
  *    standard output of the process; each declaration names what it prints.
  */
 #ifndef CORVANTIS_H
@@ -933,7 +935,7 @@ CORVANTIS_API bool ReadArray_float(FILE* stream, float* values, int count);
 /**
  * @name Current file header
  * They act on the header in memory; #ITCSaveToFile stores it. Before a start-up they act on a blank
- * one. A comment longer than 511 characters is cut.
+ * one. A comment longer than 511 characters is cut; a null text stores nothing.
  * @param[in] text, value what to store
  * @return the value, or a pointer to the stored text inside the header
  * @{
@@ -953,10 +955,9 @@ CORVANTIS_API double ITCGetOffset(void);
 /**
  * @name Current epoch header
  * They act on the header in memory; #ITCSaveToFile stores it and reading an epoch replaces it.
- * Before a start-up they act on a blank one. A channel [0..3] is not tested, except that the
- * writers of mean output, filter, LED and user values ignore a channel above 3 or an index
- * above 23. A unit name keeps its first 16 characters, without terminator if it has 16; a comment
- * its first 511.
+ * Before a start-up they act on a blank one. Outside the range of a channel or an index a writer
+ * stores nothing, and a reader gives 0 or an empty text. A unit name keeps its first 16 characters,
+ * without terminator if it has 16; a comment its first 511. A null text stores nothing.
  * @param[in] text, value, gain, code, factor, mode what to store, with the unit of its field
  * @param[in] channel [0..3]
  * @param[in] index user value [0..23]
@@ -1011,7 +1012,7 @@ CORVANTIS_API int32_t ITCGetStimType(int32_t channel);
 /**
  * Read a channel's three amplifier settings from the current epoch header.
  * @param[out] gain, value, code `ampGain`, `ampValue` and `ampCode` of the channel
- * @param[in] channel [0..3], not tested
+ * @param[in] channel [0..3]; of another, all three are 0
  */
 CORVANTIS_API void ITCGetAmpSettings(float* gain, float* value, int8_t* code, int32_t channel);
 /**

@@ -181,6 +181,44 @@ TEST_F(HeaderFieldsTest, StimulusRecordsAreCopiedByTheByte) {
     }
 }
 
+// Whatever the index, no byte of the header changes, and none beyond it is read.
+TEST_F(HeaderFieldsTest, IndicesOutsideTheirArraysTouchNothing) {
+    for (const int32_t none : {4, -1, 24, 1000000, INT32_MAX, INT32_MIN}) {
+        SCOPED_TRACE(none);
+        ExpectChange(
+            *epochhdr,
+            [&] {
+                ITCWriteAmpGain(1, 2, 3, none);
+                ITCWriteConvFactor(1, none);
+                ITCWriteAmpMode(1, none);
+                ITCWriteMeanOutput(1, none);
+                ITCWriteNDF(1, none);
+                ITCWriteLEDSetting(1, none);
+                if (none != 4) ITCWriteUserValue(1, none);
+                EXPECT_STREQ(ITCWriteInputUnits("mV", none), "");
+                EXPECT_STREQ(ITCWriteOutputUnits("pA", none), "");
+            },
+            Nothing);
+        float gain = 1, value = 1;
+        int8_t code = 1;
+        ITCGetAmpSettings(&gain, &value, &code, none);
+        EXPECT_EQ(gain, 0);
+        EXPECT_EQ(value, 0);
+        EXPECT_EQ(code, 0);
+        EXPECT_EQ(ITCGetConvFactor(none), 0);
+        EXPECT_EQ(ITCGetStimType(none), 0);
+        EXPECT_STREQ(ITCGetInputUnits(none), "");
+        EXPECT_STREQ(ITCGetOutputUnits(none), "");
+    }
+    ExpectChange(
+        *epochhdr,
+        [] {
+            EXPECT_EQ(ITCWriteEpochCom(nullptr), epochhdr->epochComment);
+            EXPECT_EQ(ITCWriteInputUnits(nullptr, 2), epochhdr->inputUnits[2]);
+        },
+        Nothing);
+}
+
 // As in a program that has just loaded the library, and after an ending.
 TEST(HeaderFields, WithoutASessionTheyActOnBlankHeaders) {
     for (const bool afterAnEnding : {false, true}) {

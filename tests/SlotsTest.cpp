@@ -71,6 +71,21 @@ TEST_F(SlotsTest, LengthsThatDoNotFillTheEpochAreRefused) {
     }
 }
 
+// An application may change a record in its slot and install it again.
+TEST_F(SlotsTest, ARecordCanTakeItsOwnPlace) {
+    const ITCPulseParameters pulse{1000, 5, 800, 100, 100, {}};
+    ASSERT_EQ(ITCPulseParams(0, &pulse), ITC_SUCCESS);
+    auto* installed = static_cast<ITCPulseParameters*>(StmParameters[0]);
+    installed->amplitude = 77;
+    ASSERT_EQ(ITCPulseParams(0, installed), ITC_SUCCESS);
+    EXPECT_EQ(static_cast<const ITCPulseParameters*>(StmParameters[0])->amplitude, 77);
+    InstallSum(1, 3);
+    ASSERT_EQ(ITCAddPulseParams(1, &pulse), ITC_SUCCESS);
+    ASSERT_EQ(ITCSummedParams(1, static_cast<ITCSummedParameters*>(StmParameters[1])), ITC_SUCCESS);
+    EXPECT_EQ(Sum(1).count, 3);
+    EXPECT_EQ(Sum(1).components[0], nullptr);
+}
+
 TEST_F(SlotsTest, BadChannelsAndMissingRecordsChangeNothing) {
     InstallSum(2, 4);
     const ITCEpochHeader header = *epochhdr;

@@ -22,8 +22,9 @@ bool MatchesEpoch(const Record& record) {
     return WrappingAdd(points, record.tailPoints) == CurrentEpochHeader().epochPoints;
 }
 
+// The record by value: the caller's may be the very one that is released here.
 template <class Record>
-int32_t CopyIntoSlot(int32_t channel, const Record& record, uint32_t type) {
+int32_t CopyIntoSlot(int32_t channel, Record record, uint32_t type) {
     const uint32_t slot = static_cast<uint32_t>(channel);
     ReleaseSlot(slot);
     void* copy = ITCMalloc(1, sizeof record);
@@ -119,6 +120,10 @@ int32_t ITCSpatialParams(int32_t channel, const ITCSpatialStmParameters* params)
 int32_t ITCSummedParams(int32_t channel, ITCSummedParameters* params) {
     const int32_t result = corvantis::CheckRequest(channel, params);
     if (result != ITC_SUCCESS) return result;
+    if (params == corvantis::SlotRecord(static_cast<uint32_t>(channel))) {
+        ITCSummedParameters copy = *params;
+        return ITCSummedParams(channel, &copy);
+    }
     std::fill_n(params->components, ITC_COMPONENTS, nullptr);
     return Build<LengthRule::kAny>(channel, params, ITC_STIMULUS_SUMMED);
 }

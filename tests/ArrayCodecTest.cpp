@@ -92,6 +92,14 @@ TEST(ArrayCodec, FloatsOfEveryBitPatternComeBack) {
     EXPECT_EQ(std::memcmp(readBack.data(), patterns.data(), patterns.size() * 4), 0);
 }
 
+// As far as the stream goes: a value that is cut keeps its last bytes.
+TEST(ArrayCodec, WhatArrivesOfACutElementIsStored) {
+    const Stream stream = StreamOver(Hex("01020304 0506"));
+    std::array<int32_t, 3> values{7, 0x11223344, 7};
+    EXPECT_FALSE(ReadArray_int(stream.get(), values.data(), 3));
+    EXPECT_EQ(values, (std::array<int32_t, 3>{0x01020304, 0x05063344, 7}));
+}
+
 // Takes in no 0xEE; chosen by content, since the C library may cut and repeat what it writes.
 struct RefusingSink {
     Bytes taken;

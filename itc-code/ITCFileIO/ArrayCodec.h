@@ -74,18 +74,27 @@ bool WriteArray(FILE* stream, const MemoryType* values, size_t count) {
 }
 
 // At the end of the file no further element can arrive, so the attempts stop there: a count from a
-// damaged header costs no time.
+// damaged header costs no time. What has arrived of the last one takes the place of its first
+// bytes.
 template <class FileType, class MemoryType>
 bool ReadArray(FILE* stream, MemoryType* values, size_t count) {
+    constexpr size_t kSize = sizeof(FileType);
     uint8_t bytes[kArrayBlock];
     bool complete = true;
     for (size_t done = 0; done < count;) {
-        const size_t block = complete ? std::min(sizeof bytes / sizeof(FileType), count - done) : 1;
-        const size_t read = std::fread(bytes, sizeof(FileType), block, stream);
-        DecodeBlock<FileType>(bytes, values + done, read);
-        if (read < block) complete = false;
-        if (read < block && std::feof(stream) != 0) break;
-        done += read < block ? read + 1 : block;
+        const size_t block = complete ? std::min(sizeof bytes / kSize, count - done) : 1;
+        const size_t read = std::fread(bytes, 1, block * kSize, stream);
+        const size_t whole = read / kSize;
+        DecodeBlock<FileType>(bytes, values + done, whole);
+        if (whole < block) complete = false;
+        if (read % kSize != 0) {
+            uint8_t last[kSize];
+            EncodeBlock<FileType>(last, values + done + whole, 1);
+            std::memcpy(last, bytes + whole * kSize, read % kSize);
+            DecodeBlock<FileType>(last, values + done + whole, 1);
+        }
+        if (whole < block && std::feof(stream) != 0) break;
+        done += whole < block ? whole + 1 : block;
     }
     return complete;
 }

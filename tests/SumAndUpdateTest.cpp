@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <string>
 #include <tuple>
 #include <utility>
 
@@ -206,6 +207,37 @@ TEST_F(SumAndUpdateTest, RecordsThatLeaveTheEpochAreRefused) {
     ASSERT_EQ(ITCPulseParams(0, &fitting), ITC_SUCCESS);
     epochhdr->epochPoints = kPoints - 1;
     ExpectRefused("a shorter epoch");
+}
+
+// The line comes before any check, so a log shows what was tried.
+TEST_F(SumAndUpdateTest, CalculationsThatFailAnnounceThemselves) {
+    const ITCPulseParameters longer = Pulse(5, 1, 15, -5, 0);
+    ASSERT_EQ(ITCSetSeq("0", "0"), ITC_SUCCESS);
+    for (const int type : {0, 6, 12, 15, -1}) {
+        epochhdr->stimType[0] = static_cast<int8_t>(type);
+        QuietOutput output;
+        EXPECT_EQ(ITCUpdateStm(), ITC_STIMULUS_ERROR);
+        EXPECT_EQ(output.Text(), "stim type " + std::to_string(type) + "\n");
+    }
+    ASSERT_EQ(ITCPulseParams(0, &longer), ITC_SUCCESS);
+    QuietOutput output;
+    EXPECT_EQ(ITCUpdateStm(), ITC_STIMULUS_ERROR);
+    EXPECT_EQ(output.Text(), "stim type 3\n");
+}
+
+// Noise that lays no sample outside, whatever its runs: no whole segment, or the last one cut off.
+TEST_F(SumAndUpdateTest, SegmentsInsideTheEpochAreComputed) {
+    ASSERT_EQ(ITCSetSeq("0", "0"), ITC_SUCCESS);
+    const ITCSegmentedNoiseParameters none{5, 7, 1, 5, 6, -1, 10, {}};
+    ASSERT_EQ(ITCSegmentedNoiseParams(0, &none), ITC_SUCCESS);
+    EXPECT_EQ(Update(), ITC_SUCCESS);
+    EXPECT_TRUE(std::all_of(session.output.begin(), session.output.begin() + kPoints,
+                            [](uint16_t sample) { return sample == 7; }));
+    const ITCBinaryNoiseParameters cut{5, 100, 1, 12, -2, 0, 5, {}};
+    ASSERT_EQ(ITCBinaryNoiseParams(0, &cut), ITC_SUCCESS);
+    EXPECT_EQ(Update(), ITC_SUCCESS);
+    EXPECT_TRUE(std::all_of(session.output.begin(), session.output.begin() + kPoints,
+                            [](uint16_t sample) { return sample == 95 || sample == 105; }));
 }
 
 TEST_F(SumAndUpdateTest, TheOutputBufferIsNotExceeded) {

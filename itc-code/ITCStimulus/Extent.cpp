@@ -21,12 +21,24 @@ bool RunsFit(const void* params, int64_t bufferPoints) {
 
 // Noise is laid at its place among all the points, wherever negative runs put it.
 template <class Record>
-bool NoiseFits(const void* params, int64_t bufferPoints) {
-    const auto& record = *static_cast<const Record*>(params);
-    const int64_t end = int64_t{record.prePoints} + record.points;
-    const bool laid = record.points > 0;
+bool NoiseFits(const Record& record, int64_t laidPoints, int64_t bufferPoints) {
+    const int64_t end = int64_t{record.prePoints} + laidPoints;
     return TotalPoints(record) <= bufferPoints &&
-           (!laid || (record.prePoints >= 0 && end <= bufferPoints));
+           (laidPoints <= 0 || (record.prePoints >= 0 && end <= bufferPoints));
+}
+
+bool FilteredNoiseFits(const void* params, int64_t bufferPoints) {
+    const auto& record = *static_cast<const ITCNoiseParameters*>(params);
+    return NoiseFits(record, record.points, bufferPoints);
+}
+
+// Whole segments alone are laid.
+template <class Record>
+bool SegmentsFit(const void* params, int64_t bufferPoints) {
+    const auto& record = *static_cast<const Record*>(params);
+    const int64_t length = std::max(record.segmentPoints, 1);
+    const int64_t segments = record.segmentPoints < 1 ? 0 : record.points / length;
+    return NoiseFits(record, segments * length, bufferPoints);
 }
 
 }  // namespace
@@ -36,7 +48,7 @@ bool StaysWithin(uint32_t type, const void* params, int64_t bufferPoints) {
         case ITC_STIMULUS_SINE:
             return RunsFit<ITCSineParameters>(params, bufferPoints);
         case ITC_STIMULUS_NOISE:
-            return NoiseFits<ITCNoiseParameters>(params, bufferPoints);
+            return FilteredNoiseFits(params, bufferPoints);
         case ITC_STIMULUS_PULSE:
             return RunsFit<ITCPulseParameters>(params, bufferPoints);
         case ITC_STIMULUS_RAMP:
@@ -46,9 +58,9 @@ bool StaysWithin(uint32_t type, const void* params, int64_t bufferPoints) {
         case ITC_STIMULUS_TRIGGER_SERIES:
             return RunsFit<ITCTrigSeriesParameters>(params, bufferPoints);
         case ITC_STIMULUS_SEGMENTED_NOISE:
-            return NoiseFits<ITCSegmentedNoiseParameters>(params, bufferPoints);
+            return SegmentsFit<ITCSegmentedNoiseParameters>(params, bufferPoints);
         case ITC_STIMULUS_BINARY_NOISE:
-            return NoiseFits<ITCBinaryNoiseParameters>(params, bufferPoints);
+            return SegmentsFit<ITCBinaryNoiseParameters>(params, bufferPoints);
         case ITC_STIMULUS_ALTERNATING_VOLTAGE:
             return RunsFit<ITCAlternateVoltageParameters>(params, bufferPoints);
         case ITC_STIMULUS_SPATIAL:

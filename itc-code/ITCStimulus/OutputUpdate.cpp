@@ -18,11 +18,11 @@ using SampleBlock = OwnedBlock<uint16_t>;
 // Unplayed samples of a transient buffer are 0, never what the memory held before.
 SampleBlock AllocateSamples(int64_t points) { return AllocateZeroed<uint16_t>(points); }
 
+// A record that is not there or would leave the buffer is calculated without: it gets as far as its
+// printed line, as every calculation does.
 int32_t CalculateWithin(uint32_t type, uint16_t* buffer, const void* record, int64_t points) {
-    const bool reads = type != ITC_STIMULUS_DYNAMIC_CLAMP;
-    if (reads && record == nullptr) return ITC_STIMULUS_ERROR;
-    if (!StaysWithin(type, record, points)) return ITC_STIMULUS_ERROR;
-    const int32_t result = ITCCalcStimulus(type, buffer, record);
+    const bool fits = record != nullptr && StaysWithin(type, record, points);
+    const int32_t result = ITCCalcStimulus(type, buffer, fits ? record : nullptr);
     return result == ITC_SUCCESS ? ITC_SUCCESS : ITC_STIMULUS_ERROR;
 }
 
@@ -59,8 +59,8 @@ int32_t CalculateEntry(uint32_t entry, uint16_t* output) {
 
 bool FitsOutput(const ITCEpochHeader& header) {
     if (header.sequenceLength < 0 || header.sequenceLength > ITC_CHANNELS) return false;
-    return OutputSamples() != nullptr &&
-           int64_t{header.epochPoints} * header.sequenceLength <= BufferCapacity();
+    const int64_t samples = int64_t{header.epochPoints} * header.sequenceLength;
+    return samples == 0 || (OutputSamples() != nullptr && samples <= BufferCapacity());
 }
 
 }  // namespace

@@ -16,6 +16,7 @@ constexpr size_t kBatch = 512;
 
 // Points before the buffer, which a negative prePoints would ask for, are passed over.
 void LayLevels(uint16_t* buffer, int64_t x, std::span<const float> levels, int32_t segmentPoints) {
+    if (segmentPoints < 0) return;
     if (segmentPoints == 1 && x >= 0) {
         AddLevels({buffer + x, levels.size()}, levels.data());
         return;
@@ -28,13 +29,22 @@ void LayLevels(uint16_t* buffer, int64_t x, std::span<const float> levels, int32
     }
 }
 
-// drawLevels(levels) gives the levels of the next segments. A negative segment length makes no
-// segments at all.
+// Segments of negative length in a negative run have no point, but their levels are drawn, and
+// later waveforms go on behind them. A damaged record could ask for 2^31 such draws.
+constexpr int64_t kMostEmptySegments = 1 << 20;
+
+template <class Record>
+int64_t CountSegments(const Record& record) {
+    if (record.segmentPoints == 0) return 0;
+    const int64_t segments = int64_t{record.points} / record.segmentPoints;
+    return record.segmentPoints > 0 ? segments : std::min(segments, kMostEmptySegments);
+}
+
+// drawLevels(levels) gives the levels of the next segments.
 template <class Record, class DrawLevels>
 void LayNoise(uint16_t* buffer, const Record& record, DrawLevels drawLevels) {
     WriteLevel(buffer, TotalPoints(record), record.mean);
-    if (record.segmentPoints <= 0) return;
-    const int32_t segments = record.points / record.segmentPoints;
+    const int64_t segments = CountSegments(record);
     std::array<float, kBatch> batch;
     for (int64_t s = 0; s < segments; s += kBatch) {
         const size_t count = std::min(kBatch, static_cast<size_t>(segments - s));

@@ -36,10 +36,7 @@ struct Spectrum {
 
 constexpr int32_t kBatch = 512;
 
-void DrawWhiteNoise(const Spectrum& spectrum, const ITCNoiseParameters& record) {
-    static int32_t seed;
-    seed = WrappingNegate(record.seed);
-    ITCSeedRandom(&seed);
+void DrawWhiteNoise(const Spectrum& spectrum, const ITCNoiseParameters& record, int32_t& seed) {
     const float amplitude = static_cast<float>(record.amplitude);
     std::array<float, kBatch> batch;
     for (int32_t k = 0; k < spectrum.length; k += kBatch) {
@@ -91,12 +88,16 @@ int32_t CreateSpectralNoise(uint16_t* buffer, const ITCNoiseParameters& record) 
         WriteLevel(buffer, TotalPoints(record), record.mean);
         return ITC_SUCCESS;
     }
+    // Before the memory is asked for: a failure too leaves the generator restarted.
+    static int32_t seed;
+    seed = WrappingNegate(record.seed);
+    ITCSeedRandom(&seed);
     if (record.points > kMostPoints) return ITC_OUT_OF_MEMORY;
     Spectrum spectrum;
     spectrum.length = TransformLength(record.points);
     spectrum.values = AllocateArray<float>(2 * int64_t{spectrum.length} + 1);
     if (spectrum.values == nullptr) return ITC_OUT_OF_MEMORY;
-    DrawWhiteNoise(spectrum, record);
+    DrawWhiteNoise(spectrum, record, seed);
     spectrum.Transform(1);
     const float sum = ShapeSpectrum(spectrum, record);
     spectrum.Transform(-1);

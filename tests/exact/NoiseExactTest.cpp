@@ -114,6 +114,32 @@ TEST_F(NoiseExactTest, SegmentsOfEveryLength) {
     }
 }
 
+// What a waveform that lays nothing leaves behind shows in the next one of negative seed.
+TEST_F(NoiseExactTest, StatesBehindWaveformsWithoutPoints) {
+    const ITCNoiseParameters first = {
+        .amplitude = 1000, .seed = 3, .points = 64, .cutoffFrequency = 100, .filterOrder = 1};
+    ITCNoiseParameters next = first;
+    next.seed = -1;
+    ExpectSameNoise(first);
+    const ITCNoiseParameters tooLong = {.seed = 99, .points = 1 << 30};
+    EXPECT_EQ(ITCStmCreateNoise(nullptr, &tooLong), ITC_OUT_OF_MEMORY);
+    int32_t word = -99;
+    plain::UniformDeviate(&word);
+    ExpectSameNoise(next);
+
+    const ITCSegmentedNoiseParameters segments[] = {
+        {.amplitude = 1000, .seed = 5, .points = 10, .segmentPoints = 1},
+        {.amplitude = 1000, .seed = -7, .points = -10, .prePoints = 30, .segmentPoints = -4},
+        {.amplitude = 1000, .seed = -3, .points = 10, .segmentPoints = 1}};
+    for (const ITCSegmentedNoiseParameters& record : segments) {
+        std::vector<uint16_t> samples = BufferFor(record);
+        std::vector<uint16_t> expected = samples;
+        ITCStmCreateSegmentedNoise(SignedSamples(samples), &record);
+        plain::SegmentedNoise(expected.data(), record);
+        EXPECT_EQ(CountDifferences(samples, expected), 0u) << record.seed;
+    }
+}
+
 size_t WrongGains(const corvantis::FilterFormula& formula, double guard) {
     std::vector<float> gains(100000);
     std::vector<float> expected;

@@ -1188,7 +1188,8 @@ CORVANTIS_API int32_t ITCGetSegmentForInputChan(int32_t epoch, int32_t channel, 
  * component that the epoch has not
  * @{
  */
-/** #ITCStimulusType of the record. */
+/** #ITCStimulusType of the record; of channels [0..3] that the sequence has not, the header's type.
+ */
 CORVANTIS_API int32_t ITCGetStmType(int32_t epoch, int32_t channel, int32_t component,
                                     int32_t* result);
 /** Amplitude [DAC codes]. */

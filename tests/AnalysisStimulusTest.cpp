@@ -80,6 +80,17 @@ TEST_F(AnalysisTest, StimulusValues) {
     }
 }
 
+TEST_F(AnalysisTest, TypesOfChannelsThatTheSequenceHasNot) {
+    Bytes epoch = StimulusEpoch();
+    Put(epoch, 580, Big32(1));
+    Put(epoch, 605, {2, 9, 0x80, 7});
+    Open(DataFileBytes(8, {epoch}));
+    ExpectResult(OfStimulus(ITCGetStmType, 1, 0, 9), 0, ITC_SUCCESS);
+    ExpectResult(OfStimulus(ITCGetStmType, 2, 0, -128), 0, ITC_SUCCESS);
+    ExpectResult(OfStimulus(ITCGetStmType, 3, 0), 0, ITC_STIMULUS_ERROR);
+    ExpectResult(OfStimulus(ITCGetStmAmp, 1, 0), 0, ITC_STIMULUS_ERROR);
+}
+
 TEST_F(AnalysisTest, ReversalPotentials) {
     Open(DataFileBytes(8, {StimulusEpoch()}));
     for (const int32_t channel : {-1, 0, 1, 2, 3, 4}) {

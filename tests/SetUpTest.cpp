@@ -200,6 +200,36 @@ TEST_F(SetUpTest, QuickRestartKeepsEverythingButTheDevicesState) {
     End();
 }
 
+// The interface was switched off when the program started, and is there now.
+TEST_F(SetUpTest, AQuickRestartCompletesAStartThatTheDeviceStopped) {
+    InitFlag = 0;
+    Fail(ITC18Simulator_CallOpen);
+    EXPECT_EQ(Start(), ITC_NOT_STARTED);
+    Fail(ITC18Simulator_CallOpen, 0);
+    const QuietOutput nothing;
+    EXPECT_EQ(ITCQuickReInit(0), ITC_SUCCESS);
+    EXPECT_EQ(InitFlag, 1);
+    EXPECT_EQ(EpochPosition[0], 580U);
+    uint32_t size = 0;
+    EXPECT_EQ(ITCStmParamsSize(&size, 1), ITC_SUCCESS);
+    EXPECT_EQ(Device().open, 1);
+    End();
+    EXPECT_EQ(Device().open, 0);
+}
+
+TEST_F(SetUpTest, AnEndingAfterASecondStartThatFailed) {
+    ASSERT_EQ(Start(), ITC_SUCCESS);
+    void* const first[] = {itc, epochhdr, filehdr, EpochPosition, ITCbufsize};
+    Fail(ITC18Simulator_CallOpen);
+    EXPECT_EQ(Start(), ITC_NOT_STARTED);
+    Fail(ITC18Simulator_CallOpen, 0);
+    EXPECT_EQ(InitFlag, 1);
+    End();
+    EXPECT_EQ(ITCFinish(), ITC_NOT_STARTED);
+    ITC18_Close(first[0]);
+    for (void* const block : first) ITCFree(block);
+}
+
 TEST_F(SetUpTest, TheDevicesRefusalToCloseIsIgnored) {
     ASSERT_EQ(Start(), ITC_SUCCESS);
     Fail(ITC18Simulator_CallClose);

@@ -38,8 +38,19 @@ int32_t DeliverValue(int32_t epoch, int32_t channel, int32_t component, Query qu
     return found == ITC_SUCCESS ? query(result, stimulus.type, stimulus.record) : found;
 }
 
-int32_t RetrieveType(int32_t* value, int8_t type, const void* /*record*/) {
-    *value = type;
+// The header has a type for every channel, whether its sequence has the channel or not.
+int32_t DeliverType(int32_t epoch, int32_t channel, int32_t component, int32_t* result) {
+    if (ITCEpochParameters(epoch) != ITC_SUCCESS) return ITC_FILE_ERROR;
+    const uint32_t slot = static_cast<uint32_t>(channel);
+    if (!IsChannel(slot)) return ITC_STIMULUS_ERROR;
+    const int32_t type = SlotType(slot);
+    if (type != ITC_STIMULUS_SUMMED) {
+        *result = type;
+        return ITC_SUCCESS;
+    }
+    const Stimulus stimulus = ComponentOf(SummedSlotRecord(slot), component);
+    if (stimulus.record == nullptr) return ITC_STIMULUS_ERROR;
+    *result = stimulus.type;
     return ITC_SUCCESS;
 }
 
@@ -67,7 +78,7 @@ using corvantis::DeliverReversal;
 using corvantis::DeliverValue;
 
 int32_t ITCGetStmType(int32_t epoch, int32_t channel, int32_t component, int32_t* result) {
-    return DeliverValue(epoch, channel, component, corvantis::RetrieveType, result);
+    return corvantis::DeliverType(epoch, channel, component, result);
 }
 int32_t ITCGetStmAmp(int32_t epoch, int32_t channel, int32_t component, int32_t* result) {
     return DeliverValue(epoch, channel, component, ITCRetrieveStmAmp, result);

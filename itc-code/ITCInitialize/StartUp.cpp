@@ -90,10 +90,12 @@ int32_t ITCInitAnalysis(uint16_t** inputBuffer, uint16_t** outputBuffer, const i
 
 int32_t ITCQuickReInit(int32_t deviceNumber) {
     using namespace corvantis;
-    if (itc == nullptr || !HasEpochHeader()) return ITC_NOT_STARTED;
+    if (itc == nullptr || !HasFileHeader() || !HasEpochHeader()) return ITC_NOT_STARTED;
     ITC18_Close(itc);
     if (ITC18_Open(itc, deviceNumber) != 0) return ITC_NOT_STARTED;
-    InitFlag = 1;
+    // A start-up that the device had stopped goes on here.
+    if (IsStartUpUnderway() && EpochTableEntries() > 0) EpochPosition[0] = kFirstEpochPosition;
+    CompleteStartUp();
     if (ITC18_Initialize(itc, 0) != 0) return ITC_NOT_STARTED;
     if (SetDeviceInterval() != ITC_SUCCESS) return ITC_NOT_STARTED;
     return SetDefaultSequence();
@@ -101,7 +103,8 @@ int32_t ITCQuickReInit(int32_t deviceNumber) {
 
 int32_t ITCFinish() {
     using namespace corvantis;
-    if (!IsStarted()) return ITC_NOT_STARTED;
+    // Also after a second start-up that failed: the first one's state is still to be ended.
+    if (InitFlag == 0 || !HasFileHeader() || !HasEpochHeader()) return ITC_NOT_STARTED;
     if (itc != nullptr) ITC18_Close(itc);
     ReleaseHeaders();
     return ITC_SUCCESS;

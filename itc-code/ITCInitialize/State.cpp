@@ -68,6 +68,8 @@ bool IsStarted() {
     return InitFlag != 0 && !startUpUnderway && HasFileHeader() && HasEpochHeader();
 }
 
+bool IsStartUpUnderway() { return startUpUnderway; }
+
 // The sample buffers of an earlier session are its caller's again, or forgotten with it.
 void BeginStartUp() {
     startUpUnderway = true;

@@ -13,6 +13,8 @@ namespace corvantis {
 bool IsStarted();
 // Between the two the blocks of an earlier session are being replaced; a start-up that fails there
 // leaves nothing that could be worked with, whatever the flag still says.
+// Between the two below, also after a start-up that failed.
+bool IsStartUpUnderway();
 void BeginStartUp();
 void CompleteStartUp();
 

@@ -18,6 +18,8 @@ namespace {
 
 constexpr int32_t kCapacity = 1000;
 constexpr int64_t kBuffers = 2 * sizeof(uint16_t) * kCapacity;
+// Four sums of components that have no bytes in the file, at 256 records each.
+constexpr int64_t kRecords = 65536;
 
 // One epoch that plays a sum of filtered noise.
 Bytes Recording(const std::string& path) {
@@ -55,7 +57,7 @@ TEST(MemoryBound, HoldsForEveryCountOfTheFile) {
     const TemporaryFolder folder;
     const std::string path = folder.File("data.itc");
     const Bytes sound = Recording(path);
-    const int64_t bound = 2 * static_cast<int64_t>(sound.size());
+    const int64_t bound = 2 * static_cast<int64_t>(sound.size()) + kRecords;
     const int64_t boundOfWork = bound + 30 * kBuffers;
     EXPECT_GT(LargestUse(path, ITCRetrieveEpoch), 0);
     EXPECT_GT(LargestUse(path, ITCRetrieveEpochStm), 0);
@@ -80,6 +82,20 @@ TEST(MemoryBound, HoldsForEveryCountOfTheFile) {
             }
         }
     }
+}
+
+TEST(MemoryBound, HoldsForComponentsWithoutBytes) {
+    LibrarySession session(kCapacity);
+    const QuietOutput quiet;
+    const TemporaryFolder folder;
+    const std::string path = folder.File("data.itc");
+    const Bytes sum = Join({Big32(256), Bytes(256, 8), Bytes(1024)});
+    const Bytes epoch = Join(
+        {EpochHeaderBytes(100, 4, {7, 7, 7, 7}), sum, sum, sum, sum, Bytes(size_t{2} * 4 * 4)});
+    const auto table = static_cast<uint32_t>(580 + epoch.size());
+    WriteFile(path, Join({FileHeaderBytes(8, 1, table), epoch, Big32(580)}));
+    EXPECT_GT(LargestUse(path, ITCRetrieveEpoch), 1024 * 32);
+    EXPECT_LE(LargestUse(path, ITCRetrieveEpoch), 2 * int64_t{table} + kRecords);
 }
 
 }  // namespace

@@ -22,7 +22,7 @@ std::array<uint16_t*, Entries> Arrays(uint16_t* const* perEntry) {
 template <size_t Entries>
 inline void Interleave(uint16_t* __restrict stream, uint16_t* const* perEntry, int32_t points) {
     const auto arrays = Arrays<Entries>(perEntry);
-    for (ptrdiff_t p = 0; p < points; ++p) {
+    for (size_t p = 0; p < static_cast<size_t>(points); ++p) {
         for (size_t c = 0; c < Entries; ++c) stream[Entries * p + c] = arrays[c][p];
     }
 }
@@ -30,10 +30,11 @@ inline void Interleave(uint16_t* __restrict stream, uint16_t* const* perEntry, i
 template <size_t Entries>
 inline void Split(const uint16_t* __restrict stream, uint16_t* const* perEntry, int32_t points) {
     const auto arrays = Arrays<Entries>(perEntry);
-    for (ptrdiff_t p = 0; p < points; ++p) {
+    for (size_t p = 0; p < static_cast<size_t>(points); ++p) {
         for (size_t c = 0; c < Entries; ++c) arrays[c][p] = stream[Entries * p + c];
     }
 }
+
 CORVANTIS_CLONES void Interleave2(uint16_t* stream, uint16_t* const* perEntry, int32_t points) {
     Interleave<2>(stream, perEntry, points);
 }

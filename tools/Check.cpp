@@ -125,7 +125,7 @@ int RunCheck(const CheckOptions& options, const Terminal& terminal) {
             list.push_back(outcome.json);
             code = std::max(code, outcome.code);
         } catch (const Failure& failure) {
-            terminal.Say("corvantis: {}\n", failure.what());
+            terminal.Say("corvantis: {}\n", DisplayText(failure.what()));
             list.push_back({{"file", DisplayText(path)}, {"error", DisplayText(failure.what())}});
             code = kUnusable;
         }

@@ -12,6 +12,7 @@
 #include "Failure.h"
 #include "Info.h"
 #include "Repair.h"
+#include "Text.h"
 
 namespace corvantis {
 namespace {
@@ -31,8 +32,8 @@ Examples:
   $ corvantis export cell5.dat -e 3 --stimulus --units -o sweep.csv
 
 Exit status:
-  0 if all is well, 1 if there are findings (damage, something dropped or not to be rebuilt),
-  2 if a file cannot be used or the command line is wrong.)";
+  0 if all is well, 1 if check has findings (damage, a stimulus not to be rebuilt) or repair
+  dropped something, 2 if a file cannot be used or the command line is wrong.)";
 
 constexpr char kInfoExamples[] = R"(Examples:
   $ corvantis info cell5.dat             the file header and a line per epoch
@@ -162,7 +163,7 @@ int EndOfParsing(const CLI::App& app, const CLI::ParseError& end, const Terminal
     const int code = app.exit(end, results, messages);
     terminal.Print("{}", results.str());
     if (code == 0) return kFine;
-    terminal.Say("corvantis: {} (see --help)\n", end.what());
+    terminal.Say("corvantis: {} (see --help)\n", DisplayText(end.what()));
     return kUnusable;
 }
 
@@ -189,7 +190,7 @@ int RunCommandLine(int argc, char** argv, Terminal& terminal) {
     try {
         return Run(app, options, terminal);
     } catch (const Failure& failure) {
-        terminal.Say("corvantis: {}\n", failure.what());
+        terminal.Say("corvantis: {}\n", DisplayText(failure.what()));
         return kUnusable;
     }
 }

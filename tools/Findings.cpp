@@ -9,8 +9,8 @@ namespace corvantis {
 
 void PrintFindings(const Terminal& terminal, const std::string& path, const Findings& findings) {
     for (const Finding& finding : findings) {
-        terminal.Print("{}: byte {}, {}: {}found {}, expected {}\n", path, finding.offset,
-                       finding.where, finding.isNote ? "note: " : "", finding.found,
+        terminal.Print("{}: byte {}, {}: {}found {}, expected {}\n", DisplayText(path),
+                       finding.offset, finding.where, finding.isNote ? "note: " : "", finding.found,
                        finding.expected);
     }
 }

@@ -204,7 +204,7 @@ int RunInfo(const InfoOptions& options, const Terminal& terminal) {
     if (HasFault(CompareWithSurvey(file, survey)) && !terminal.quiet) {
         terminal.Say(
             "corvantis: {}: damaged; shown is what lies in the file, see corvantis check\n",
-            options.file);
+            DisplayText(options.file));
     }
     return kFine;
 }

@@ -5,7 +5,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <utility>
+#include <memory>
 
 #include "Failure.h"
 
@@ -19,9 +19,33 @@ bool Exists(const std::string& path) {
     return lstat(path.c_str(), &status) == 0;
 }
 
-bool IsDirectory(const std::string& path) {
+bool IsLink(const std::string& path) {
     struct stat status = {};
-    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    return lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
+// What a link leads to is replaced, and not the link.
+std::string TargetOf(const std::string& path) {
+    if (!IsLink(path)) return path;
+    const std::unique_ptr<char, decltype(&std::free)> target(realpath(path.c_str(), nullptr),
+                                                             &std::free);
+    if (target == nullptr) throw SystemFailure(path);
+    return target.get();
+}
+
+// A short name in the same folder, since the file's own may be as long as names can be.
+std::string TemporaryName(const std::string& path) {
+    const size_t slash = path.rfind('/');
+    const std::string folder = slash == std::string::npos ? "" : path.substr(0, slash + 1);
+    return folder + ".corvantis-XXXXXX";
+}
+
+// Devices and pipes would be replaced by a file, for every program that uses them.
+void RefuseUnlessFile(const std::string& path) {
+    struct stat status = {};
+    if (stat(path.c_str(), &status) != 0) return;
+    if (S_ISDIR(status.st_mode)) throw Failure(path, "is a directory");
+    if (!S_ISREG(status.st_mode)) throw Failure(path, "is not a regular file");
 }
 
 // mkstemp makes files for their owner alone.
@@ -33,9 +57,9 @@ void GiveUsualRights(int descriptor) {
 
 }  // namespace
 
-NewFile::NewFile(std::string path, bool replace)
-    : path_(std::move(path)), temporary_(path_ + ".XXXXXX"), replace_(replace) {
-    if (IsDirectory(path_)) throw Failure(path_, "is a directory");
+NewFile::NewFile(const std::string& path, bool replace)
+    : path_(TargetOf(path)), temporary_(TemporaryName(path_)), replace_(replace) {
+    RefuseUnlessFile(path_);
     if (!replace_ && Exists(path_)) throw Failure(path_, kExists);
     const int descriptor = mkstemp(temporary_.data());
     if (descriptor < 0) throw SystemFailure(path_);

@@ -10,8 +10,8 @@ namespace corvantis {
 class NewFile {
   public:
     // Opens a file of a temporary name beside the path. Throws a Failure, also if the path exists
-    // and may not be replaced.
-    NewFile(std::string path, bool replace);
+    // and may not be replaced, or is no regular file.
+    NewFile(const std::string& path, bool replace);
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
     // Removes what was not committed.

@@ -29,6 +29,8 @@
 //  - Bytes that a power failure has kept from the disk read as zeros; headers of zeros are no
 //    epochs, but among samples they are not recognised.
 //  - An epoch whose damaged length ends where a later epoch begins swallows those between.
+//  - An epoch whose epochPoints was damaged to a smaller number passes for complete; its remaining
+//    samples are dropped.
 //  - An epoch of no sequence entry, which holds no sample, counts as damaged.
 //  - Step 3 finds no epoch whose padding another program has filled, and none of interval below 4.
 //  - The stimulus of an epoch that was cut short is not computable: its lengths no longer add up.
@@ -189,15 +191,16 @@ Account WriteRepaired(const DataFile& file, const Survey& survey, const RepairOp
 
 void PrintAccount(const DataFile& file, const Account& account, const RepairOptions& options,
                   const Terminal& terminal) {
-    terminal.Print("{}: kept {} complete epochs of {}", options.output, account.kept, file.Path());
+    terminal.Print("{}: kept {} complete epochs of {}", DisplayText(options.output), account.kept,
+                   DisplayText(file.Path()));
     if (account.uncounted > 0) {
         terminal.Print(", {} of them not counted by its header", account.uncounted);
     }
     terminal.Print("\n");
     if (account.cut) {
-        terminal.Print("{}: kept epoch {} cut to {} of {} points: {}\n", options.output,
-                       account.kept, account.cut->wholePoints, account.cut->place.points,
-                       Why(account.cut->mismatch));
+        terminal.Print("{}: kept epoch {} cut to {} of {} points: {}\n",
+                       DisplayText(options.output), account.kept, account.cut->wholePoints,
+                       account.cut->place.points, Why(account.cut->mismatch));
     }
     for (const Dropped& dropped : account.dropped) {
         terminal.Print("{}: dropped bytes {} to {}: {}\n", options.output, dropped.begin,

@@ -12,6 +12,8 @@
 namespace corvantis {
 namespace {
 
+constexpr int64_t kTablePiece = 64;
+
 class Walk {
   public:
     Walk(const DataFile& file, const Terminal& terminal)
@@ -103,13 +105,21 @@ class Walk {
 
 }  // namespace
 
+// In pieces, up to the first value that no table has there: asked for at every epoch, it may not
+// read what lies behind.
 bool IsTable(const DataFile& file, int64_t position, int64_t entries) {
     if (entries == 0) return position == file.Size();
-    const std::vector<uint32_t> first = file.Positions(position, 1);
-    if (first.empty() || first.front() != kFirstEpoch) return false;
-    const std::vector<uint32_t> values = file.Positions(position, entries);
-    return static_cast<int64_t>(values.size()) == entries &&
-           std::is_sorted(values.begin(), values.end());
+    auto last = static_cast<uint32_t>(kFirstEpoch);
+    for (int64_t done = 0; done < entries;) {
+        const std::vector<uint32_t> piece =
+            file.Positions(position + kPositionSize * done, std::min(entries - done, kTablePiece));
+        if (piece.empty() || piece.front() < last) return false;
+        if (done == 0 && piece.front() != last) return false;
+        if (!std::is_sorted(piece.begin(), piece.end())) return false;
+        last = piece.back();
+        done += static_cast<int64_t>(piece.size());
+    }
+    return true;
 }
 
 std::vector<uint32_t> RecordedPositions(const std::vector<EpochPlace>& epochs) {

@@ -5,6 +5,7 @@
 #include "CommandLine.h"
 #include "ExternalCommand.h"
 #include "Failure.h"
+#include "Text.h"
 
 namespace corvantis {
 namespace {
@@ -26,7 +27,7 @@ int main(int argc, char** argv) {
     try {
         return corvantis::RunProgram(argc, argv);
     } catch (const std::exception& failure) {
-        fmt::print(stderr, "corvantis: {}\n", failure.what());
+        fmt::print(stderr, "corvantis: {}\n", corvantis::DisplayText(failure.what()));
         return corvantis::kUnusable;
     }
 }

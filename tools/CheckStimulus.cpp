@@ -13,8 +13,10 @@ constexpr char kExpected[] = "the waveform that was played";
 
 // What went wrong, or nothing.
 std::string Compare(const std::vector<int16_t>& first, const std::vector<int16_t>& second,
-                    const std::vector<int16_t>& fresh, int32_t points) {
-    if (first.size() != static_cast<size_t>(points)) return "its lengths do not fit the epoch";
+                    const std::vector<int16_t>& fresh, int32_t points, bool fits) {
+    if (first.size() != static_cast<size_t>(points) || !fits) {
+        return "its lengths do not fit the epoch";
+    }
     if (second != first) return "another waveform the second time";
     if (fresh != first) return "another waveform in a fresh process";
     return {};
@@ -27,10 +29,16 @@ std::string Explain(std::string result, const std::string& reason) {
 
 class StimulusCheck {
   public:
-    explicit StimulusCheck(const DataFile& file) : file_(file) {}
+    StimulusCheck(const DataFile& file, const std::vector<EpochPlace>& epochs)
+        : file_(file), history_(file, epochs) {}
 
     void CheckEpoch(size_t number, const EpochPlace& place) {
         const EpochContent content = ReadEpochAt(file_, place.start).content;
+        const std::string doubt = history_.Before(number).doubt;
+        if (!doubt.empty()) {
+            findings_.push_back(
+                {place.start, fmt::format("epoch {}, stimulus", number), doubt, kExpected});
+        }
         const auto twice = RebuildStimulus(file_, place, content, 2);
         const auto fresh = RebuildStimulus(file_, place, content);
         for (size_t entry = 0; entry < content.stimuli.size(); ++entry) {
@@ -38,7 +46,8 @@ class StimulusCheck {
             const std::string reason = WhyNotRebuilt(file_.Header(), stimulus);
             const std::string result =
                 HasWaveform(stimulus) ? Compare(twice[0].entries[entry], twice[1].entries[entry],
-                                                fresh[0].entries[entry], place.points)
+                                                fresh[0].entries[entry], place.points,
+                                                FillsEpoch(stimulus, place.points))
                                       : "no waveform";
             const std::string found = Explain(result, reason);
             if (found.empty()) continue;
@@ -53,6 +62,7 @@ class StimulusCheck {
 
   private:
     const DataFile& file_;
+    NoiseHistory history_;
     Findings findings_;
 };
 
@@ -61,7 +71,7 @@ class StimulusCheck {
 Findings CheckStimuli(const DataFile& file, const std::vector<EpochPlace>& epochs,
                       const Terminal& terminal) {
     Progress progress(terminal, "recomputing stimuli", static_cast<int64_t>(epochs.size()));
-    StimulusCheck check(file);
+    StimulusCheck check(file, epochs);
     for (size_t number = 0; number < epochs.size(); ++number) {
         progress.Reach(static_cast<int64_t>(number));
         check.CheckEpoch(number, epochs[number]);

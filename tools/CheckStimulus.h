@@ -10,7 +10,8 @@
 
 namespace corvantis {
 
-// Computes each epoch's stimulus twice in one process and once in a fresh one.
+// Computes each epoch's stimulus twice in one process and once in a fresh one, and tells which
+// begin with what an earlier epoch left behind.
 Findings CheckStimuli(const DataFile& file, const std::vector<EpochPlace>& epochs,
                       const Terminal& terminal);
 

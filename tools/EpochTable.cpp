@@ -104,13 +104,13 @@ class TableBuilder {
           content_(ReadEpochAt(file, place.start).content),
           values_(values) {}
 
-    EpochTable Build(bool withStimulus) {
+    EpochTable Build(const NoiseStart* start) {
         table_.points = place_.points;
         Add<TimeColumn>(content_.header.samplingInterval);
         for (size_t entry = 0; entry < Entries(); ++entry) {
             Add<SampleColumn>(file_, place_, entry, ResponseConversion(entry));
         }
-        if (withStimulus) AddStimuli();
+        if (start != nullptr) AddStimuli(*start);
         return std::move(table_);
     }
 
@@ -136,8 +136,9 @@ class TableBuilder {
         return StimulusInUnits(file_.Header(), content_.header, entry);
     }
 
-    void AddStimuli() {
-        RebuiltStimulus rebuilt = RebuildStimulus(file_, place_, content_).front();
+    void AddStimuli(const NoiseStart& start) {
+        if (!start.doubt.empty()) table_.remarks.push_back("doubtful stimulus: " + start.doubt);
+        RebuiltStimulus rebuilt = RebuildStimulus(file_, place_, content_, 1, start).front();
         for (size_t entry = 0; entry < Entries(); ++entry) {
             const int32_t type = content_.stimuli[entry].type;
             if (type == ITC_STIMULUS_DYNAMIC_CLAMP) {
@@ -161,7 +162,8 @@ class TableBuilder {
     void Remark(size_t entry, bool isEmpty) {
         const Stimulus& stimulus = content_.stimuli[entry];
         std::string why = WhyNotRebuilt(file_.Header(), stimulus);
-        if (why.empty() && isEmpty && place_.points > 0) why = "its lengths do not fit the epoch";
+        const bool fits = !isEmpty && FillsEpoch(stimulus, place_.points);
+        if (why.empty() && !fits && place_.points > 0) why = "its lengths do not fit the epoch";
         if (why.empty()) return;
         table_.remarks.push_back(fmt::format("entry {}: {} {} stimulus: {}", entry,
                                              isEmpty ? "no" : "doubtful", TypeName(stimulus.type),
@@ -178,8 +180,8 @@ class TableBuilder {
 }  // namespace
 
 EpochTable MakeEpochTable(const DataFile& file, const EpochPlace& place, Values values,
-                          bool withStimulus) {
-    return TableBuilder(file, place, values).Build(withStimulus);
+                          const NoiseStart* start) {
+    return TableBuilder(file, place, values).Build(start);
 }
 
 }  // namespace corvantis

@@ -10,6 +10,7 @@
 
 #include "Container.h"
 #include "DataFile.h"
+#include "Rebuild.h"
 
 namespace corvantis {
 
@@ -26,12 +27,13 @@ class Column {
 struct EpochTable {
     std::vector<std::unique_ptr<Column>> columns;
     int64_t points = 0;
-    // Why a stimulus column is empty, a line for each.
+    // Why a stimulus column is empty or doubtful, a line for each.
     std::vector<std::string> remarks;
 };
 
-// The table reads from the file, which must outlive it.
+// The table reads from the file, which must outlive it. With a start of its noise it has the
+// stimulus too.
 EpochTable MakeEpochTable(const DataFile& file, const EpochPlace& place, Values values,
-                          bool withStimulus);
+                          const NoiseStart* start);
 
 }  // namespace corvantis

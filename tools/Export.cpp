@@ -58,6 +58,7 @@ class Exporter {
     Exporter(const DataFile& file, const ExportOptions& options, const Terminal& terminal)
         : file_(file), options_(options), terminal_(terminal) {
         survey_ = SurveyFile(file, terminal);
+        if (options.stimulus) history_.emplace(file, survey_.epochs);
     }
 
     int Export() {
@@ -90,8 +91,9 @@ class Exporter {
         const Values values = options_.raw     ? Values::kCounts
                               : options_.units ? Values::kUnits
                                                : Values::kVolts;
+        const NoiseStart start = history_ ? history_->Before(number) : NoiseStart();
         const EpochTable table =
-            MakeEpochTable(file_, survey_.epochs[number], values, options_.stimulus);
+            MakeEpochTable(file_, survey_.epochs[number], values, history_ ? &start : nullptr);
         for (const std::string& remark : table.remarks) {
             terminal_.Say("corvantis: {}: epoch {}, {}\n", file_.Path(), number, remark);
             code_ = kFindings;
@@ -126,6 +128,7 @@ class Exporter {
     const ExportOptions& options_;
     const Terminal& terminal_;
     Survey survey_;
+    std::optional<NoiseHistory> history_;
     int code_ = kFine;
 };
 

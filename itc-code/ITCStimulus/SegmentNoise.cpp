@@ -31,7 +31,7 @@ void LayLevels(uint16_t* buffer, int64_t x, std::span<const float> levels, int32
 
 // Segments of negative length in a negative run have no point, but their levels are drawn, and
 // later waveforms go on behind them. A damaged record could ask for 2^31 such draws.
-constexpr int64_t kMostEmptySegments = 1 << 20;
+constexpr int64_t kMostEmptySegments = 1 << 16;
 
 template <class Record>
 int64_t CountSegments(const Record& record) {

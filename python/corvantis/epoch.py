@@ -95,6 +95,8 @@ class Epoch:
     def stimulus(self) -> Samples:
         """Recomputed stimulus, shape (points, entries) [units.stimulus].
 
+        Noise is as played if the stimuli of the file's epochs were computed once each, in order.
+
         Raises:
             CorvantisError: with code 2 where the file does not hold what the stimulus needs.
         """

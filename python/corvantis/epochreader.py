@@ -96,9 +96,13 @@ class EpochReader:
     def played(self, epoch: int, header: EpochHeader) -> Counts:
         """The recomputed stimulus, shape (points, entries), as if computed in the file's order.
 
-        Noise can begin with a number left over from the noise before it, in another epoch.
+        Noise can begin with a number left over from the noise before it, in another epoch. So the
+        noise of earlier epochs is computed first, once each and in their order: what is returned
+        is what was played if the recording program did the same. Where one of them cannot be
+        computed, a CorvantisWarning names it.
         """
         with guarded() as lib:
+            self._check_sums(epoch, header)
             if not self.noise_types(epoch, header):
                 return self._samples(epoch, header, "ITCReadEpochStm")
             earlier = [each for each in self._history if each < epoch]
@@ -107,6 +111,14 @@ class EpochReader:
             samples = self._samples(epoch, header, "ITCReadEpochStm")
             Deviates.file, Deviates.epochs = self.file, len(earlier) + (epoch in self._history)
             return samples
+
+    def _check_sums(self, epoch: int, header: EpochHeader) -> None:
+        """Refuse sums with a wave that is not stored: the library would compute them without it."""
+        if Summed.type not in header.stimType[:header.sequenceLength]:
+            return
+        reason = self._reason(epoch, header, STIMULUS_ERROR)
+        if reason:
+            raise self.failure(STIMULUS_ERROR, epoch, reason)
 
     def _replay(self, lib: Library, earlier: list[int]) -> None:
         """Bring the library to where it was after computing these epochs one after the other."""
@@ -118,7 +130,7 @@ class EpochReader:
             try:
                 self._samples(each, self.epoch_header(each), "ITCReadEpochStm")
             except CorvantisError:
-                continue    # nor was it computed when it was recorded
+                self._warn(f"epoch {each} cannot be recomputed: noise behind it may begin wrongly")
 
     def noise_types(self, epoch: int, header: EpochHeader) -> set[int]:
         """Types of Gaussian noise among an epoch's stimuli and their components."""

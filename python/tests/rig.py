@@ -176,6 +176,16 @@ def unstored(rig):
     rig.epoch([pulse(-321)])
 
 
+def lost(rig):
+    """Noise behind noise that is computed with a wave that is not stored, or not at all."""
+    segmented = stimuli.SegmentedNoise(300, 0, 9, 150, 20, 30, segmentPoints=10)
+    rig.epoch([segmented])
+    rig.epoch([stimuli.Summed((stimuli.FileWave(), segmented))])
+    rig.epoch([segmented])
+    rig.epoch([stimuli.Generic(1, 2, 150, 20, 30), segmented], "01", computed=False)
+    rig.epoch([segmented])
+
+
 def odd(rig):
     """Epochs without points, without usable factors, and of another text encoding."""
     rig.epoch([pulse(0, 0)], points=0)

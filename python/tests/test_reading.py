@@ -119,6 +119,18 @@ def test_recomputed_as_played_in_whatever_order(order, recorded, logged):
                                           logged("types")[number][1])
 
 
+@pytest.mark.filterwarnings("error")
+def test_noise_behind_noise_that_cannot_be_had(recorded, logged):
+    with corvantis.open(recorded("lost")) as recording:
+        for number in (0, 2):
+            np.testing.assert_array_equal(recording.epochs[number].raw_stimulus,
+                                          logged("lost")[number][1])
+        with pytest.raises(corvantis.CorvantisError, match="entry 0 is a sum"):
+            recording.epochs[1].raw_stimulus
+        with pytest.warns(corvantis.CorvantisWarning, match="epoch 3 cannot be recomputed"):
+            recording.epochs[4].raw_stimulus
+
+
 def test_older_files_use_the_older_noise(recorded, tmp_path):
     old = tmp_path / "old.dat"
     block = bytearray(recorded("types").read_bytes())

@@ -156,7 +156,7 @@ TEST_F(CommandTest, SaysWhichStimuliCannotBeRebuiltAndWhy) {
         if (where.starts_with("epoch"))
             found.push_back(where + ": " + std::string(finding["found"]));
     }
-    ASSERT_EQ(found.size(), 5U) << run.results;
+    ASSERT_EQ(found.size(), 6U) << run.results;
     EXPECT_EQ(found[0],
               "epoch 0, entry 0, file wave stimulus: no waveform: the wave was the application's "
               "and is not stored");
@@ -165,7 +165,8 @@ TEST_F(CommandTest, SaysWhichStimuliCannotBeRebuiltAndWhy) {
     EXPECT_TRUE(found[2].starts_with("epoch 1, entry 0, dynamic clamp stimulus: what was played"));
     EXPECT_TRUE(found[3].starts_with(
         "epoch 3, entry 0, segmented stimulus: another waveform the second time: an odd number"));
-    EXPECT_TRUE(found[4].starts_with(
+    EXPECT_TRUE(found[4].starts_with("epoch 4, stimulus: its noise begins with a deviate"));
+    EXPECT_TRUE(found[5].starts_with(
         "epoch 4, entry 0, segmented stimulus: another waveform the second time: its seed"));
 }
 

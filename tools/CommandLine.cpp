@@ -68,6 +68,13 @@ class HelpFormatter : public CLI::Formatter {
         }
         return text.str() + "\n";
     }
+    // A heading of its own would run into the first sub-command's on the manual page.
+    std::string make_subcommands(const CLI::App* app, CLI::AppFormatMode mode) const override {
+        if (mode != CLI::AppFormatMode::All) return CLI::Formatter::make_subcommands(app, mode);
+        std::string text = "\n";
+        for (const CLI::App* command : app->get_subcommands({})) text += make_expanded(command);
+        return text;
+    }
 };
 
 struct Options {

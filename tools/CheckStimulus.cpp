@@ -4,6 +4,7 @@
 #include <fmt/core.h>
 
 #include "Rebuild.h"
+#include "RecordLengths.h"
 #include "StimulusTypes.h"
 
 namespace corvantis {

@@ -8,6 +8,7 @@
 
 #include "Failure.h"
 #include "Rebuild.h"
+#include "RecordLengths.h"
 #include "StimulusTypes.h"
 #include "Units.h"
 

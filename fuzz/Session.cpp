@@ -2,7 +2,6 @@
 #include "Session.h"
 
 #include <sys/mman.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -38,10 +37,5 @@ MemoryFile::MemoryFile(const uint8_t* data, size_t size)
       path_("/proc/self/fd/" + std::to_string(descriptor_)) {}
 
 MemoryFile::~MemoryFile() { close(descriptor_); }
-
-size_t MemoryFile::Size() const {
-    struct stat status = {};
-    return fstat(descriptor_, &status) == 0 ? static_cast<size_t>(status.st_size) : 0;
-}
 
 }  // namespace corvantis_fuzz

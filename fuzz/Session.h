@@ -26,7 +26,6 @@ class MemoryFile {
     MemoryFile& operator=(const MemoryFile&) = delete;
     ~MemoryFile();
     const std::string& Path() const { return path_; }
-    size_t Size() const;
 
   private:
     int descriptor_;

@@ -35,7 +35,7 @@ class StimulusCheck {
 
     void CheckEpoch(size_t number, const EpochPlace& place) {
         const EpochContent content = ReadEpochAt(file_, place.start).content;
-        const std::string doubt = history_.Before(number).doubt;
+        const std::string doubt = history_.Doubt(number);
         if (!doubt.empty()) {
             findings_.push_back(
                 {place.start, fmt::format("epoch {}, stimulus", number), doubt, kExpected});

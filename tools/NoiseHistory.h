@@ -32,7 +32,7 @@ struct Draws {
 struct NoiseStart {
     bool isSpareHeld = false;  // before these draws
     std::vector<Draws> draws;
-    std::string doubt;  // on what the noise depends beyond its record; empty if on nothing
+    std::string doubt;
 };
 
 // The noise of a file's epochs, computed once each and in their order.
@@ -41,6 +41,8 @@ class NoiseHistory {
     NoiseHistory(const DataFile& file, std::span<const EpochPlace> epochs);
     // No more draws than it takes to know where the epoch's noise begins.
     NoiseStart Before(size_t number) const;
+    // On what the epoch's noise depends beyond its record; empty if on nothing.
+    std::string Doubt(size_t number) const;
 
   private:
     struct Epoch {
@@ -48,8 +50,6 @@ class NoiseHistory {
         bool isSpareHeld = false;         // before it
         std::optional<size_t> uncertain;  // an epoch whose share in that spare is not known
     };
-    std::string Doubt(size_t number) const;
-
     std::vector<Epoch> epochs_;
 };
 

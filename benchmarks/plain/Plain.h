@@ -15,8 +15,6 @@ float UniformDeviate(int32_t* word);
 float NormalDeviate(int32_t* word);
 float OldNormalDeviate();
 void DropSpareDeviates();
-// One step of the first generator inside UniformDeviate, whose latency nothing can go below.
-int32_t FirstGeneratorStep(int32_t state);
 
 // In place; element 0 is not touched, `points` is a power of two.
 void Fourier(int32_t isign, uint32_t points, float* data);

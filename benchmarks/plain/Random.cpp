@@ -19,6 +19,8 @@ int32_t Step(int32_t state, int32_t a, int32_t q, int32_t r, int64_t modulus) {
     return next < 0 ? Wrap(next + modulus) : next;
 }
 
+int32_t FirstGeneratorStep(int32_t state) { return Step(state, 40014, 53668, 12211, 2147583563); }
+
 void Restart(int32_t& word) {
     word = Wrap(-int64_t{word});
     if (word <= 0) word = 1;
@@ -58,13 +60,11 @@ float Polar(Spare& kept, Draw draw) {
 
 }  // namespace
 
-int32_t FirstGeneratorStep(int32_t state) { return Step(state, 40014, 53668, 12211, 2147583563); }
-
 float UniformDeviate(int32_t* word) {
     if (*word <= 0) Restart(*word);
     *word = FirstGeneratorStep(*word);
     secondState = Step(secondState, 40692, 52774, 3791, 2147583399);
-    const uint32_t place = static_cast<uint32_t>(lastOutput) / 2097250u & 2047u;
+    const uint32_t place = static_cast<uint32_t>(lastOutput) / 2097250u;
     lastOutput = Wrap(int64_t{table[place]} - secondState);
     table[place] = *word;
     if (lastOutput < 1) lastOutput = Wrap(lastOutput + int64_t{2147583562});

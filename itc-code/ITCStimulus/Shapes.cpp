@@ -20,7 +20,7 @@ int64_t PeriodOf(int32_t interval) {
     return interval == 0 ? INT32_MAX : std::abs(int64_t{interval});
 }
 
-// One period and its repetitions; shape(i) gives the samples of the first.
+// One period and its repetitions; shape(next, count) writes the first, or as much as there is.
 template <class Record, class Shape>
 void WritePeriodicRuns(uint16_t* buffer, const Record& record, int32_t holdingLevel, int64_t period,
                        Shape shape) {

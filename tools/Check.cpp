@@ -97,8 +97,8 @@ Outcome CheckFile(const std::string& path, const CheckOptions& options, const Te
     if (!options.json) {
         PrintFindings(terminal, path, findings);
         if (!HasFault(findings) && !terminal.quiet) {
-            terminal.Print("{}: clean, {} epochs in {} bytes\n", path, survey.epochs.size(),
-                           file.Size());
+            terminal.Print("{}: clean, {} epochs in {} bytes\n", DisplayText(path),
+                           survey.epochs.size(), file.Size());
         }
     }
     return {ToJson(path, findings), HasFault(findings) ? kFindings : kFine};

@@ -19,38 +19,42 @@ namespace {
 
 constexpr std::array<std::string_view, 4> kCommands = {"info", "check", "repair", "export"};
 
-constexpr char kDescription[] =
-    "Looks at, checks, repairs and exports data files of Corvantis.\n"
-    "Epochs are counted from 0. Results go to standard output, messages to standard error.";
+constexpr char kDescription[] = R"(Looks at, checks, repairs and exports data files of Corvantis.
+Epochs are counted from 0. Results go to standard output, messages to standard error.
 
-constexpr char kFooter[] = R"(Any other sub-command X runs the program corvantis-X from the path.
+The exit status is 0 if all is well, 1 if check has findings (damage, a stimulus not to be rebuilt)
+or repair dropped something, 2 if a file cannot be used or the command line is wrong.
 
-Examples:
-  $ corvantis info cell5.dat
+Any other sub-command X runs the program corvantis-X from the path.)";
+
+constexpr char kExamplesHeading[] = "Examples:\n";
+
+constexpr char kExamples[] = R"(  $ corvantis info cell5.dat
   $ corvantis check *.dat
   $ corvantis repair cell5.dat -o cell5-repaired.dat
-  $ corvantis export cell5.dat -e 3 --stimulus --units -o sweep.csv
+  $ corvantis export cell5.dat -e 3 --stimulus --units -o a.csv)";
 
-Exit status:
-  0 if all is well, 1 if check has findings (damage, a stimulus not to be rebuilt) or repair
-  dropped something, 2 if a file cannot be used or the command line is wrong.)";
+constexpr char kInfoExamples[] = R"(  The file header and a line per epoch:
+    $ corvantis info cell5.dat
+  These epochs in full, with the formulas of their units:
+    $ corvantis info cell5.dat -e 0,3-7)";
 
-constexpr char kInfoExamples[] = R"(Examples:
-  $ corvantis info cell5.dat             the file header and a line per epoch
-  $ corvantis info cell5.dat -e 0,3-7    these epochs in full, with the formulas of their units)";
+constexpr char kCheckExamples[] = R"(  What is wrong: where, found, expected:
+    $ corvantis check *.dat
+  Also which stimuli cannot be rebuilt, and why:
+    $ corvantis check --stimulus --json a.dat)";
 
-constexpr char kCheckExamples[] = R"(Examples:
-  $ corvantis check *.dat                      what is wrong: where, found, expected
-  $ corvantis check --stimulus --json a.dat    also which stimuli cannot be rebuilt, and why)";
+constexpr char kRepairExamples[] = R"(  All complete epochs:
+    $ corvantis repair cell5.dat -o whole.dat
+  And what there is of the last one:
+    $ corvantis repair cell5.dat -o whole.dat --keep-partial)";
 
-constexpr char kRepairExamples[] = R"(Examples:
-  $ corvantis repair cell5.dat -o whole.dat                   all complete epochs
-  $ corvantis repair cell5.dat -o whole.dat --keep-partial    and what there is of the last one)";
-
-constexpr char kExportExamples[] = R"(Examples:
-  $ corvantis export cell5.dat -e 3                               volts, as CSV on standard output
-  $ corvantis export cell5.dat -e 3 --stimulus --units -o a.csv   mV, pA, with the stimulus
-  $ corvantis export cell5.dat --all --format npy -o a.npy        a-0.npy, a-1.npy and so on)";
+constexpr char kExportExamples[] = R"(  Volts, as CSV on standard output:
+    $ corvantis export cell5.dat -e 3
+  mV and pA, with the stimulus:
+    $ corvantis export cell5.dat -e 3 --stimulus --units -o a.csv
+  All epochs, as a-0.npy, a-1.npy and so on:
+    $ corvantis export cell5.dat --all --format npy -o a.npy)";
 
 // Plain enough for people, and in the form that help2man takes for a manual page.
 class HelpFormatter : public CLI::Formatter {
@@ -61,12 +65,14 @@ class HelpFormatter : public CLI::Formatter {
     }
     std::string make_expanded(const CLI::App* command) const override {
         std::ostringstream text;
-        text << "corvantis " << command->get_name() << ":\n  " << command->get_description()
-             << "\n\n";
+        text << "corvantis " << command->get_name() << " [OPTIONS] FILE:\n  "
+             << command->get_description() << "\n\n";
         for (const CLI::Option* option : command->get_options()) {
             text << make_option(option, option->get_positional());
         }
-        return text.str() + "\n";
+        // Under their heading, the manual page would move them behind all sub-commands.
+        text << "\n" << command->get_footer().substr(sizeof(kExamplesHeading) - 1) << "\n\n";
+        return text.str();
     }
     // A heading of its own would run into the first sub-command's on the manual page.
     std::string make_subcommands(const CLI::App* app, CLI::AppFormatMode mode) const override {
@@ -89,7 +95,7 @@ CLI::App* AddCommand(CLI::App& app, Options& options, const char* name, const ch
                      const char* examples) {
     CLI::App* command = app.add_subcommand(name, description);
     command->set_help_all_flag();
-    command->footer(examples);
+    command->footer(std::string(kExamplesHeading) + examples);
     command->add_flag("-q,--quiet", options.quiet, "No progress, and no word if all is well");
     return command;
 }
@@ -182,7 +188,7 @@ int RunCommandLine(int argc, char** argv, Terminal& terminal) {
     app.formatter(std::make_shared<HelpFormatter>());
     app.set_help_all_flag("--help-all", "Help of all sub-commands");
     app.set_version_flag("--version", "corvantis " CORVANTIS_VERSION);
-    app.footer(kFooter);
+    app.footer(std::string(kExamplesHeading) + kExamples);
     app.require_subcommand(1);
     AddInfo(app, options);
     AddCheck(app, options);

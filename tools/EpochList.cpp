@@ -48,12 +48,16 @@ class ListReader {
 
 std::vector<size_t> ParseEpochList(const std::string& text, size_t epochsInFile) {
     std::vector<size_t> numbers;
+    std::vector<bool> isChosen(epochsInFile);
     ListReader reader(text);
     do {
         const size_t first = reader.Number(epochsInFile);
         const size_t last = reader.Take('-') ? reader.Number(epochsInFile) : first;
         if (last < first) throw Malformed(text);
-        for (size_t number = first; number <= last; ++number) numbers.push_back(number);
+        for (size_t number = first; number <= last; ++number) {
+            if (!isChosen[number]) numbers.push_back(number);
+            isChosen[number] = true;
+        }
     } while (reader.Take(','));
     if (!reader.AtEnd()) throw Malformed(text);
     return numbers;

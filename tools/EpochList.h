@@ -7,8 +7,8 @@
 
 namespace corvantis {
 
-// The numbers in the order given. Throws a Failure for a text that is no list, or a number that the
-// file has not.
+// The numbers in the order given, each once. Throws a Failure for a text that is no list, or a
+// number that the file has not.
 std::vector<size_t> ParseEpochList(const std::string& text, size_t epochsInFile);
 
 }  // namespace corvantis

@@ -10,7 +10,8 @@
 namespace corvantis {
 namespace {
 
-constexpr int64_t kBlock = 1 << 20;
+constexpr int64_t kSmallestBlock = 1 << 12;  // the next epoch is mostly near
+constexpr int64_t kLargestBlock = 1 << 20;
 constexpr int32_t kShortestInterval = 4;  // that the interface takes [µs]
 
 bool IsZero(std::span<const uint8_t> header, size_t offset, size_t size) {
@@ -52,11 +53,14 @@ bool IsEpoch(const DataFile& file, int64_t position) {
 
 std::optional<int64_t> FindEpoch(const DataFile& file, int64_t from, const Terminal& terminal) {
     Progress progress(terminal, "searching", file.Size());
-    for (int64_t begin = from; begin < file.Size(); begin += kBlock) {
+    int64_t size = kSmallestBlock;
+    for (int64_t begin = from; begin < file.Size(); begin += size) {
         progress.Reach(begin);
-        const std::vector<uint8_t> block = file.Bytes(begin, kBlock + kEpochHeaderSize);
+        size = std::min(2 * size, kLargestBlock);
+        const std::vector<uint8_t> block = file.Bytes(begin, size + kEpochHeaderSize);
         const std::span<const uint8_t> bytes(block);
-        for (size_t i = 0; i < kBlock && i + kEpochHeaderSize <= bytes.size(); i += 2) {
+        for (size_t i = 0; i < static_cast<size_t>(size) && i + kEpochHeaderSize <= bytes.size();
+             i += 2) {
             if (!CanBeHeader(bytes.subspan(i, kEpochHeaderSize))) continue;
             const int64_t position = begin + static_cast<int64_t>(i);
             if (IsEpoch(file, position)) return position;

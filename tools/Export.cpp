@@ -14,6 +14,7 @@
 #include "NewFile.h"
 #include "Survey.h"
 #include "TableWriter.h"
+#include "Text.h"
 
 namespace corvantis {
 namespace {
@@ -95,7 +96,8 @@ class Exporter {
         const EpochTable table =
             MakeEpochTable(file_, survey_.epochs[number], values, history_ ? &start : nullptr);
         for (const std::string& remark : table.remarks) {
-            terminal_.Say("corvantis: {}: epoch {}, {}\n", file_.Path(), number, remark);
+            terminal_.Say("corvantis: {}: epoch {}, {}\n", DisplayText(file_.Path()), number,
+                          remark);
             code_ = kFindings;
         }
         if (path.empty()) {

@@ -4,6 +4,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <csignal>
 #include <cstdlib>
 #include <memory>
 
@@ -48,6 +50,27 @@ void RefuseUnlessFile(const std::string& path) {
     if (!S_ISREG(status.st_mode)) throw Failure(path, "is not a regular file");
 }
 
+// The name that an interruption removes: of the one new file at a time.
+std::atomic<const char*> unfinished = nullptr;
+static_assert(std::atomic<const char*>::is_always_lock_free);
+
+extern "C" void RemoveUnfinished(int signal) {
+    if (const char* name = unfinished.load()) unlink(name);
+    raise(signal);  // whose action is the default one again
+}
+
+// A signal that is ignored, as nohup has it, stays so.
+void CatchInterruptions() {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction action = {};
+        sigaction(signal, nullptr, &action);
+        if (action.sa_handler == SIG_IGN) continue;
+        action.sa_handler = RemoveUnfinished;
+        action.sa_flags = static_cast<int>(SA_RESETHAND);
+        sigaction(signal, &action, nullptr);
+    }
+}
+
 // mkstemp makes files for their owner alone.
 void GiveUsualRights(int descriptor) {
     const mode_t mask = umask(0);
@@ -63,12 +86,15 @@ NewFile::NewFile(const std::string& path, bool replace)
     if (!replace_ && Exists(path_)) throw Failure(path_, kExists);
     const int descriptor = mkstemp(temporary_.data());
     if (descriptor < 0) throw SystemFailure(path_);
+    unfinished = temporary_.c_str();
+    CatchInterruptions();
     GiveUsualRights(descriptor);
     stream_.reset(fdopen(descriptor, "w+b"));
 }
 
 NewFile::~NewFile() {
     if (!temporary_.empty()) unlink(temporary_.c_str());
+    unfinished = nullptr;
 }
 
 void NewFile::CheckWritten() const {
@@ -86,6 +112,7 @@ void NewFile::Commit() {
         if (errno == EEXIST || Exists(path_)) throw Failure(path_, kExists);
     }
     if (rename(temporary_.c_str(), path_.c_str()) != 0) throw SystemFailure(path_);
+    unfinished = nullptr;
     temporary_.clear();
 }
 

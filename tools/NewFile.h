@@ -9,8 +9,9 @@ namespace corvantis {
 
 class NewFile {
   public:
-    // Opens a file of a temporary name beside the path. Throws a Failure, also if the path exists
-    // and may not be replaced, or is no regular file.
+    // Opens a file of a temporary name beside the path, which SIGINT, SIGTERM and SIGHUP remove;
+    // only one at a time. Throws a Failure, also if the path exists and may not be replaced, or is
+    // no regular file.
     NewFile(const std::string& path, bool replace);
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;

@@ -203,8 +203,8 @@ void PrintAccount(const DataFile& file, const Account& account, const RepairOpti
                        account.cut->place.points, Why(account.cut->mismatch));
     }
     for (const Dropped& dropped : account.dropped) {
-        terminal.Print("{}: dropped bytes {} to {}: {}\n", options.output, dropped.begin,
-                       dropped.end, dropped.reason);
+        terminal.Print("{}: dropped bytes {} to {}: {}\n", DisplayText(options.output),
+                       dropped.begin, dropped.end, dropped.reason);
     }
 }
 

@@ -22,6 +22,7 @@ void FillStandardDescriptors() {
 }  // namespace
 
 FILE* TakeStandardOutput() {
+    if (fcntl(STDOUT_FILENO, F_GETFD) < 0) throw SystemFailure("standard output");
     FillStandardDescriptors();
     const int results = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);

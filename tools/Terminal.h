@@ -21,12 +21,14 @@ struct Terminal {
     }
     template <class... Values>
     void Say(fmt::format_string<Values...> format, const Values&... values) const {
-        fmt::vprint(messages, format, fmt::make_format_args(values...));
+        // No exception, unlike fmt's own: a lost message changes neither results nor exit code.
+        std::fputs(fmt::vformat(format, fmt::make_format_args(values...)).c_str(), messages);
     }
 };
 
 // The library prints lines of its own on standard output. This takes the real one away for the
 // tool's results and leaves the library one that goes nowhere. Call it once, before anything else.
+// Throws a Failure if it is closed, since every result would be lost.
 FILE* TakeStandardOutput();
 
 // A percentage that is rewritten in place, on a terminal only, and gone at the end.

@@ -27,7 +27,8 @@ int main(int argc, char** argv) {
     try {
         return corvantis::RunProgram(argc, argv);
     } catch (const std::exception& failure) {
-        fmt::print(stderr, "corvantis: {}\n", corvantis::DisplayText(failure.what()));
+        corvantis::Terminal{nullptr, stderr}.Say("corvantis: {}\n",
+                                                 corvantis::DisplayText(failure.what()));
         return corvantis::kUnusable;
     }
 }

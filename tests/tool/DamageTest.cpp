@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "SavedSteps.h"
+#include "Survey.h"
 #include "ToolRun.h"
 
 namespace corvantis_test {
@@ -206,6 +207,19 @@ TEST_F(DamageTest, EveryDamagedByteIsSurvived) {
         ASSERT_LT(Check(file).code, 2);
         Repair(file);
         if (HasFailure()) FAIL() << "at " << i;
+    }
+}
+
+// In whichever piece of it the value lies.
+TEST_F(DamageTest, ATablesValuesNeverDecrease) {
+    for (const uint32_t spoiled : {130, 129, 65, 64, 63, 1, 0}) {
+        Bytes file = FileHeaderBytes(8, 130, 580);
+        for (uint32_t i = 0; i < 130; ++i) file = Join({file, Big32(580 + 912 * i)});
+        if (spoiled < 130) Put(file, 580 + 4 * spoiled, Big32(579));
+        WriteFile(path, file);
+        const corvantis::DataFile opened(path);
+        EXPECT_EQ(corvantis::IsTable(opened, 580, 130), spoiled == 130) << spoiled;
+        EXPECT_FALSE(corvantis::IsTable(opened, 580, 131));
     }
 }
 

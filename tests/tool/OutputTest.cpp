@@ -2,8 +2,11 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <csignal>
 #include <filesystem>
 
+#include "EpochList.h"
+#include "NewFile.h"
 #include "PulseEpoch.h"
 #include "ToolRun.h"
 
@@ -65,6 +68,44 @@ TEST_F(OutputTest, NoNameCanSteerTheTerminal) {
     EXPECT_EQ(run.code, 1);
     EXPECT_TRUE(run.results.starts_with(shown + ": ")) << run.results;
     EXPECT_EQ(run.results.find('\x1b'), std::string::npos);
+    WriteFile(name, PulseFileBytes());
+    EXPECT_EQ(RunTool({"check", name}).results, shown + ": clean, 1 epochs in 1536 bytes\n");
+}
+
+// Otherwise the export of the second would meet the file of the first.
+TEST_F(OutputTest, EpochsNamedTwiceAreChosenOnce) {
+    EXPECT_EQ(corvantis::ParseEpochList("3,0-2,1,3-4", 5), (std::vector<size_t>{3, 0, 1, 2, 4}));
+    EXPECT_EQ(RunTool({"export", sound, "-e", "0,0", "-o", folder.File("o.csv")}).code, 0);
+    EXPECT_TRUE(std::filesystem::exists(folder.File("o.csv")));
+}
+
+TEST_F(OutputTest, InterruptionsLeaveNoTemporaryFile) {
+    const auto interrupt = [this](int signal) {
+        const corvantis::NewFile file(folder.File("out.dat"), false);
+        raise(signal);
+    };
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        EXPECT_EXIT(interrupt(signal), testing::KilledBySignal(signal), "");
+    }
+    const auto ignore = [&] {
+        std::signal(SIGHUP, SIG_IGN);
+        interrupt(SIGHUP);
+        _exit(7);
+    };
+    EXPECT_EXIT(ignore(), testing::ExitedWithCode(7), "");
+    std::filesystem::remove(sound);
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path));
+}
+
+// The manual page is made of it.
+TEST_F(OutputTest, TheWholeHelpHasEachSubcommandsUsageAndExamples) {
+    const std::string help = RunTool({"--help-all"}).results;
+    for (const char* command : {"info", "check", "repair", "export"}) {
+        const std::string name = std::string("corvantis ") + command;
+        EXPECT_NE(help.find("\n\n" + name + " [OPTIONS] FILE:\n"), std::string::npos) << help;
+        EXPECT_NE(help.find("\n    $ " + name + " "), std::string::npos) << help;
+    }
+    EXPECT_NE(help.find("\n\nExamples:\n  $ corvantis info"), std::string::npos) << help;
 }
 
 }  // namespace

@@ -7,9 +7,8 @@ namespace corvantis {
 
 inline constexpr uint32_t kSmallestBlockedTransform = 64;
 
-// As the plain form, bit for bit, without the normalisation; `points` is a power of two of at least
-// the smallest. Values stand at 2k and 2k + 1. Nothing is allocated.
+// As the plain form, bit for bit; `points` is a power of two of at least the smallest. Values stand
+// at 2k and 2k + 1. Nothing is allocated.
 void TransformInBlocks(bool forward, uint32_t points, float* values);
-void ScaleValues(float* values, uint64_t count, float factor);
 
 }  // namespace corvantis

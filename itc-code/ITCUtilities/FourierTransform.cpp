@@ -45,13 +45,11 @@ void CombineStage(int32_t isign, size_t mmax, size_t n, float* data) {
 }
 
 void Transform(int32_t isign, uint32_t nn, float* data) {
-    if (nn >= kSmallestBlockedTransform && (isign == 1 || isign == -1)) {
-        TransformInBlocks(isign == 1, nn, data + 1);
-        return;
-    }
     const size_t n = 2 * static_cast<size_t>(nn);
     ReverseBits(n, data);
     for (size_t mmax = 2; mmax < n; mmax *= 2) CombineStage(isign, mmax, n, data);
+    if (isign != -1) return;
+    for (size_t i = 1; i <= n; ++i) data[i] /= static_cast<float>(nn);
 }
 
 }  // namespace
@@ -59,8 +57,9 @@ void Transform(int32_t isign, uint32_t nn, float* data) {
 
 void ITCfft(int32_t isign, uint32_t nn, float* data) {
     if (!std::has_single_bit(nn)) return;
-    corvantis::Transform(isign, nn, data);
-    if (isign != -1) return;
-    // A power of two's reciprocal is exact: multiplying by it divides.
-    corvantis::ScaleValues(data + 1, 2 * uint64_t{nn}, 1.0F / static_cast<float>(nn));
+    if (nn >= corvantis::kSmallestBlockedTransform && (isign == 1 || isign == -1)) {
+        corvantis::TransformInBlocks(isign == 1, nn, data + 1);
+    } else {
+        corvantis::Transform(isign, nn, data);
+    }
 }

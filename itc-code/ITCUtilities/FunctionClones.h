@@ -18,6 +18,9 @@
 #define CORVANTIS_CLONES
 #endif
 
+// For what these functions call: it has their version only as a part of them.
+#define CORVANTIS_INLINE [[gnu::always_inline]] inline
+
 namespace corvantis {
 
 // Whether the versions in use have an instruction for std::fma, which is a call elsewhere.

@@ -18,12 +18,12 @@ struct KeptStage {
 
 }  // namespace
 
-BlockTwiddles::BlockTwiddles(int32_t isign) : real(), imaginary() {
+BlockTwiddles::BlockTwiddles(int32_t isign) : rows() {
     for (size_t half = 1; half < kTransformBlock; half *= 2) {
         Twiddle w(isign, half);
         for (size_t k = half; k < 2 * half; ++k, w.Advance()) {
-            real[k] = w.real;
-            imaginary[k] = w.imaginary;
+            rows[k / kLanes].real[k % kLanes] = w.real;
+            rows[k / kLanes].imaginary[k % kLanes] = w.imaginary;
         }
     }
 }

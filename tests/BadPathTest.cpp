@@ -77,7 +77,8 @@ TEST_F(BadPath, NamesThatNoFileCanHave) {
     std::string deep = folder.path.string();
     while (deep.size() < 4096) deep += "/.";
     ExpectRefused(deep + "/data.itc");
-    ExpectRefused(std::string(100000, '*'));
+    // In a folder that is not there: elsewhere the pattern finds a file, which is then replaced.
+    ExpectRefused(folder.File("absent/" + std::string(100000, '*')));
 }
 
 TEST_F(BadPath, FilesThatMayNotBeReadOrWritten) {

@@ -23,26 +23,23 @@ constexpr size_t kReversed[kLanes] = {0, 4, 2, 6, 1, 5, 3, 7};
 
 // Eight transforms of eight points each, side by side: row p has point p of each.
 struct Tile {
-    Row rows[kLanes];
+    alignas(64) float rows[kLanes][kRowValues];
 };
 
 CORVANTIS_INLINE void Gather(Tile& tile, const float* values, size_t distance) {
     for (size_t p = 0; p < kLanes; ++p) {
-        LoadPoints(tile.rows[p], values + 2 * distance * kReversed[p]);
+        SeparateParts(values + 2 * distance * kReversed[p], tile.rows[p]);
     }
 }
 
 CORVANTIS_INLINE void Scatter(const Tile& tile, float* values, size_t distance) {
-    Singles reals[kLanes];
-    Singles imaginaries[kLanes];
-    for (size_t p = 0; p < kLanes; ++p) {
-        reals[p] = tile.rows[p].real;
-        imaginaries[p] = tile.rows[p].imaginary;
-    }
-    Transpose(reals);
-    Transpose(imaginaries);
-    for (size_t c = 0; c < kLanes; ++c) {
-        StoreRow({reals[c], imaginaries[c]}, values + 2 * distance * kReversed[c]);
+    for (size_t c = 0; c < kLanes; c += kFour) {
+        float* rows[kFour];
+        for (size_t i = 0; i < kFour; ++i) rows[i] = values + 2 * distance * kReversed[c + i];
+        for (size_t p = 0; p < kLanes; p += kFour) {
+            LayAcross(tile.rows[p] + c, rows, p);
+            LayAcross(tile.rows[p] + kLanes + c, rows, kLanes + p);
+        }
     }
 }
 
@@ -50,7 +47,9 @@ CORVANTIS_INLINE void Scatter(const Tile& tile, float* values, size_t distance) 
 // nobody's.
 using FirstFactors = FactorRow[kLanes];
 
-CORVANTIS_INLINE void CombineTile(Row (&rows)[kLanes], const FirstFactors& w) {
+CORVANTIS_INLINE void CombineTile(Tile& tile, const FirstFactors& w) {
+    Row rows[kLanes];
+    for (size_t p = 0; p < kLanes; ++p) LoadRow(rows[p], tile.rows[p]);
     for (size_t p = 0; p < kLanes; p += 2) CombineFirst(rows[p], rows[p + 1]);
     for (size_t p = 0; p < kLanes; p += 4) {
         CombineFirst(rows[p], rows[p + 2]);
@@ -58,6 +57,7 @@ CORVANTIS_INLINE void CombineTile(Row (&rows)[kLanes], const FirstFactors& w) {
     }
     CombineFirst(rows[0], rows[4]);
     for (size_t p = 1; p < 4; ++p) Combine(rows[p], rows[p + 4], w[4 + p]);
+    for (size_t p = 0; p < kLanes; ++p) StoreRow(rows[p], tile.rows[p]);
 }
 
 // A point's number is its row, its tile and its column; reversing the bits reverses the tile's
@@ -73,14 +73,14 @@ CORVANTIS_CLONES void ReverseAndCombineTiles(size_t points, float* values,
     size_t reversed = 0;
     for (size_t number = 0; number < tiles; ++number) {
         if (number <= reversed) {
-            Tile tile;
-            Tile other;
-            Gather(tile, values + kRowValues * number, distance);
-            CombineTile(tile.rows, factors);
-            Gather(other, values + kRowValues * reversed, distance);
-            CombineTile(other.rows, factors);
-            Scatter(other, values + kRowValues * number, distance);
-            Scatter(tile, values + kRowValues * reversed, distance);
+            const size_t places[2] = {kRowValues * number, kRowValues * reversed};
+            const size_t count = number == reversed ? 1 : 2;
+            Tile moved[2];
+            for (size_t i = 0; i < count; ++i) Gather(moved[i], values + places[i], distance);
+            for (size_t i = 0; i < count; ++i) CombineTile(moved[i], factors);
+            for (size_t i = 0; i < count; ++i) {
+                Scatter(moved[i], values + places[count - 1 - i], distance);
+            }
         }
         size_t bit = tiles / 2;
         for (; (reversed & bit) != 0; bit /= 2) reversed ^= bit;
@@ -94,28 +94,28 @@ struct Ending {
     float factor;
 };
 
-CORVANTIS_CLONES void CombineBlock(float* values, size_t points, const BlockTwiddles& w,
+CORVANTIS_CLONES void CombineBlock(const Rows& rows, size_t count, const BlockTwiddles& w,
                                    Ending ending) {
-    const Rows rows = {values, kRowValues};
     const RowPlaces places = {rows, rows, rows};
     if (ending.isLast) {
-        CombineRows(places, points / kLanes, w.rows, AsPoints{ending.factor});
+        CombineRows(places, count, w.rows, AsPoints{ending.factor});
     } else {
-        CombineRows(places, points / kLanes, w.rows, AsRows());
+        CombineRows(places, count, w.rows, AsRows());
     }
 }
 
-// From `count` transforms of `half` points each to one. Rows at distances of powers of two would
-// drive each other from the first cache, so they are kept elsewhere between their stages.
-CORVANTIS_CLONES void CombineColumns(bool forward, size_t half, size_t count, float* values,
-                                     Ending ending) {
+// From `count` transforms, each of the points from one row to the next, to one. Rows at distances
+// of powers of two would drive each other from the first cache, so they are kept elsewhere between
+// their stages.
+CORVANTIS_CLONES void CombineColumns(bool forward, const Rows& rows, size_t count, Ending ending) {
+    const size_t half = rows.distance / 2;
     RowTwiddles w(forward, half, count);
     FactorRow factors[kMostRows];
     float kept[kMostRows * kRowValues];
     for (size_t k = 0; k < half; k += kLanes) {
         w.Take(factors);
-        const Rows rows = {values + 2 * k, 2 * half};
-        const RowPlaces places = {rows, {kept, kRowValues}, rows};
+        const Rows column = {rows.first + 2 * k, rows.distance};
+        const RowPlaces places = {column, {kept, kRowValues}, column};
         if (ending.isLast) {
             CombineRows(places, count, factors, AsPoints{ending.factor});
         } else {
@@ -124,31 +124,27 @@ CORVANTIS_CLONES void CombineColumns(bool forward, size_t half, size_t count, fl
     }
 }
 
+// All stages behind the first three; the parts' own ones while a part is in the cache.
+void CombineStages(bool forward, float* values, size_t length, Ending ending) {
+    if (length <= kTransformBlock) {
+        CombineBlock({values, kRowValues}, length / kLanes, KeptBlockTwiddles(forward), ending);
+        return;
+    }
+    size_t half = kTransformBlock;
+    while (half * kMostRows < length) half *= kMostRows;
+    for (size_t k = 0; k < length; k += half) {
+        CombineStages(forward, values + 2 * k, half, {false, 1.0F});
+    }
+    CombineColumns(forward, {values, 2 * half}, length / half, ending);
+}
+
 }  // namespace
 
 void TransformInBlocks(bool forward, uint32_t points, float* values) {
+    ReverseAndCombineTiles(points, values, KeptBlockTwiddles(forward));
     // A power of two's reciprocal is exact: multiplying by it divides.
     const float factor = forward ? 1.0F : 1.0F / static_cast<float>(points);
-    const BlockTwiddles& kept = KeptBlockTwiddles(forward);
-    ReverseAndCombineTiles(points, values, kept);
-    const size_t block = std::min<size_t>(points, kTransformBlock);
-    const size_t part = std::min<size_t>(points, kTransformBlock * kMostRows);
-    for (size_t start = 0; start < points; start += part) {
-        float* first = values + 2 * start;
-        for (size_t k = 0; k < part; k += block) {
-            CombineBlock(first + 2 * k, block, kept, {block == points, factor});
-        }
-        if (block == part) continue;
-        CombineColumns(forward, block, part / block, first, {part == points, factor});
-    }
-    for (size_t half = part; half < points;) {
-        const size_t count = std::min(points / half, kMostRows);
-        const size_t length = half * count;
-        for (size_t start = 0; start < points; start += length) {
-            CombineColumns(forward, half, count, values + 2 * start, {length == points, factor});
-        }
-        half = length;
-    }
+    CombineStages(forward, values, points, {true, factor});
 }
 
 }  // namespace corvantis

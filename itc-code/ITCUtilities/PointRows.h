@@ -3,7 +3,7 @@
 #pragma once
 
 #include <cstddef>
-#include <initializer_list>
+#include <cstring>
 
 #include "ITCUtilities/FunctionClones.h"
 
@@ -14,8 +14,11 @@ inline constexpr size_t kRowValues = 2 * kLanes;
 
 using Singles __attribute__((vector_size(4 * kLanes))) = float;
 using Doubles __attribute__((vector_size(8 * kLanes))) = double;
-// Where callers' arrays begin, no vector needs to.
+// Where callers' arrays begin, no vector needs to. (Always by this name: "auto" forgets it.)
 using StoredSingles __attribute__((vector_size(4 * kLanes), aligned(4), may_alias)) = float;
+// What every vector unit can shuffle; wider vectors fall to pieces on some.
+constexpr size_t kFour = 4;
+using FourSingles __attribute__((vector_size(4 * kFour))) = float;
 
 struct Row {
     Singles real;
@@ -28,33 +31,60 @@ struct FactorRow {
     Doubles imaginary;
 };
 
-CORVANTIS_INLINE const StoredSingles& At(const float* values) {
-    return *reinterpret_cast<const StoredSingles*>(values);
-}
-CORVANTIS_INLINE StoredSingles& At(float* values) {
-    return *reinterpret_cast<StoredSingles*>(values);
-}
-
 CORVANTIS_INLINE void LoadRow(Row& row, const float* values) {
-    row = {At(values), At(values + kLanes)};
+    row = {*reinterpret_cast<const StoredSingles*>(values),
+           *reinterpret_cast<const StoredSingles*>(values + kLanes)};
 }
 CORVANTIS_INLINE void StoreRow(const Row& row, float* values) {
-    At(values) = row.real;
-    At(values + kLanes) = row.imaginary;
+    *reinterpret_cast<StoredSingles*>(values) = row.real;
+    *reinterpret_cast<StoredSingles*>(values + kLanes) = row.imaginary;
 }
 
-// As callers have the points: each real part with its imaginary one behind it.
-CORVANTIS_INLINE void LoadPoints(Row& row, const float* values) {
-    const Singles a = At(values);
-    const Singles b = At(values + kLanes);
-    row = {__builtin_shufflevector(a, b, 0, 2, 4, 6, 8, 10, 12, 14),
-           __builtin_shufflevector(a, b, 1, 3, 5, 7, 9, 11, 13, 15)};
+CORVANTIS_INLINE void LoadFour(FourSingles& four, const float* values) {
+    std::memcpy(&four, values, sizeof four);
 }
-CORVANTIS_INLINE void StorePoints(const Row& row, float* values) {
-    const Singles& a = row.real;
-    const Singles& b = row.imaginary;
-    At(values) = __builtin_shufflevector(a, b, 0, 8, 1, 9, 2, 10, 3, 11);
-    At(values + kLanes) = __builtin_shufflevector(a, b, 4, 12, 5, 13, 6, 14, 7, 15);
+CORVANTIS_INLINE void StoreFour(const FourSingles& four, float* values) {
+    std::memcpy(values, &four, sizeof four);
+}
+
+// A row from points as callers have them, each real part with its imaginary one behind it.
+CORVANTIS_INLINE void SeparateParts(const float* points, float* row) {
+    for (size_t k = 0; k < kLanes; k += kFour) {
+        FourSingles a;
+        FourSingles b;
+        LoadFour(a, points + 2 * k);
+        LoadFour(b, points + 2 * k + kFour);
+        StoreFour(__builtin_shufflevector(a, b, 0, 2, 4, 6), row + k);
+        StoreFour(__builtin_shufflevector(a, b, 1, 3, 5, 7), row + kLanes + k);
+    }
+}
+
+// The way back.
+CORVANTIS_INLINE void StorePoints(const Row& row, float* points) {
+    float parts[kRowValues];
+    StoreRow(row, parts);
+    for (size_t k = 0; k < kLanes; k += kFour) {
+        FourSingles a;
+        FourSingles b;
+        LoadFour(a, parts + k);
+        LoadFour(b, parts + kLanes + k);
+        StoreFour(__builtin_shufflevector(a, b, 0, 4, 1, 5), points + 2 * k);
+        StoreFour(__builtin_shufflevector(a, b, 2, 6, 3, 7), points + 2 * k + kFour);
+    }
+}
+
+// Four values of each of four rows, one below the other, to one place of four rows.
+CORVANTIS_INLINE void LayAcross(const float* from, float* const (&to)[kFour], size_t place) {
+    FourSingles rows[kFour];
+    for (size_t i = 0; i < kFour; ++i) LoadFour(rows[i], from + i * kRowValues);
+    const FourSingles a = __builtin_shufflevector(rows[0], rows[1], 0, 4, 1, 5);
+    const FourSingles b = __builtin_shufflevector(rows[0], rows[1], 2, 6, 3, 7);
+    const FourSingles c = __builtin_shufflevector(rows[2], rows[3], 0, 4, 1, 5);
+    const FourSingles d = __builtin_shufflevector(rows[2], rows[3], 2, 6, 3, 7);
+    StoreFour(__builtin_shufflevector(a, c, 0, 1, 4, 5), to[0] + place);
+    StoreFour(__builtin_shufflevector(a, c, 2, 3, 6, 7), to[1] + place);
+    StoreFour(__builtin_shufflevector(b, d, 0, 1, 4, 5), to[2] + place);
+    StoreFour(__builtin_shufflevector(b, d, 2, 3, 6, 7), to[3] + place);
 }
 
 // Element by element, of which compilers make one instruction, as of no other way.
@@ -83,28 +113,6 @@ CORVANTIS_INLINE void Combine(Row& even, Row& odd, const FactorRow& w) {
 CORVANTIS_INLINE void CombineFirst(Row& even, Row& odd) {
     odd = {odd.real - 0.0F * odd.imaginary, odd.imaginary + 0.0F * odd.real};
     CombineUnturned(even, odd);
-}
-
-// Makes lane i of row k of lane k of row i.
-CORVANTIS_INLINE void Transpose(Singles (&rows)[kLanes]) {
-    for (size_t i = 0; i < 4; ++i) {
-        const Singles a = rows[i];
-        const Singles b = rows[i + 4];
-        rows[i] = __builtin_shufflevector(a, b, 0, 1, 2, 3, 8, 9, 10, 11);
-        rows[i + 4] = __builtin_shufflevector(a, b, 4, 5, 6, 7, 12, 13, 14, 15);
-    }
-    for (const size_t i : {size_t{0}, size_t{1}, size_t{4}, size_t{5}}) {
-        const Singles a = rows[i];
-        const Singles b = rows[i + 2];
-        rows[i] = __builtin_shufflevector(a, b, 0, 1, 8, 9, 4, 5, 12, 13);
-        rows[i + 2] = __builtin_shufflevector(a, b, 2, 3, 10, 11, 6, 7, 14, 15);
-    }
-    for (size_t i = 0; i < kLanes; i += 2) {
-        const Singles a = rows[i];
-        const Singles b = rows[i + 1];
-        rows[i] = __builtin_shufflevector(a, b, 0, 8, 2, 10, 4, 12, 6, 14);
-        rows[i + 1] = __builtin_shufflevector(a, b, 1, 9, 3, 11, 5, 13, 7, 15);
-    }
 }
 
 }  // namespace corvantis

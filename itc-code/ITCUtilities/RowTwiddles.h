@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 
 #include "ITCUtilities/KeptTwiddles.h"
 #include "ITCUtilities/PointRows.h"
@@ -31,17 +32,17 @@ class RowTwiddles {
         alignas(64) double reals[kLanes][kMostRows];
         alignas(64) double imaginaries[kLanes][kMostRows];
         for (size_t k = 0; k < kLanes; ++k) Advance(reals[k], imaginaries[k]);
-        for (size_t entry = 0; entry < rows_; entry += kSquare) {
-            for (size_t k = 0; k < kLanes; k += kSquare) {
-                LayAcross(&reals[k][entry], &factors[entry].real, k);
-                LayAcross(&imaginaries[k][entry], &factors[entry].imaginary, k);
+        for (size_t entry = 0; entry < rows_; entry += 2) {
+            for (size_t k = 0; k < kLanes; k += 2) {
+                LayAcross(&reals[k][entry], reinterpret_cast<double*>(&factors[entry].real) + k);
+                LayAcross(&imaginaries[k][entry],
+                          reinterpret_cast<double*>(&factors[entry].imaginary) + k);
             }
         }
     }
 
   private:
-    static constexpr size_t kSquare = 4;
-    using Quads __attribute__((vector_size(8 * kSquare), aligned(8), may_alias)) = double;
+    using TwoDoubles __attribute__((vector_size(16))) = double;
 
     CORVANTIS_INLINE void Advance(double (&reals)[kMostRows], double (&imaginaries)[kMostRows]) {
         const size_t rows = rows_;
@@ -55,24 +56,17 @@ class RowTwiddles {
         }
     }
 
-    // Four entries at four places become lanes k to k + 3 of four factor rows: in squares, since
-    // every vector unit can transpose them.
-    CORVANTIS_INLINE static void LayAcross(const double* from, Doubles* to, size_t k) {
-        const auto row = [from](size_t i) -> const Quads& {
-            return *reinterpret_cast<const Quads*>(from + i * kMostRows);
-        };
-        const Quads a = __builtin_shufflevector(row(0), row(1), 0, 4, 2, 6);
-        const Quads b = __builtin_shufflevector(row(0), row(1), 1, 5, 3, 7);
-        const Quads c = __builtin_shufflevector(row(2), row(3), 0, 4, 2, 6);
-        const Quads d = __builtin_shufflevector(row(2), row(3), 1, 5, 3, 7);
-        const auto lanes = [to, k](size_t i) -> Quads& {
-            constexpr size_t kDistance = sizeof(FactorRow) / sizeof(double);
-            return *reinterpret_cast<Quads*>(reinterpret_cast<double*>(to) + i * kDistance + k);
-        };
-        lanes(0) = __builtin_shufflevector(a, c, 0, 1, 4, 5);
-        lanes(1) = __builtin_shufflevector(b, d, 0, 1, 4, 5);
-        lanes(2) = __builtin_shufflevector(a, c, 2, 3, 6, 7);
-        lanes(3) = __builtin_shufflevector(b, d, 2, 3, 6, 7);
+    // Two entries at two places become two lanes of two factor rows: so little at a time, since
+    // every vector unit can do that.
+    CORVANTIS_INLINE static void LayAcross(const double* from, double* to) {
+        TwoDoubles a;
+        TwoDoubles b;
+        std::memcpy(&a, from, sizeof a);
+        std::memcpy(&b, from + kMostRows, sizeof b);
+        const TwoDoubles first = __builtin_shufflevector(a, b, 0, 2);
+        const TwoDoubles second = __builtin_shufflevector(a, b, 1, 3);
+        std::memcpy(to, &first, sizeof first);
+        std::memcpy(to + sizeof(FactorRow) / sizeof(double), &second, sizeof second);
     }
 
     size_t rows_;

@@ -1,9 +1,8 @@
 // Any bytes as a record, which the first byte picks: what was read must survive being written.
-#include <cstdlib>
 #include <cstring>
 #include <vector>
 
-#include "Corvantis.h"
+#include "RecordSizes.h"
 #include "Session.h"
 
 namespace {
@@ -21,8 +20,9 @@ FILE* OpenBytes(Bytes& bytes) {
 // A record fails to be read exactly when its bytes are too few; then it says nothing further.
 template <class Record, class ReadFunction, class WriteFunction>
 void RoundTrip(Bytes bytes, size_t encodedSize, ReadFunction read, WriteFunction write) {
-    Record first;
+    Record first, second;
     std::memset(&first, 0, sizeof first);
+    std::memset(&second, 0, sizeof second);
     FILE* source = OpenBytes(bytes);
     const bool complete = read(source, &first);
     std::fclose(source);
@@ -33,8 +33,6 @@ void RoundTrip(Bytes bytes, size_t encodedSize, ReadFunction read, WriteFunction
     FILE* sink = OpenBytes(encoded);
     const bool written = write(sink, &first) && std::fflush(sink) == 0;
     std::rewind(sink);
-    Record second;
-    std::memset(&second, 0, sizeof second);
     if (!written || !read(sink, &second)) std::abort();
     std::fclose(sink);
     if (std::memcmp(&first, &second, sizeof first) != 0) std::abort();
@@ -48,45 +46,36 @@ void RoundTripHeader(const Bytes& bytes, int32_t version) {
     RoundTrip<ITCEpochHeader>(bytes, sizeof(ITCEpochHeader), read, Write_ITCEpochHeader);
 }
 
+void RoundTripStimulus(const Bytes& bytes, uint32_t type) {
+    struct AnyRecord {
+        uint32_t words[16];
+    };
+    RoundTrip<AnyRecord>(
+        bytes, corvantis_fuzz::kRecordSizes[type],
+        [type](FILE* stream, AnyRecord* record) {
+            return Read_ITCStimulusParameters(stream, record, type);
+        },
+        [type](FILE* stream, const AnyRecord* record) {
+            return Write_ITCStimulusParameters(stream, record, type);
+        });
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     corvantis_fuzz::StartLibrary();
     if (size < 1) return 0;
     const Bytes bytes(data + 1, data + size);
-#define ROUND_TRIP(Record, encodedSize) \
-    return RoundTrip<Record>(bytes, encodedSize, Read_##Record, Write_##Record), 0
-    switch (data[0] % 16) {
-        case 0:
-            ROUND_TRIP(ITCFileHeader, 580);
-        case 1:
-            ROUND_TRIP(ITCSineParameters, 40);
-        case 2:
-            ROUND_TRIP(ITCNoiseParameters, 36);
-        case 3:
-            ROUND_TRIP(ITCPulseParameters, 32);
-        case 4:
-            ROUND_TRIP(ITCRampParameters, 32);
-        case 5:
-            return RoundTripHeader(bytes, 6), 0;
-        case 6:
-            ROUND_TRIP(ITCGenericParameters, 32);
-        case 7:
-            ROUND_TRIP(ITCSummedParameters, 1284);
-        case 8:
-            return RoundTripHeader(bytes, 8), 0;
-        case 9:
-            ROUND_TRIP(ITCSegmentedNoiseParameters, 40);
-        case 10:
-            ROUND_TRIP(ITCBinaryNoiseParameters, 40);
-        case 11:
-            ROUND_TRIP(ITCGClampParameters, 8);
-        case 12:
-            ROUND_TRIP(ITCCirclePulseParameters, 48);
-        case 13:
-            ROUND_TRIP(ITCAlternateVoltageParameters, 36);
-        default:
-            return 0;
+    const uint32_t codec = data[0] % 16;
+    if (codec == 0) {
+        RoundTrip<ITCFileHeader>(bytes, 580, Read_ITCFileHeader, Write_ITCFileHeader);
+    } else if (codec == ITC_STIMULUS_SUMMED) {
+        RoundTrip<ITCSummedParameters>(bytes, 1284, Read_ITCSummedParameters,
+                                       Write_ITCSummedParameters);
+    } else if (codec == 5 || codec == 8) {
+        RoundTripHeader(bytes, codec == 5 ? 6 : 8);
+    } else if (codec <= ITC_STIMULUS_SPATIAL) {
+        RoundTripStimulus(bytes, codec);
     }
-#undef ROUND_TRIP
+    return 0;
 }

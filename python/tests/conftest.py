@@ -31,21 +31,17 @@ def logged(recorded):
     """logged(recipe) gives what was acquired and played, without going through the file."""
     def load(recipe):
         with np.load(f"{recorded(recipe)}.npz") as log:
-            count = len(log.files) // 2
-            return [(log[f"acquired{k}"], log[f"played{k}"]) for k in range(count)]
+            return [(log[f"acquired{k}"], log[f"played{k}"]) for k in range(len(log.files) // 2)]
     return load
 
 
-@pytest.fixture(scope="session")
-def compiled(tmp_path_factory):
-    """compiled(source) gives a program built from a C file with the public header alone."""
-    folder = tmp_path_factory.mktemp("programs")
-
-    def build(source):
-        program = folder / Path(source).stem
+@pytest.fixture
+def compiled(tmp_path):
+    """compiled(text) gives a program built from a C text with the public header alone."""
+    def build(text):
         library = Path(find_library()._name).resolve()
-        subprocess.run(["cc", "-std=c99", "-D_GNU_SOURCE", f"-I{HEADERS}", source, library,
-                        f"-Wl,-rpath,{library.parent}", "-Wl,--allow-shlib-undefined",
-                        "-o", program], check=True)
-        return program
+        subprocess.run(["cc", "-std=c99", "-D_GNU_SOURCE", f"-I{HEADERS}", "-xc", "-", "-xnone",
+                        library, f"-Wl,-rpath,{library.parent}", "-Wl,--allow-shlib-undefined",
+                        "-o", tmp_path / "program"], input=text, text=True, check=True)
+        return tmp_path / "program"
     return build

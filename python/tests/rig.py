@@ -13,14 +13,15 @@ from corvantis.headers import EpochHeader
 from corvantis.layout import structure_of
 from corvantis.library import find_library
 
-BUILDERS = {
-    stimuli.Sine: "Sine", stimuli.Noise: "Noise", stimuli.Pulse: "Pulse", stimuli.Ramp: "Ramp",
-    stimuli.SegmentedNoise: "SegmentedNoise", stimuli.BinaryNoise: "BinaryNoise",
-    stimuli.CirclePulse: "CirclePulse", stimuli.AlternatingVoltage: "AltVoltage",
-    stimuli.Spatial: "Spatial", stimuli.TriggerSeries: "TrigSeries", stimuli.FileWave: "Filewave",
-    stimuli.DynamicClamp: "GClamp", stimuli.Generic: "Generic",
-}
+# Where the library's name of a builder differs from the package's name of the stimulus.
+RENAMED = {"AlternatingVoltage": "AltVoltage", "TriggerSeries": "TrigSeries",
+           "FileWave": "Filewave", "DynamicClamp": "GClamp"}
 LARGEST_RECORD = 64
+
+
+def builder(stimulus):
+    name = type(stimulus).__name__
+    return RENAMED.get(name, name)
 
 
 class FileWaveRecord(ctypes.Structure):
@@ -65,13 +66,13 @@ class Rig:
             ctypes.c_int32.from_buffer(record).value = len(stimulus.components)
             self.do("ITCSummedParams", slot, record)
             for each in stimulus.components:
-                name = BUILDERS[type(each)].replace("AltVoltage", "AltVolt")
+                name = builder(each).replace("AltVoltage", "AltVolt")
                 self.do(f"ITCAdd{name}Params", slot, self.record(each))
         elif isinstance(stimulus, stimuli.Generic):
             self.do("ITCGenericParams", in_memory(stimulus))
         else:
             latency = [10] if isinstance(stimulus, stimuli.DynamicClamp) else []
-            self.do(f"ITC{BUILDERS[type(stimulus)]}Params", slot, self.record(stimulus), *latency)
+            self.do(f"ITC{builder(stimulus)}Params", slot, self.record(stimulus), *latency)
 
     def record(self, stimulus):
         if isinstance(stimulus, stimuli.FileWave):
@@ -112,16 +113,15 @@ class Rig:
         self.do("ITCSaveToFile")
 
     def set_field(self, name, value):
-        """Set a header field; texts and arrays of four entry by entry."""
-        if isinstance(value, (list, tuple)):
-            field = getattr(self.header, name)
-            for index, each in enumerate(value):
-                if isinstance(each, str):
-                    field[index].value = each.encode()
-                else:
-                    field[index] = each
-        else:
+        """Set a header field, or the first elements of one that is an array."""
+        field = getattr(self.header, name)
+        if not isinstance(value, list):
             setattr(self.header, name, value.encode() if isinstance(value, str) else value)
+        elif isinstance(value[0], str):
+            for text, each in zip(field, value):
+                text.value = each.encode()
+        else:
+            field[:len(value)] = value
 
     def close(self):
         self.do("ITCCloseFile")

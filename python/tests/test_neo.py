@@ -4,7 +4,6 @@ import time
 import unittest
 
 import numpy as np
-import pytest
 
 import corvantis
 from corvantis.neo import CorvantisIO, CorvantisRawIO, register
@@ -12,34 +11,30 @@ from corvantis.neo import CorvantisIO, CorvantisRawIO, register
 FILES = ["steps", "types", "unstored", "odd", "empty"]
 
 
-@pytest.fixture(scope="module")
-def suites(recorded):
-    """Neo's compliance suites for our two readers; they look for files when they are imported."""
+def test_neos_own_suites(recorded):
+    """They look for files when they are imported."""
     folder = recorded("empty").parent
     os.environ["EPHY_TESTING_DATA_FOLDER"] = str(folder)
     import neo.test.iotest.common_io_test as io_suite
     import neo.test.rawiotest.common_rawio_test as raw_suite
-    raw_suite.HAVE_DATALAD = io_suite.HAVE_DATALAD = True
-    raw_suite.get_local_testing_data_folder = lambda: folder
-    io_suite.get_local_testing_data_folder = lambda: folder
-    files = [recorded(recipe).name for recipe in FILES]
-    common = {"entities_to_download": [], "entities_to_test": files}
-    return [type("TestRaw", (raw_suite.BaseTestRawIO, unittest.TestCase),
-                 {"rawioclass": CorvantisRawIO, **common}),
-            type("TestIO", (io_suite.BaseTestIO, unittest.TestCase),
-                 {"ioclass": CorvantisIO, **common})]
-
-
-def test_neos_own_suites(suites):
-    loader = unittest.defaultTestLoader
-    every = unittest.TestSuite(loader.loadTestsFromTestCase(suite) for suite in suites)
+    common = {"entities_to_download": [],
+              "entities_to_test": [recorded(recipe).name for recipe in FILES]}
     result = unittest.TestResult()
-    every.run(result)
+    for module, suite, kind, reader in (
+            (raw_suite, raw_suite.BaseTestRawIO, "rawioclass", CorvantisRawIO),
+            (io_suite, io_suite.BaseTestIO, "ioclass", CorvantisIO)):
+        module.HAVE_DATALAD, module.get_local_testing_data_folder = True, lambda: folder
+        case = type("Test", (suite, unittest.TestCase), {kind: reader, **common})
+        unittest.defaultTestLoader.loadTestsFromTestCase(case).run(result)
     assert result.testsRun >= 7 and not result.skipped
     assert not result.failures + result.errors, (result.failures + result.errors)[0][1]
 
 
-def test_a_segment_an_epoch_with_its_own_signals(recorded):
+def test_a_segment_an_epoch_with_its_own_signals_read_when_loaded(recorded, monkeypatch):
+    read = []
+    original = corvantis.Epoch.raw.func
+    monkeypatch.setattr(corvantis.Epoch, "raw",
+                        property(lambda epoch: read.append(epoch.number) or original(epoch)))
     block = CorvantisIO(recorded("steps")).read_block(lazy=True)
     assert block.annotations["version"] == 8 and block.name == "steps.dat"
     for number, segment in enumerate(block.segments):
@@ -51,31 +46,19 @@ def test_a_segment_an_epoch_with_its_own_signals(recorded):
             == ("mV", "pA")
         assert response.shape == (4000, 1) and float(response.sampling_rate) == 20_000
         assert response.name.startswith("response") and stimulus.name.startswith("stimulus")
+    assert read == []
     part = block.segments[2].analogsignals[0].load(time_slice=(0.05, 0.15))
+    assert set(read) == {2}
     with corvantis.open(recorded("steps")) as recording:
         whole = recording.epochs[2].response
     assert abs(len(part) - 2000) <= 1       # older Neo loses a sample in some slices
     np.testing.assert_array_equal(part.magnitude, whole[1000:1000 + len(part)])
 
 
-def test_nothing_is_read_before_it_is_loaded(recorded, monkeypatch):
-    read = []
-    original = corvantis.Epoch.raw.func
-    monkeypatch.setattr(corvantis.Epoch, "raw",
-                        property(lambda epoch: read.append(epoch.number) or original(epoch)))
-    block = CorvantisIO(recorded("steps")).read_block(lazy=True)
-    assert read == []
-    block.segments[1].analogsignals[0].load()
-    assert set(read) == {1}
-
-
-def test_epochs_without_points_and_files_without_epochs(recorded):
+def test_what_has_no_points_and_what_the_file_does_not_hold(recorded):
     assert CorvantisIO(recorded("empty")).read_block().segments == []
     segment = CorvantisIO(recorded("odd")).read_block().segments[0]
     assert segment.analogsignals == [] and segment.annotations["points"] == 0
-
-
-def test_a_stimulus_that_the_file_does_not_hold_is_not_a_number(recorded):
     segments = CorvantisIO(recorded("unstored")).read_block().segments
     assert np.isnan(segments[4].analogsignals[-1].magnitude).all()
     assert segments[4].analogsignals[0].shape == (200, 1)
@@ -93,13 +76,10 @@ def test_two_thousand_epochs_of_thirty_settings(recorded):
     assert all(len(each.analogsignals) == 2 for each in block.segments)
 
 
-def test_neo_finds_the_reader_by_the_files_name(recorded):
+def test_neo_finds_the_reader_by_the_files_name(recorded, monkeypatch):
     import neo.io
-    before = list(neo.io.iolist)
-    try:
-        register()
-        register()
-        assert neo.io.iolist.count(CorvantisIO) == 1
-        assert type(neo.io.get_io(str(recorded("steps")))) is CorvantisIO
-    finally:
-        neo.io.iolist[:] = before
+    monkeypatch.setattr(neo.io, "iolist", list(neo.io.iolist))
+    register()
+    register()
+    assert neo.io.iolist.count(CorvantisIO) == 1
+    assert type(neo.io.get_io(str(recorded("steps")))) is CorvantisIO

@@ -25,47 +25,41 @@ def epochs_and_table(path):
     return count, data[FIRST_EPOCH:table]
 
 
-def record_until_killed(recorder, path, delay):
-    """Return how many epochs the process had reported as saved when it was killed."""
-    process = subprocess.Popen([recorder, path, str(EPOCHS)], stdout=subprocess.PIPE)
-    process.stdout.read(1)
-    time.sleep(delay)
-    process.kill()
-    saved = 1 + len(process.stdout.read())
-    process.wait()
-    return saved
-
-
-def check_kill(recorder, corvantis, folder, expected, duration, draw):
-    recording = os.path.join(folder, "killed.dat")
-    repaired = os.path.join(folder, "repaired.dat")
-    saved = record_until_killed(recorder, recording, draw.uniform(0, 0.8 * duration))
-    result = subprocess.run([corvantis, "repair", recording, "-o", repaired, "--force"],
-                            capture_output=True, text=True)
-    assert result.returncode in (0, 1), result.stdout + result.stderr
-    count, epochs = epochs_and_table(repaired)
-    assert count >= saved, f"{saved} epochs were saved, {count} came back"
-    assert epochs == expected[:len(epochs)], "an epoch was altered"
-    assert subprocess.run([corvantis, "check", repaired], capture_output=True).returncode == 0
-    return saved, count
+def record(recorder, path, delay=None):
+    """Return how many epochs the process had reported as saved when it ended or was killed."""
+    process = subprocess.Popen([recorder, path, str(EPOCHS)], stdout=subprocess.DEVNULL,
+                               stderr=subprocess.PIPE)
+    process.stderr.read(1)
+    if delay is not None:
+        time.sleep(delay)
+        process.kill()
+    return 1 + len(process.communicate()[1])
 
 
 def main():
     recorder, corvantis, kills = sys.argv[1], sys.argv[2], int(sys.argv[3])
     draw = random.Random(1)
+    early = more = total = 0
     with tempfile.TemporaryDirectory() as folder:
-        whole = os.path.join(folder, "whole.dat")
+        whole, recording, repaired = (os.path.join(folder, name)
+                                      for name in ("whole.dat", "killed.dat", "repaired.dat"))
         start = time.monotonic()
-        subprocess.run([recorder, whole, str(EPOCHS)], stdout=subprocess.DEVNULL, check=True)
+        assert record(recorder, whole) == EPOCHS
         duration = time.monotonic() - start
-        expected = epochs_and_table(whole)[1]
-        outcomes = [check_kill(recorder, corvantis, folder, expected, duration, draw)
-                    for _ in range(kills)]
-    early = sum(saved < EPOCHS for saved, _ in outcomes)
-    more = sum(count > saved for saved, count in outcomes)
-    print(f"{kills} kills, {early} of them before the last epoch: all of the "
-          f"{sum(saved for saved, _ in outcomes)} saved epochs came back unaltered, "
-          f"and {more} times one that was complete but not yet reported")
+        count, expected = epochs_and_table(whole)
+        assert count == EPOCHS
+        for _ in range(kills):
+            saved = record(recorder, recording, draw.uniform(0, 0.8 * duration))
+            result = subprocess.run([corvantis, "repair", recording, "-o", repaired, "--force"],
+                                    capture_output=True, text=True)
+            assert result.returncode in (0, 1), result.stdout + result.stderr
+            count, epochs = epochs_and_table(repaired)
+            assert count >= saved, f"{saved} epochs were saved, {count} came back"
+            assert epochs == expected[:len(epochs)], "an epoch was altered"
+            subprocess.run([corvantis, "check", repaired], check=True, stdout=subprocess.DEVNULL)
+            early, more, total = early + (saved < EPOCHS), more + (count > saved), total + saved
+    print(f"{kills} kills, {early} of them before the last epoch: all of the {total} saved epochs "
+          f"came back unaltered, and {more} times one that was complete but not yet reported")
     return 0 if early > 0 else 1
 
 

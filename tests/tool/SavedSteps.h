@@ -5,8 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "FileBytes.h"
-#include "LibrarySession.h"
 #include "PulseEpoch.h"
 
 namespace corvantis_test {

@@ -1,16 +1,31 @@
-// Running the tool: its command line in this process, or the program itself.
+// Running the tool in a folder of its own: its command line in this process, or the program itself.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <sys/wait.h>
 
 #include <cstdio>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "CommandLine.h"
 #include "FileBytes.h"
+#include "LibrarySession.h"
 
 namespace corvantis_test {
+
+// File names in these tests are relative to the folder.
+class ToolTest : public testing::Test {
+  protected:
+    ToolTest() { std::filesystem::current_path(folder.path); }
+    ~ToolTest() override { std::filesystem::current_path(before); }
+
+    const std::filesystem::path before = std::filesystem::current_path();
+    const TemporaryFolder folder;
+};
 
 struct ToolRun {
     int code = -1;
@@ -24,8 +39,11 @@ inline std::string TextOf(FILE* stream) {
     return {bytes.begin(), bytes.end()};
 }
 
-inline ToolRun RunTool(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), "corvantis");
+// Arguments as in a shell, each behind one blank.
+inline ToolRun RunTool(const std::string& line) {
+    std::vector<std::string> arguments = {"corvantis"};
+    std::istringstream words(line);
+    for (std::string word; std::getline(words, word, ' ');) arguments.push_back(word);
     std::vector<char*> argv;
     for (std::string& argument : arguments) argv.push_back(argument.data());
     const Stream results = StreamOver(), messages = StreamOver();
@@ -50,7 +68,19 @@ inline ToolRun RunShell(const std::string& command) {
 }
 
 inline ToolRun RunProgram(const std::string& arguments) {
-    return RunShell(std::string(CORVANTIS_PROGRAM) + " " + arguments);
+    return RunShell(CORVANTIS_PROGRAM " " + arguments);
+}
+
+// Where and what, of each finding about a file's stimuli.
+inline std::vector<std::string> StimulusFindings(const std::string& file) {
+    std::vector<std::string> found;
+    const auto json = nlohmann::json::parse(RunTool("check --stimulus --json " + file).results);
+    for (const auto& finding : json[0]["findings"]) {
+        const std::string where = finding["where"];
+        if (where.starts_with("epoch"))
+            found.push_back(where + ": " + std::string(finding["found"]));
+    }
+    return found;
 }
 
 }  // namespace corvantis_test

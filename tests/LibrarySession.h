@@ -13,34 +13,15 @@
 
 namespace corvantis_test {
 
-// Started with the simulated device; everything the library's ending leaves behind is released.
-class LibrarySession {
-  public:
-    explicit LibrarySession(int32_t capacity = 65536)
-        : input(static_cast<size_t>(capacity)), output(static_cast<size_t>(capacity)) {
-        testing::internal::CaptureStdout();
-        startResult = ITCInit(&inputBuffer, &outputBuffer, &capacity, 0);
-        startLines = testing::internal::GetCapturedStdout();
-    }
-    LibrarySession(const LibrarySession&) = delete;
-    LibrarySession& operator=(const LibrarySession&) = delete;
-    ~LibrarySession() {
-        for (uint32_t channel = 0; channel < ITC_CHANNELS; ++channel) ITCFreeParams(channel);
-        ITCCloseFile();
-        ITCFinish();
-        ITCFree(ITCbufsize);
-        ITCFree(itc);
-        ITCbufsize = nullptr;
-        itc = nullptr;
-    }
+inline void FreeChannels() {
+    for (uint32_t channel = 0; channel < ITC_CHANNELS; ++channel) ITCFreeParams(channel);
+}
 
-    std::vector<uint16_t> input;
-    std::vector<uint16_t> output;
-    uint16_t* inputBuffer = input.data();
-    uint16_t* outputBuffer = output.data();
-    int32_t startResult = -1;
-    std::string startLines;
-};
+// A sum with room for so many components.
+inline int32_t InstallSum(int32_t channel, int32_t count) {
+    ITCSummedParameters sum{.count = count, .componentType = {}, .components = {}};
+    return ITCSummedParams(channel, &sum);
+}
 
 // Swallows what the library prints while it lives; Text() ends the capture and returns it.
 class QuietOutput {
@@ -58,6 +39,32 @@ class QuietOutput {
 
   private:
     bool taken = false;
+};
+
+// Started with the simulated device; everything the library's ending leaves behind is released.
+class LibrarySession {
+  public:
+    explicit LibrarySession(int32_t capacity = 65536)
+        : input(static_cast<size_t>(capacity)), output(static_cast<size_t>(capacity)) {
+        const QuietOutput quiet;
+        EXPECT_EQ(ITCInit(&inputBuffer, &outputBuffer, &capacity, 0), ITC_SUCCESS);
+    }
+    LibrarySession(const LibrarySession&) = delete;
+    LibrarySession& operator=(const LibrarySession&) = delete;
+    ~LibrarySession() {
+        FreeChannels();
+        ITCCloseFile();
+        ITCFinish();
+        ITCFree(ITCbufsize);
+        ITCFree(itc);
+        ITCbufsize = nullptr;
+        itc = nullptr;
+    }
+
+    std::vector<uint16_t> input;
+    std::vector<uint16_t> output;
+    uint16_t* inputBuffer = input.data();
+    uint16_t* outputBuffer = output.data();
 };
 
 // A folder that goes with its content when the test ends.

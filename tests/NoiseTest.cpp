@@ -1,33 +1,31 @@
-// The noise generators against a second implementation of each, over histories of several calls.
+// The noise waveforms: by hand, beyond the buffer's start, and against their plain formulas.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
 
 #include "Corvantis.h"
 #include "LibrarySession.h"
-#include "ReferenceNoise.h"
 #include "ReferenceRandom.h"
-#include "ReferenceSamples.h"
+#include "WrittenSamples.h"
+#include "plain/Plain.h"
 
 namespace {
 
-using corvantis_test::DropSpareDeviate;
-using corvantis_test::DropSpareDeviateOnRand;
-using corvantis_test::kUntouched;
-using corvantis_test::LibrarySession;
-using corvantis_test::QuietOutput;
-using corvantis_test::ReferenceNoise;
-using corvantis_test::Samples;
-using corvantis_test::Written;
+using namespace corvantis_test;
 
 class NoiseTest : public testing::Test {
   protected:
     NoiseTest() {
+        DropSpares();
+        epochhdr->samplingInterval = 50;
+    }
+    static void DropSpares() {
         DropSpareDeviate();
         DropSpareDeviateOnRand();
-        epochhdr->samplingInterval = 50;
+        plain::DropSpareDeviates();
     }
     template <class Record>
     static Samples Calculated(uint32_t type, const Record& record, size_t points) {
@@ -36,43 +34,66 @@ class NoiseTest : public testing::Test {
             EXPECT_EQ(ITCCalcStimulus(type, buffer, &record), ITC_SUCCESS);
         });
     }
-    template <class Record>
-    void Expect(uint32_t type, const Record& record, const Samples& expected) {
-        EXPECT_EQ(Calculated(type, record, expected.size()), expected)
+    template <class Record, class Plain>
+    static void Expect(uint32_t type, const Record& record, Plain formula) {
+        const auto points =
+            static_cast<size_t>(record.prePoints + record.points + record.tailPoints);
+        EXPECT_EQ(Calculated(type, record, points),
+                  Written(points, [&](uint16_t* buffer) { formula(buffer, record); }))
             << "type " << type << ", seed " << record.seed;
+    }
+    // Three points that would lie before the buffer are passed over, the rest moves up.
+    template <class Record>
+    static void ExpectShift(uint32_t type, Record record) {
+        record.prePoints = record.tailPoints = 0;
+        const auto points = static_cast<size_t>(record.points);
+        DropSpares();
+        Samples expected = Calculated(type, record, points);
+        std::rotate(expected.begin(), expected.begin() + 3, expected.end());
+        std::fill(expected.end() - 3, expected.end(), static_cast<uint16_t>(record.mean));
+        record.prePoints = -3;
+        record.tailPoints = 3;
+        DropSpares();
+        EXPECT_EQ(Calculated(type, record, points), expected) << "type " << type;
     }
 
     LibrarySession session;
-    ReferenceNoise reference;
 };
 
 // From 0 or above a seed restarts, below 0 it continues, with whatever spare deviate is held.
-constexpr int32_t kSeeds[] = {0, 12345, -7, -7, 12345, INT32_MAX, -1, INT32_MIN, 1};
+TEST_F(NoiseTest, SeedsRestartOrContinue) {
+    for (const int32_t seed : {0, 12345, -7, -7, 12345, INT32_MAX, -1, INT32_MIN, 1}) {
+        for (const int32_t amplitude : {3000, -20000, INT32_MIN}) {
+            Expect(9, ITCSegmentedNoiseParameters{amplitude, 40000, seed, 11, 2, 3, 4, {}},
+                   plain::SegmentedNoise);
+            Expect(10, ITCBinaryNoiseParameters{amplitude, 100, seed, 999, 0, 0, 3, {}},
+                   plain::BinaryNoise);
+        }
+        Expect(9, ITCSegmentedNoiseParameters{700, 5, seed, 9, 2, 3, 1, {}}, plain::SegmentedNoise);
+    }
+}
 
-TEST_F(NoiseTest, SegmentedNoise) {
-    for (const int32_t seed : kSeeds) {
-        for (const auto& record :
-             {ITCSegmentedNoiseParameters{3000, 100, seed, 10, 2, 3, 4, {}},
-              ITCSegmentedNoiseParameters{-900, 40000, seed, 999, 0, 0, 9, {}},
-              ITCSegmentedNoiseParameters{500000, -20000, seed, 7, 0, 1, 1, {}},
-              ITCSegmentedNoiseParameters{700, 5, seed, 10, 3, -3, 2, {}},
-              ITCSegmentedNoiseParameters{700, 5, seed, 3, 1, 1, 4, {}},
-              ITCSegmentedNoiseParameters{700, 5, seed, 6, 1, 1, -2, {}}}) {
-            Expect(9, record, reference.Segmented(record));
+TEST_F(NoiseTest, TheFilesVersionChoosesTheMethod) {
+    for (const int version : {-128, -1, 0, 4, 5, 8, 127}) {
+        filehdr->version = static_cast<int8_t>(version);
+        for (const int32_t seed : {31, 0, -5}) {
+            // The product of the long interval and the transform's length wraps.
+            const int32_t interval = seed == 0 ? 40000000 : 50;
+            epochhdr->samplingInterval = interval;
+            const ITCNoiseParameters record{2000, 10, seed, 64, 8, 8, 6, 200, 2};
+            Expect(2, record, [=](uint16_t* buffer, const ITCNoiseParameters& noise) {
+                if (version <= 4) return plain::SmoothedNoise(buffer, noise);
+                plain::SpectralNoise(buffer, noise, interval);
+            });
         }
     }
 }
 
-TEST_F(NoiseTest, BinaryNoise) {
-    for (const int32_t seed : kSeeds) {
-        for (const auto& record : {ITCBinaryNoiseParameters{3000, 100, seed, 10, 2, 3, 4, {}},
-                                   ITCBinaryNoiseParameters{-20000, 40000, seed, 999, 0, 0, 3, {}},
-                                   ITCBinaryNoiseParameters{700, 5, seed, 10, 3, -3, 2, {}},
-                                   ITCBinaryNoiseParameters{INT32_MIN, 5, seed, 9, 0, 0, 1, {}},
-                                   ITCBinaryNoiseParameters{700, 5, seed, 0, 1, 1, 4, {}}}) {
-            Expect(10, record, reference.Binary(record));
-        }
-    }
+TEST_F(NoiseTest, PointsBeforeTheBufferArePassedOver) {
+    ExpectShift(2, ITCNoiseParameters{2500, 7, 77, 100, 0, 0, 0, -500, 1});
+    ExpectShift(9, ITCSegmentedNoiseParameters{700, 5, 77, 10, 0, 0, 2, {}});
+    ExpectShift(9, ITCSegmentedNoiseParameters{700, 5, 77, 10, 0, 0, 1, {}});
+    ExpectShift(10, ITCBinaryNoiseParameters{700, 5, 77, 10, 0, 0, 5, {}});
 }
 
 TEST_F(NoiseTest, ADrawOfExactlyOneHalfGivesTheNegativeLevel) {
@@ -83,50 +104,15 @@ TEST_F(NoiseTest, ADrawOfExactlyOneHalfGivesTheNegativeLevel) {
     EXPECT_EQ(Calculated(10, record, 117).back(), static_cast<uint16_t>(-1000));
 }
 
-TEST_F(NoiseTest, SpectralNoise) {
-    for (const int32_t interval : {50, 4, 262140}) {
-        epochhdr->samplingInterval = interval;
-        for (const int32_t seed : {77, -1, 0}) {
-            // amplitude, mean, points, tail, pre, cutoff, order; 10000 points wrap the product of
-            // lengths, and samples of millions show a separate rounding of the product.
-            for (const auto& [amplitude, mean, points, tail, pre, cutoff, order] :
-                 {std::array{2500, 0, 1000, 12, 12, 300, 2},
-                  std::array{2500, 40000, 1024, 0, 0, 60, 1},
-                  std::array{2500, -300, 1, 2, 1, 100, 4},
-                  std::array{5000000, -20000, 10000, 0, 7, 1000, 3},
-                  std::array{2500, 7, 100, 3, -3, -500, 1}, std::array{2500, 9, 300, 1, 1, 50, 0},
-                  std::array{-2500, 9, 300, 1, 1, 100000, -2}}) {
-                const ITCNoiseParameters record{amplitude, mean, seed,   points, tail,
-                                                pre,       0,    cutoff, order};
-                Expect(2, record, reference.Spectral(record, interval));
-            }
-        }
-    }
-}
-
-TEST_F(NoiseTest, SmoothedNoise) {
+// Nothing divided by nothing is no number.
+TEST_F(NoiseTest, NoPointsNoSegmentsNoCutoffOrNoWindow) {
+    const Samples held(7, 9);
+    EXPECT_EQ(Calculated(2, ITCNoiseParameters{2000, 9, 1, 0, 4, 3, 0, 50, 1}, 7), held);
+    EXPECT_EQ(Calculated(9, ITCSegmentedNoiseParameters{700, 9, 1, 5, 1, 1, -2, {}}, 7), held);
+    const Samples zeros = {9, 0, 0, 0, 9};
+    EXPECT_EQ(Calculated(2, ITCNoiseParameters{2000, 9, 1, 3, 1, 1, 0, 0, 2}, 5), zeros);
     filehdr->version = 4;
-    for (const int32_t seed : {5, 0, -5}) {
-        // mean, points, tail, pre, smoothing
-        for (const auto& [mean, points, tail, pre, smoothing] :
-             {std::array{0, 10, 4, 4, 5}, std::array{40000, 500, 20, 25, 20},
-              std::array{-300, 11, 2, 2, 4}, std::array{12, 9, 0, 0, 1},
-              std::array{1, 3, 40, 40, 80}, std::array{7, 20, 0, -3, -8},
-              std::array{7, 0, 3, 3, 6}}) {
-            const ITCNoiseParameters record{1800, mean, seed, points, tail, pre, smoothing, 60, 1};
-            Expect(2, record, reference.Smoothed(record));
-        }
-    }
-    // No window: nothing divided by nothing is no number.
-    Expect(2, ITCNoiseParameters{1800, 9, 1, 3, 1, 1, 0, 60, 1}, {9, 0, 0, 0, 9});
-}
-
-TEST_F(NoiseTest, SmoothingByHand) {
-    // Half a window into the pre and tail runs, and nothing further.
-    filehdr->version = 4;
-    const Samples samples = Calculated(2, ITCNoiseParameters{9000, 3, 8, 10, 4, 4, 5, 0, 0}, 18);
-    for (const size_t held : {0U, 1U, 16U, 17U}) EXPECT_EQ(samples[held], 3) << held;
-    for (size_t noisy = 2; noisy < 16; ++noisy) EXPECT_NE(samples[noisy], 3) << noisy;
+    EXPECT_EQ(Calculated(2, ITCNoiseParameters{1800, 9, 1, 3, 1, 1, 0, 60, 1}, 5), zeros);
 }
 
 TEST_F(NoiseTest, AWindowThatDoesNotFitIsRefused) {
@@ -134,40 +120,13 @@ TEST_F(NoiseTest, AWindowThatDoesNotFitIsRefused) {
     for (const auto& [tail, pre, smoothing] :
          {std::array{9, 1, 4}, std::array{1, 9, 4}, std::array{9, -3, 1}, std::array{-1, 9, 1}}) {
         const ITCNoiseParameters record{100, 5, 1, 10, tail, pre, smoothing, 60, 1};
-        int32_t result = -1;
-        EXPECT_EQ(Written(24, [&](uint16_t* b) { result = ITCStmCreateNoise(b, &record); }),
-                  Samples(24, kUntouched));
-        EXPECT_EQ(result, ITC_STIMULUS_ERROR);
         QuietOutput quiet;
-        EXPECT_EQ(Written(24, [&](uint16_t* b) { result = ITCCalcStimulus(2, b, &record); }),
-                  Samples(24, kUntouched));
-        EXPECT_EQ(result, ITC_STIMULUS_ERROR);
+        const auto calculate = [&](uint16_t* buffer) {
+            EXPECT_EQ(ITCStmCreateNoise(buffer, &record), ITC_STIMULUS_ERROR);
+            EXPECT_EQ(ITCCalcStimulus(2, buffer, &record), ITC_STIMULUS_ERROR);
+        };
+        EXPECT_EQ(Written(24, calculate), Samples(24, kUntouched));
     }
-}
-
-TEST_F(NoiseTest, TheFilesVersionChoosesTheMethod) {
-    const ITCNoiseParameters record{2000, 10, 31, 64, 8, 8, 5, 200, 2};
-    for (const int version : {-128, -1, 0, 4, 5, 8, 127}) {
-        filehdr->version = static_cast<int8_t>(version);
-        Expect(2, record,
-               version <= 4 ? reference.Smoothed(record) : reference.Spectral(record, 50));
-    }
-}
-
-TEST_F(NoiseTest, AHeldDeviateComesFirst) {
-    const ITCSegmentedNoiseParameters odd{1000, 0, 4, 3, 0, 0, 1, {}};
-    const Samples fresh = Calculated(9, odd, 3);
-    const Samples held = Calculated(9, odd, 3);
-    EXPECT_NE(held, fresh) << "three deviates leave one behind";
-    EXPECT_EQ(held[1], fresh[0]);
-    EXPECT_EQ(held[2], fresh[1]);
-    EXPECT_EQ(Calculated(9, odd, 3), fresh);
-    EXPECT_EQ(fresh, reference.Segmented(odd));
-}
-
-TEST_F(NoiseTest, NoPointsOrNoCutoff) {
-    Expect(2, ITCNoiseParameters{2000, 9, 1, 0, 4, 3, 0, 50, 1}, Samples(7, 9));
-    Expect(2, ITCNoiseParameters{2000, 77, 1, 3, 1, 1, 0, 0, 2}, {77, 0, 0, 0, 77});
 }
 
 TEST_F(NoiseTest, OutputsHaveTheStatedSpread) {

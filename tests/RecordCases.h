@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <functional>
 #include <ostream>
 #include <string>
 #include <utility>
@@ -27,8 +28,8 @@ struct RecordCase {
     Bytes file;
     Bytes memory;  // with kGapFill in the gaps
     Gaps gaps;
-    bool (*write)(FILE*, const void*);
-    bool (*read)(FILE*, void*);
+    std::function<bool(FILE*, const void*)> write;
+    std::function<bool(FILE*, void*)> read;
 };
 
 inline void PrintTo(const RecordCase& record, std::ostream* out) { *out << record.name; }
@@ -39,20 +40,33 @@ inline void FillGaps(Bytes& bytes, const Gaps& gaps, uint8_t value) {
     }
 }
 
-template <auto Writer, auto Reader, class Record>
-RecordCase Case(const char* name, uint32_t type, const Record& record, Bytes file, Gaps gaps) {
+template <class Record>
+RecordCase Case(const char* name, uint32_t type, bool (*write)(FILE*, const Record*),
+                bool (*read)(FILE*, Record*), const Record& record, const Bytes& file,
+                const Gaps& gaps) {
     Bytes memory(sizeof(Record));
     std::memcpy(memory.data(), &record, sizeof(Record));
     FillGaps(memory, gaps, kGapFill);
     return {name,
             type,
-            std::move(file),
-            std::move(memory),
-            std::move(gaps),
-            [](FILE* stream, const void* from) {
-                return Writer(stream, static_cast<const Record*>(from));
+            file,
+            memory,
+            gaps,
+            [=](FILE* stream, const void* from) {
+                return write(stream, static_cast<const Record*>(from));
             },
-            [](FILE* stream, void* to) { return Reader(stream, static_cast<Record*>(to)); }};
+            [=](FILE* stream, void* to) { return read(stream, static_cast<Record*>(to)); }};
+}
+
+// A record of 32-bit fields in their order, the rest of it without fields.
+template <class Record>
+RecordCase Fields(const char* name, uint32_t type, bool (*write)(FILE*, const Record*),
+                  bool (*read)(FILE*, Record*), const std::vector<uint32_t>& fields) {
+    Record record;
+    Bytes file(sizeof record);
+    std::memcpy(&record, fields.data(), 4 * fields.size());
+    for (size_t i = 0; i < fields.size(); ++i) Put(file, 4 * i, Big32(fields[i]));
+    return Case(name, type, write, read, record, file, {{4 * fields.size(), sizeof record}});
 }
 
 inline bool ReadCurrentEpochHeader(FILE* stream, ITCEpochHeader* record) {
@@ -81,9 +95,8 @@ inline RecordCase FileHeaderCase() {
         Join({Hex("C8 000000 01020304"), Text("slice 3", 511), Hex("7A"),
               Hex("01 02 0000 45480000 C28C0000 05 000000 00000007 FFFFFFFE 3F000000 02 01 FD 00"),
               Hex("FFFFFFFF"), Bytes(24)});
-    return Case<Write_ITCFileHeader, Read_ITCFileHeader>(
-        "FileHeader", kNoDispatch, header, file,
-        {{1, 4}, {522, 524}, {533, 536}, {551, 552}, {556, 580}});
+    return Case("FileHeader", kNoDispatch, Write_ITCFileHeader, Read_ITCFileHeader, header, file,
+                {{1, 4}, {522, 524}, {533, 536}, {551, 552}, {556, 580}});
 }
 
 inline RecordCase EpochHeaderCase() {
@@ -138,73 +151,44 @@ inline RecordCase EpochHeaderCase() {
                              Bytes(76),
                              Hex("C28C0000 FFFE"),
                              Bytes(22)});
-    return Case<Write_ITCEpochHeader, ReadCurrentEpochHeader>(
-        "EpochHeader", kNoDispatch, header, file, {{569, 572}, {741, 744}, {890, 912}});
+    return Case("EpochHeader", kNoDispatch, Write_ITCEpochHeader, ReadCurrentEpochHeader, header,
+                file, {{569, 572}, {741, 744}, {890, 912}});
+}
+
+inline RecordCase SumCase() {
+    ITCSummedParameters sum{.count = 2, .componentType = {3, -1, 14}, .components = {}};
+    sum.componentType[255] = 9;
+    return Case("Summed", kNoDispatch, Write_ITCSummedParameters, Read_ITCSummedParameters, sum,
+                Join({Hex("00000002 03 FF 0E"), Bytes(252), Hex("09"), Bytes(1024)}),
+                {{260, sizeof sum}});
 }
 
 // Fields of unlike values in declared order, so that exchanged ones show.
 inline std::vector<RecordCase> RecordCases() {
-    const Bytes five =
-        Hex("FFFFFFFF 00000002 00000003 00000004 00000005 00000000 00000000 00000000");
-    const Bytes seven =
-        Hex("80000000 00000002 00000003 00000004 00000005 00000006 7FFFFFFF"
-            "00000000 00000000 00000000");
-    ITCSummedParameters sum{.count = 2, .componentType = {3, -1, 14}, .components = {}};
-    sum.componentType[255] = 9;
+    const std::vector<uint32_t> five = {0xFFFFFFFF, 2, 3, 4, 5};
+    const std::vector<uint32_t> seven = {0x80000000, 2, 3, 4, 5, 6, 0x7FFFFFFF};
     return {
         FileHeaderCase(),
         EpochHeaderCase(),
-        Case<Write_ITCSineParameters, Read_ITCSineParameters>(
-            "Sine", 1, ITCSineParameters{1000, 0, 100, 0, 500, 10, 20, {}},
-            Hex("000003E8 00000000 00000064 00000000 000001F4 0000000A 00000014"
-                "00000000 00000000 00000000"),
-            {{28, 40}}),
-        Case<Write_ITCNoiseParameters, Read_ITCNoiseParameters>(
-            "Noise", 2,
-            ITCNoiseParameters{.amplitude = 500,
-                               .mean = -1,
-                               .seed = 0x12345678,
-                               .points = 4,
-                               .tailPoints = 5,
-                               .prePoints = 6,
-                               .smoothingPoints = 7,
-                               .cutoffFrequency = 3000,
-                               .filterOrder = 9},
-            Hex("000001F4 FFFFFFFF 12345678 00000004 00000005 00000006 00000007 00000BB8 00000009"),
-            {}),
-        Case<Write_ITCPulseParameters, Read_ITCPulseParameters>(
-            "Pulse", 3, ITCPulseParameters{-1, 2, 3, 4, 5, {}}, five, {{20, 32}}),
-        Case<Write_ITCRampParameters, Read_ITCRampParameters>(
-            "Ramp", 4, ITCRampParameters{-1, 2, 3, 4, 5, {}}, five, {{20, 32}}),
-        Case<Write_ITCGenericParameters, Read_ITCGenericParameters>(
-            "Generic", 6, ITCGenericParameters{-1, 2, 3, 4, 5, {}}, five, {{20, 32}}),
-        Case<Write_ITCSummedParameters, Read_ITCSummedParameters>(
-            "Summed", kNoDispatch, sum,
-            Join({Hex("00000002 03 FF 0E"), Bytes(252), Hex("09"), Bytes(1024)}),
-            {{260, sizeof(ITCSummedParameters)}}),
-        Case<Write_ITCSegmentedNoiseParameters, Read_ITCSegmentedNoiseParameters>(
-            "SegmentedNoise", 9,
-            ITCSegmentedNoiseParameters{INT32_MIN, 2, 3, 4, 5, 6, INT32_MAX, {}}, seven,
-            {{28, 40}}),
-        Case<Write_ITCBinaryNoiseParameters, Read_ITCBinaryNoiseParameters>(
-            "BinaryNoise", 10, ITCBinaryNoiseParameters{INT32_MIN, 2, 3, 4, 5, 6, INT32_MAX, {}},
-            seven, {{28, 40}}),
-        Case<Write_ITCGClampParameters, Read_ITCGClampParameters>(
-            "GClamp", 11, ITCGClampParameters{.excitatoryReversal = 0, .inhibitoryReversal = -70},
-            Hex("00000000 C28C0000"), {}),
-        Case<Write_ITCCirclePulseParameters, Read_ITCCirclePulseParameters>(
-            "CirclePulse", 12, ITCCirclePulseParameters{1, 2, 3, {4, 5, -6}, {7, 8, 9}, 10, 11, 12},
-            Hex("00000001 00000002 00000003 00000004 00000005 FFFFFFFA"
-                "00000007 00000008 00000009 0000000A 0000000B 0000000C"),
-            {}),
-        Case<Write_ITCAlternateVoltageParameters, Read_ITCAlternateVoltageParameters>(
-            "AlternateVoltage", 13, ITCAlternateVoltageParameters{2, -3, 4, 5, 6, 7, {}},
-            Hex("00000002 FFFFFFFD 00000004 00000005 00000006 00000007"
-                "00000000 00000000 00000000"),
-            {{24, 36}}),
-        Case<Write_ITCSpatialStimulusParameters, Read_ITCSpatialStimulusParameters>(
-            "Spatial", 14, ITCSpatialStmParameters{.points = 800, .reserved = {}},
-            Hex("00000320 00000000 00000000 00000000"), {{4, 16}}),
+        SumCase(),
+        Fields("Sine", 1, Write_ITCSineParameters, Read_ITCSineParameters, seven),
+        Fields("Noise", 2, Write_ITCNoiseParameters, Read_ITCNoiseParameters,
+               {500, 0xFFFFFFFF, 0x12345678, 4, 5, 6, 7, 3000, 9}),
+        Fields("Pulse", 3, Write_ITCPulseParameters, Read_ITCPulseParameters, five),
+        Fields("Ramp", 4, Write_ITCRampParameters, Read_ITCRampParameters, five),
+        Fields("Generic", 6, Write_ITCGenericParameters, Read_ITCGenericParameters, five),
+        Fields("SegmentedNoise", 9, Write_ITCSegmentedNoiseParameters,
+               Read_ITCSegmentedNoiseParameters, seven),
+        Fields("BinaryNoise", 10, Write_ITCBinaryNoiseParameters, Read_ITCBinaryNoiseParameters,
+               seven),
+        Fields("GClamp", 11, Write_ITCGClampParameters, Read_ITCGClampParameters,
+               {0x3F800000, 0xC28C0000}),
+        Fields("CirclePulse", 12, Write_ITCCirclePulseParameters, Read_ITCCirclePulseParameters,
+               {1, 2, 3, 4, 5, 0xFFFFFFFA, 7, 8, 9, 10, 11, 12}),
+        Fields("AlternateVoltage", 13, Write_ITCAlternateVoltageParameters,
+               Read_ITCAlternateVoltageParameters, {2, 0xFFFFFFFD, 4, 5, 6, 7}),
+        Fields("Spatial", 14, Write_ITCSpatialStimulusParameters, Read_ITCSpatialStimulusParameters,
+               {800}),
     };
 }
 

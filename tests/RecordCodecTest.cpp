@@ -1,6 +1,7 @@
 // Writing and reading every record of the data file.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 
 #include "Corvantis.h"
@@ -12,53 +13,48 @@ namespace {
 
 using namespace corvantis_test;
 
-class RecordCodec : public testing::TestWithParam<RecordCase> {};
+class RecordCodec : public testing::TestWithParam<RecordCase> {
+  protected:
+    // By the record's own function and, if its type is dispatched, by the dispatcher.
+    void ExpectWritten(FILE* own, FILE* dispatched, bool succeeds) {
+        EXPECT_EQ(record.write(own, record.memory.data()), succeeds);
+        if (record.type == kNoDispatch) return;
+        EXPECT_EQ(Write_ITCStimulusParameters(dispatched, record.memory.data(), record.type),
+                  succeeds);
+    }
+    void ExpectRead(const Bytes& bytes, const Bytes& expected) {
+        Bytes own(record.memory.size(), kGapFill), dispatched = own;
+        const bool succeeds = bytes.size() >= record.file.size();
+        const Stream stream = StreamOver(bytes), again = StreamOver(bytes);
+        ASSERT_EQ(record.read(stream.get(), own.data()), succeeds) << bytes.size();
+        EXPECT_EQ(ftell(stream.get()),
+                  static_cast<long>(std::min(bytes.size(), record.file.size())));
+        EXPECT_TRUE(!succeeds || own == expected) << testing::PrintToString(own);
+        if (record.type == kNoDispatch) return;
+        ASSERT_EQ(Read_ITCStimulusParameters(again.get(), dispatched.data(), record.type),
+                  succeeds);
+        EXPECT_EQ(dispatched, own);
+    }
+
+    const RecordCase& record = GetParam();
+};
 
 TEST_P(RecordCodec, WritesItsBytesWhateverLiesInTheGaps) {
-    const RecordCase& record = GetParam();
-    const Stream stream = StreamOver();
-    EXPECT_TRUE(record.write(stream.get(), record.memory.data()));
-    EXPECT_EQ(Content(stream.get()), record.file);
-    EXPECT_FALSE(record.write(RefusingStream().get(), record.memory.data()));
-    if (record.type == kNoDispatch) return;
-    const Stream dispatched = StreamOver();
-    EXPECT_TRUE(Write_ITCStimulusParameters(dispatched.get(), record.memory.data(), record.type));
-    EXPECT_EQ(Content(dispatched.get()), record.file);
-    EXPECT_FALSE(
-        Write_ITCStimulusParameters(RefusingStream().get(), record.memory.data(), record.type));
+    const Stream own = StreamOver(), dispatched = StreamOver();
+    ExpectWritten(own.get(), dispatched.get(), true);
+    EXPECT_EQ(Content(own.get()), record.file);
+    EXPECT_EQ(Content(dispatched.get()), record.type == kNoDispatch ? Bytes() : record.file);
+    ExpectWritten(RefusingStream().get(), RefusingStream().get(), false);
 }
 
 TEST_P(RecordCodec, ReadsItsFieldsAndLeavesTheGapsAlone) {
-    const RecordCase& record = GetParam();
     Bytes disturbed = record.file;
     FillGaps(disturbed, record.gaps, 0xEE);
-    const Stream stream = StreamOver(Join({disturbed, disturbed}));
-    Bytes memory(record.memory.size(), kGapFill);
-    EXPECT_TRUE(record.read(stream.get(), memory.data()));
-    EXPECT_EQ(memory, record.memory);
-    EXPECT_EQ(ftell(stream.get()), static_cast<long>(record.file.size()));
-    if (record.type == kNoDispatch) return;
-    memory.assign(memory.size(), kGapFill);
-    EXPECT_TRUE(Read_ITCStimulusParameters(stream.get(), memory.data(), record.type));
-    EXPECT_EQ(memory, record.memory);
-    EXPECT_EQ(ftell(stream.get()), static_cast<long>(2 * record.file.size()));
-}
-
-TEST_P(RecordCodec, FailsWhereverTheStreamEndsInside) {
-    const RecordCase& record = GetParam();
-    Bytes memory(record.memory.size());
-    for (size_t size = 0; size < record.file.size(); ++size) {
-        const Bytes shorter = First(record.file, size);
-        ASSERT_FALSE(record.read(StreamOver(shorter).get(), memory.data())) << size;
-        if (record.type == kNoDispatch) continue;
-        ASSERT_FALSE(
-            Read_ITCStimulusParameters(StreamOver(shorter).get(), memory.data(), record.type))
-            << size;
-    }
+    ExpectRead(Join({disturbed, disturbed}), record.memory);
+    for (size_t size = 0; size < record.file.size(); ++size) ExpectRead(First(disturbed, size), {});
 }
 
 TEST_P(RecordCodec, GivesBackAnyContent) {
-    const RecordCase& record = GetParam();
     PseudoRandom random;
     for (int repetition = 0; repetition < 50; ++repetition) {
         Bytes memory(record.memory.size());
@@ -66,10 +62,7 @@ TEST_P(RecordCodec, GivesBackAnyContent) {
         FillGaps(memory, record.gaps, kGapFill);
         const Stream stream = StreamOver();
         ASSERT_TRUE(record.write(stream.get(), memory.data()));
-        rewind(stream.get());
-        Bytes readBack(memory.size(), kGapFill);
-        ASSERT_TRUE(record.read(stream.get(), readBack.data()));
-        ASSERT_EQ(readBack, memory);
+        ExpectRead(Content(stream.get()), memory);
     }
 }
 
@@ -91,6 +84,45 @@ TEST(StimulusDispatcher, TypesWithoutAnEncodingPrintAndCountAsDone) {
         EXPECT_EQ(ftell(stream.get()), 3);
         EXPECT_EQ(record, Bytes(record.size(), kGapFill));
         EXPECT_EQ(Content(stream.get()), Bytes(2000, 1));
+    }
+}
+
+// Files of version 6 and older store no latency. Expected: index of the first dynamic clamp, or
+// the entries, + 2 * entries + 5.
+TEST(EpochHeaderOfOldFiles, HasALatencyFromItsSequence) {
+    struct Case {
+        int32_t entries;
+        uint16_t latency;
+        Bytes bytesFromTypes;  // the stimulus types, then on into the unit names
+    };
+    for (const Case& each : {
+             Case{3, 12, {1, 11, 1}},
+             Case{3, 13, {1, 1, 11}},
+             Case{2, 11, {1, 2}},
+             Case{2, 11, {1, 2, 11}},
+             Case{2, 9, {11, 11}},
+             Case{4, 17, {1, 1, 1, 1, 11}},
+             Case{0, 5, {1, 11}},
+             Case{-2, 1, {1, 11}},
+             Case{-3, 65535, {}},
+             Case{5, 19, {1, 1, 1, 1, 11}},            // first letter of the first output unit
+             Case{6, 23, {1, 1, 1, 1, 'p', 'A', 11}},  // 6 + 12 + 5
+             Case{100000, 37861, {1, 1, 1, 1}},        // 300005 modulo 65536
+             Case{INT32_MAX, 2, {1, 1, 1, 1, 'p'}},    // 3 * 65535 + 5 modulo 65536
+             Case{INT32_MIN, 5, {1, 11}},
+         }) {
+        Bytes file(912);
+        Put(file, 580, Big32(static_cast<uint32_t>(each.entries)));
+        Put(file, 605, each.bytesFromTypes);
+        Put(file, 888, Hex("1234"));
+        for (const int32_t version : {-128, 0, 1, 5, 6, 7, 8, 9, 127}) {
+            ITCEpochHeader header{};
+            EXPECT_TRUE(Read_ITCEpochHeader(StreamOver(file).get(), &header, version));
+            EXPECT_EQ(header.pointsLatency, version <= 6 ? each.latency : 0x1234)
+                << each.entries << ", " << version;
+        }
+        ITCEpochHeader header{};
+        EXPECT_FALSE(Read_ITCEpochHeader(StreamOver(First(file, 911)).get(), &header, 6));
     }
 }
 

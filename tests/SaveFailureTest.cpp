@@ -2,9 +2,8 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
-#include <algorithm>
 #include <csignal>
-#include <cstdio>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
@@ -18,13 +17,36 @@ namespace {
 
 using namespace corvantis_test;
 
+class SavingUnderDifficulties : public RecordingTest {
+  protected:
+    // Every sample is the epoch's number.
+    int32_t SaveEpoch(int32_t number) {
+        epochhdr->epochTime = static_cast<float>(number);
+        session.input.assign(session.input.size(), static_cast<uint16_t>(number));
+        return ITCSaveToFile();
+    }
+    // The numbers of the epochs that a fresh opening can read whole.
+    std::vector<int32_t> ReadableEpochs(const std::string& file) {
+        std::vector<int32_t> numbers;
+        ITCCloseFile();
+        EXPECT_EQ(ITCOpenFile(file.c_str()), ITC_SUCCESS);
+        for (int32_t epoch = 0; epoch < filehdr->numEpochs; ++epoch) {
+            if (ITCRetrieveEpoch(epoch) != ITC_SUCCESS) continue;
+            const auto number = static_cast<int32_t>(epochhdr->epochTime);
+            const auto samples = static_cast<size_t>(epochhdr->epochPoints) *
+                                 static_cast<size_t>(epochhdr->sequenceLength);
+            EXPECT_EQ(First(session.input, samples),
+                      Samples(samples, static_cast<uint16_t>(number)));
+            numbers.push_back(number);
+        }
+        return numbers;
+    }
+};
+
 // A save that cannot succeed says so before it touches anything.
-TEST(SavingUnderDifficulties, RefusalsChangeNothing) {
-    LibrarySession session(10);
-    const TemporaryFolder folder;
-    const std::string path = folder.File("data.itc");
+TEST_F(SavingUnderDifficulties, RefusalsChangeNothing) {
     SetUpPulseEpoch();
-    ASSERT_EQ(ITCCreateFile(path.c_str(), 0), ITC_SUCCESS);
+    ASSERT_EQ(Create(), ITC_SUCCESS);
     ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);
     const Bytes saved = FileContent(path);
     const auto expectRefused = [&](const char* reason) {
@@ -33,6 +55,7 @@ TEST(SavingUnderDifficulties, RefusalsChangeNothing) {
         EXPECT_EQ(FileContent(path), saved) << reason;
     };
     SetUpPulseEpoch(3);
+    *ITCbufsize = 10;
     expectRefused("12 samples, input buffer of 10");
     for (const int32_t entries : {5, -1, 49152}) {
         epochhdr->sequenceLength = entries;
@@ -47,70 +70,55 @@ TEST(SavingUnderDifficulties, RefusalsChangeNothing) {
     EpochPosition[1] = 1532;
     EXPECT_EQ(ITCCloseFile(), 0);
     expectRefused("closed file");
-    ASSERT_EQ(ITCOpenFile(path.c_str()), ITC_SUCCESS);
+    ASSERT_EQ(Open(), ITC_SUCCESS);
     expectRefused("file open for reading");
 }
 
 // An epoch lost to a missing stimulus must not take another one with it.
-TEST(SavingUnderDifficulties, AFailedSaveIsCountedAndSparesItsNeighbours) {
-    LibrarySession session;
-    const TemporaryFolder folder;
-    const std::string path = folder.File("data.itc");
-    ASSERT_EQ(ITCCreateFile(path.c_str(), 0), ITC_SUCCESS);
+TEST_F(SavingUnderDifficulties, AFailedSaveIsCountedAndSparesItsNeighbours) {
+    ASSERT_EQ(Create(), ITC_SUCCESS);
     ITCSummedParameters missing{.count = 2, .componentType = {3, 3}, .components = {}};
-    ITCSummedParameters untyped{.count = 2, .componentType = {}, .components = {}};
     const std::function<void()> spoilers[] = {
         [] { ITCFreeParams(1); },
         [] { epochhdr->stimType[1] = 0; },
         [] { epochhdr->stimType[1] = 15; },
         [&] { EXPECT_EQ(ITCSummedParams(1, &missing), 0); },
-        [&] { EXPECT_EQ(ITCSummedParams(1, &untyped), 0); },
+        [] { EXPECT_EQ(InstallSum(1, 2), 0); },
     };
     int32_t epochs = 0;
+    std::vector<int32_t> expected;
     for (const auto& spoil : spoilers) {
         SetUpPulseEpoch(2);
-        Acquire(session, Samples(8, static_cast<uint16_t>(epochs)));
-        ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+        ASSERT_EQ(SaveEpoch(epochs), ITC_SUCCESS);
         spoil();
-        EXPECT_EQ(ITCSaveToFile(), ITC_FILE_ERROR);
+        EXPECT_EQ(SaveEpoch(99), ITC_FILE_ERROR);
+        expected.insert(expected.end(), {epochs, epochs + 2});  // the next has the place of both
         epochs += 2;
         EXPECT_EQ(filehdr->numEpochs, epochs);
     }
     SetUpPulseEpoch(2);
-    ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);
-    ASSERT_EQ(ITCCloseFile(), 0);
-    ASSERT_EQ(ITCOpenFile(path.c_str()), ITC_SUCCESS);
-    ASSERT_EQ(filehdr->numEpochs, epochs + 1);
-    for (int32_t epoch = 0; epoch < epochs; epoch += 2) {
-        ASSERT_EQ(ITCRetrieveEpoch(epoch), ITC_SUCCESS);
-        EXPECT_EQ(session.input[7], epoch);
-    }
-    EXPECT_EQ(ITCRetrieveEpoch(epochs), ITC_SUCCESS);
+    ASSERT_EQ(SaveEpoch(epochs), ITC_SUCCESS);
+    expected.push_back(epochs);
+    EXPECT_EQ(ReadableEpochs(path), expected);
 }
 
 // Looking at an earlier epoch during the experiment moves the stream into the middle of the data.
-TEST(SavingUnderDifficulties, AppendsAlsoAfterReadingBack) {
-    LibrarySession session;
-    const TemporaryFolder folder;
-    ASSERT_EQ(ITCCreateFile(folder.File("data.itc").c_str(), 0), ITC_SUCCESS);
-    for (uint16_t epoch = 0; epoch < 5; ++epoch) {
+TEST_F(SavingUnderDifficulties, AppendsAlsoAfterReadingBack) {
+    ASSERT_EQ(Create(), ITC_SUCCESS);
+    for (const int32_t epoch : {0, 1, 2, 3, 4}) {
         SetUpPulseEpoch();
-        Acquire(session, Samples(4, epoch));
-        ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+        ASSERT_EQ(SaveEpoch(epoch), ITC_SUCCESS);
         ASSERT_EQ(ITCRetrieveEpoch(0), ITC_SUCCESS);
     }
-    for (int32_t epoch = 0; epoch < 5; ++epoch) {
-        ASSERT_EQ(ITCRetrieveEpoch(epoch), ITC_SUCCESS);
-        EXPECT_EQ(session.input[3], epoch);
-    }
+    EXPECT_EQ(ReadableEpochs(path), (std::vector<int32_t>{0, 1, 2, 3, 4}));
 }
 
 // No file may grow beyond so many bytes while this lives, as on a full disk.
 class FullDisk {
   public:
-    explicit FullDisk(rlim_t size) : formerAction(signal(SIGXFSZ, SIG_IGN)) {
+    explicit FullDisk(int64_t size) : formerAction(signal(SIGXFSZ, SIG_IGN)) {
         getrlimit(RLIMIT_FSIZE, &former);
-        const rlimit limit{size, former.rlim_max};
+        const rlimit limit{static_cast<rlim_t>(size), former.rlim_max};
         setrlimit(RLIMIT_FSIZE, &limit);
     }
     FullDisk(const FullDisk&) = delete;
@@ -125,69 +133,55 @@ class FullDisk {
     rlimit former{};
 };
 
-// Wherever the disk fills up, in the epoch or in its table: what was there before stays readable,
-// and the next epoch can be saved as soon as there is room.
-void ExpectOneEpochLost(int32_t points, rlim_t size) {
-    SCOPED_TRACE(testing::Message() << points << " points, full at " << size);
-    LibrarySession session;
-    const TemporaryFolder folder;
-    const std::string path = folder.File("data.itc");
-    ASSERT_EQ(ITCCreateFile(path.c_str(), 0), ITC_SUCCESS);
-    SetUpPulseEpoch();
-    Acquire(session, {1, 2, 3, 4});
-    ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);
-    const Bytes before = FileContent(path);
-    const ITCPulseParameters pulse{5, 0, points, 0, 0, {}};
-    SetUpAcquisition(1, points);
-    ASSERT_EQ(ITCPulseParams(0, &pulse), ITC_SUCCESS);
-    {
-        const FullDisk full(size);
-        EXPECT_EQ(ITCSaveToFile(), ITC_FILE_ERROR);
-    }
-    const Bytes after = FileContent(path);
-    ASSERT_GE(after.size(), before.size());
-    EXPECT_EQ(First(after, before.size()), before);
-    Acquire(session, {6, 7, 8, 9});
-    EXPECT_EQ(ITCSaveToFile(), ITC_SUCCESS);
-    ASSERT_EQ(ITCCloseFile(), 0);
-    ASSERT_EQ(ITCOpenFile(path.c_str()), ITC_SUCCESS);
-    ASSERT_EQ(filehdr->numEpochs, 3);
-    for (const uint16_t epoch : Samples{0, 2}) {
-        ASSERT_EQ(ITCRetrieveEpoch(epoch), ITC_SUCCESS);
-        EXPECT_EQ(session.input[3], epoch == 0 ? 4 : 9);
-    }
-}
-
-TEST(SavingUnderDifficulties, AFullDiskCostsOneEpoch) {
-    for (const int32_t points : {4, 5000}) {  // within one buffer of the stream, and beyond
-        const auto samples = static_cast<rlim_t>(1532 + 912 + 32);
-        const rlim_t table = samples + 2 * static_cast<rlim_t>(points);
-        for (const rlim_t size :
-             {rlim_t{1536}, samples - 33, samples - 1, samples + 1, table - 1, table, table + 7}) {
-            ExpectOneEpochLost(points, size);
+// Wherever the disk fills up, from the first byte that the second epoch needs to the last one that
+// it and its table fill: what was there before stays readable, also if the program ends now, and
+// further epochs can be saved as soon as there is room.
+TEST_F(SavingUnderDifficulties, AFullDiskCostsOnlyTheEpochsThatFoundNoRoom) {
+    const std::string asLeft = folder.File("as-left.itc");
+    for (const int64_t points : {4, 5000}) {  // within one buffer of the stream, and beyond
+        const int64_t epoch = 912 + 32 + 2 * points;
+        for (const int64_t room : {int64_t{4}, int64_t{5}, int64_t{911}, int64_t{912}, int64_t{943},
+                                   int64_t{945}, epoch - 1, epoch, epoch + 1, epoch + 7}) {
+            SCOPED_TRACE(testing::Message() << points << " points, room for " << room);
+            const ITCPulseParameters pulse{5, 0, static_cast<int32_t>(points), 0, 0, {}};
+            SetUpAcquisition(1, static_cast<int32_t>(points));
+            ASSERT_EQ(ITCPulseParams(0, &pulse), ITC_SUCCESS);
+            filehdr->numEpochs = 0;
+            EpochPosition[0] = 580;
+            ASSERT_EQ(Create(), ITC_SUCCESS);
+            ASSERT_EQ(SaveEpoch(1), ITC_SUCCESS);
+            {
+                const FullDisk full(580 + epoch + room);
+                ASSERT_EQ(SaveEpoch(2), ITC_FILE_ERROR);
+                ASSERT_EQ(SaveEpoch(3), ITC_FILE_ERROR);
+            }
+            std::filesystem::copy_file(path, asLeft,
+                                       std::filesystem::copy_options::overwrite_existing);
+            ASSERT_EQ(SaveEpoch(4), ITC_SUCCESS);
+            ASSERT_EQ(SaveEpoch(5), ITC_SUCCESS);
+            EXPECT_EQ(ReadableEpochs(asLeft), (std::vector<int32_t>{1}));
+            // The failed epochs' numbers read as the one that took their place.
+            EXPECT_EQ(ReadableEpochs(path), (std::vector<int32_t>{1, 4, 4, 4, 5}));
+            ITCCloseFile();
         }
     }
+    const FullDisk full(100);
+    EXPECT_EQ(Create(), ITC_FILE_ERROR);
+    EXPECT_EQ(ITCSaveToFile(), ITC_FILE_ERROR);
+    EXPECT_EQ(ITCCloseFile(), -1);
 }
 
-TEST(SavingUnderDifficulties, GoesOnBeyondTwoGibibytes) {
-    LibrarySession session;
-    const TemporaryFolder folder;
-    const std::string path = folder.File("data.itc");
+TEST_F(SavingUnderDifficulties, GoesOnBeyondTwoGibibytes) {
     SetUpPulseEpoch();
-    ASSERT_EQ(ITCCreateFile(path.c_str(), 0), ITC_SUCCESS);
+    ASSERT_EQ(Create(), ITC_SUCCESS);
     const uint32_t start = 0xC0000000;
     EpochPosition[0] = start;
     ASSERT_EQ(fseek(ITCOpenFilePtr, 0x60000000, SEEK_SET), 0);
     ASSERT_EQ(fseek(ITCOpenFilePtr, 0x60000000, SEEK_CUR), 0);
-    Acquire(session, {1, 2, 3, 4});
-    ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+    ASSERT_EQ(SaveEpoch(7), ITC_SUCCESS);
     EXPECT_EQ(static_cast<uint32_t>(filehdr->epochTablePosition), start + 952);
-    ASSERT_EQ(ITCCloseFile(), 0);
-    session.input.assign(session.input.size(), 0);
-    ASSERT_EQ(ITCOpenFile(path.c_str()), ITC_SUCCESS);
+    EXPECT_EQ(ReadableEpochs(path), std::vector<int32_t>{7});
     EXPECT_EQ(EpochPosition[0], start);
-    ASSERT_EQ(ITCRetrieveEpoch(0), ITC_SUCCESS);
-    EXPECT_EQ(First(session.input, 4), Samples({1, 2, 3, 4}));
 }
 
 }  // namespace

@@ -1,9 +1,13 @@
-// The stimulus slots: what the builders accept and keep, and the sizes of the records.
+// The stimulus slots: what builders and adders accept and keep, and what is given back.
 #include <gtest/gtest.h>
+#include <malloc.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <string>
+#include <utility>
 
 #include "Corvantis.h"
 #include "LibrarySession.h"
@@ -11,25 +15,13 @@
 
 namespace {
 
-using corvantis_test::Entry;
-using corvantis_test::kAdders;
-using corvantis_test::kBuilders;
-using corvantis_test::kEpochPoints;
-using corvantis_test::kLatency;
-using corvantis_test::LibrarySession;
-using corvantis_test::QuietOutput;
-using corvantis_test::Runs;
+using namespace corvantis_test;
 
 class SlotsTest : public testing::Test {
   protected:
     SlotsTest() { epochhdr->epochPoints = kEpochPoints; }
-    static const ITCSummedParameters& Sum(size_t channel) {
-        return *static_cast<const ITCSummedParameters*>(StmParameters[channel]);
-    }
-    static void InstallSum(int32_t channel, int32_t count) {
-        ITCSummedParameters sum{};
-        sum.count = count;
-        ASSERT_EQ(ITCSummedParams(channel, &sum), ITC_SUCCESS);
+    static ITCSummedParameters& Sum(size_t channel) {
+        return *static_cast<ITCSummedParameters*>(StmParameters[channel]);
     }
 
     LibrarySession session;
@@ -54,7 +46,6 @@ TEST_F(SlotsTest, LengthsThatDoNotFillTheEpochAreRefused) {
                           {INT32_MAX, 1001, INT32_MIN},
                           {INT32_MAX, INT32_MAX, 1002}};
     for (const Entry& builder : kBuilders) {
-        ASSERT_EQ(ITCFreeParams(0), ITC_SUCCESS);
         ASSERT_EQ(builder.give(0, {}), ITC_SUCCESS);
         epochhdr->stimType[0] = 99;
         const void* const kept = StmParameters[0];
@@ -66,8 +57,6 @@ TEST_F(SlotsTest, LengthsThatDoNotFillTheEpochAreRefused) {
             EXPECT_EQ(epochhdr->stimType[0], 99);
         }
         for (const Runs& runs : right) EXPECT_EQ(builder.give(0, runs), ITC_SUCCESS);
-        EXPECT_EQ(builder.give(0, {1, 2, 3}),
-                  builder.lengthsTested ? ITC_BAD_ARGUMENT : ITC_SUCCESS);
     }
 }
 
@@ -81,7 +70,7 @@ TEST_F(SlotsTest, ARecordCanTakeItsOwnPlace) {
     EXPECT_EQ(static_cast<const ITCPulseParameters*>(StmParameters[0])->amplitude, 77);
     InstallSum(1, 3);
     ASSERT_EQ(ITCAddPulseParams(1, &pulse), ITC_SUCCESS);
-    ASSERT_EQ(ITCSummedParams(1, static_cast<ITCSummedParameters*>(StmParameters[1])), ITC_SUCCESS);
+    ASSERT_EQ(ITCSummedParams(1, &Sum(1)), ITC_SUCCESS);
     EXPECT_EQ(Sum(1).count, 3);
     EXPECT_EQ(Sum(1).components[0], nullptr);
 }
@@ -106,21 +95,6 @@ TEST_F(SlotsTest, BadChannelsAndMissingRecordsChangeNothing) {
     EXPECT_EQ(Sum(2).components[0], nullptr);
 }
 
-TEST(SlotsWithoutStartTest, EverythingButTheLatencyTestRefuses) {
-    { const LibrarySession ended; }
-    uint32_t size = 4711;
-    for (const Entry& builder : kBuilders) EXPECT_EQ(builder.give(1, {}), ITC_NOT_STARTED);
-    for (const Entry& adder : kAdders) EXPECT_EQ(adder.give(1, {}), ITC_NOT_STARTED);
-    EXPECT_EQ(ITCStmParamsSize(&size, 1), ITC_NOT_STARTED);
-    EXPECT_EQ(size, 4711U);
-    EXPECT_EQ(ITCNewRandomSeed(1, 0, 0), ITC_NOT_STARTED);
-    EXPECT_EQ(ITCFreeParams(0), ITC_SUCCESS);
-    const ITCGClampParameters clamp{};
-    QuietOutput quiet;
-    EXPECT_EQ(ITCGClampParams(0, &clamp, 5), ITC_BAD_ARGUMENT);
-    EXPECT_EQ(ITCGClampParams(0, &clamp, 65536), ITC_BAD_ARGUMENT);
-}
-
 TEST_F(SlotsTest, LatencyOfTheDynamicClamp) {
     struct Case {
         int32_t latency, result;
@@ -141,21 +115,102 @@ TEST_F(SlotsTest, LatencyOfTheDynamicClamp) {
         EXPECT_EQ(printed.Text(), *lines ? start + lines : "");
         EXPECT_EQ(epochhdr->pointsLatency, stored) << latency;
     }
+    const QuietOutput quiet;
+    InitFlag = 0;  // the latency is looked at first
+    EXPECT_EQ(ITCGClampParams(0, nullptr, 5), ITC_BAD_ARGUMENT);
+    EXPECT_EQ(ITCGClampParams(0, nullptr, 65536), ITC_BAD_ARGUMENT);
+    InitFlag = 1;
 }
 
 TEST_F(SlotsTest, RecordSizes) {
+    const auto expectSize = [](uint32_t type, uint32_t expected) {
+        uint32_t size = 4711;
+        EXPECT_EQ(ITCStmParamsSize(&size, type), expected == 4711 ? ITC_FILE_ERROR : ITC_SUCCESS);
+        EXPECT_EQ(size, expected) << type;
+    };
+    for (const Entry& builder : kBuilders)
+        expectSize(static_cast<uint32_t>(builder.type), builder.type == 7 ? 4711U : builder.size);
+    for (const uint32_t type : {0U, 15U, 255U, 0x80000000U, 0xFFFFFFFFU}) expectSize(type, 4711);
+}
+
+TEST_F(SlotsTest, AddersFillTheFirstFreeComponentWithACopy) {
+    auto own = Patterned<ITCSummedParameters>({});
+    own.count = std::size(kAdders);
+    ASSERT_EQ(ITCSummedParams(3, &own), ITC_SUCCESS);
+    const auto isNull = [](const void* component) { return component == nullptr; };
+    EXPECT_TRUE(std::all_of(std::begin(own.components), std::end(own.components), isNull));
+    epochhdr->pointsLatency = 9;
+    for (size_t k = 0; k < std::size(kAdders); ++k) {
+        EXPECT_EQ(Sum(3).components[k], nullptr);
+        ASSERT_EQ(kAdders[k].give(3, {1, 2, 3}), ITC_SUCCESS) << k;
+        EXPECT_EQ(Sum(3).componentType[k], kAdders[k].type);
+    }
+    EXPECT_EQ(epochhdr->pointsLatency, 9);
+    for (const Entry& adder : kAdders) EXPECT_EQ(adder.give(3, {}), ITC_STIMULUS_ERROR);
+    EXPECT_EQ(Sum(3).componentType[std::size(kAdders)], 0x35) << "a refused adder left its type";
+    for (const Entry& adder : kAdders) {
+        ITCFree(Sum(3).components[4]);
+        Sum(3).components[4] = nullptr;
+        ASSERT_EQ(adder.give(3, {}), ITC_SUCCESS);
+        EXPECT_EQ(Sum(3).componentType[4], adder.type);
+        EXPECT_TRUE(adder.isCopy(Sum(3).components[4])) << int{adder.type};
+    }
+}
+
+TEST_F(SlotsTest, AddersNeedASumWithRoom) {
+    const ITCPulseParameters pulse{};
+    EXPECT_EQ(ITCAddPulseParams(0, &pulse), ITC_STIMULUS_ERROR);
+    epochhdr->stimType[0] = 7;
+    EXPECT_EQ(ITCAddPulseParams(0, &pulse), ITC_STIMULUS_ERROR) << "the slot is empty";
+    ASSERT_EQ(kBuilders[2].give(0, {}), ITC_SUCCESS);
+    EXPECT_EQ(ITCAddPulseParams(0, &pulse), ITC_STIMULUS_ERROR);
+    // A count is taken as it is given; it never leads past the entries that there are.
+    for (const auto& [count, room] : {std::pair{0, 0}, std::pair{-1, 0}, std::pair{2, 2},
+                                      std::pair{256, 256}, std::pair{INT32_MAX, 256}}) {
+        InstallSum(0, count);
+        for (int k = 0; k < room; ++k) ASSERT_EQ(ITCAddPulseParams(0, &pulse), ITC_SUCCESS) << k;
+        EXPECT_EQ(ITCAddPulseParams(0, &pulse), ITC_STIMULUS_ERROR) << count;
+        EXPECT_EQ(Sum(0).count, count);
+    }
+}
+
+TEST_F(SlotsTest, ReleaseGivesTheMemoryBackAndLeavesTheType) {
+    size_t inUse = 0;
+    for (int round = 0; round < 200; ++round) {
+        for (const Entry& builder : kBuilders) {
+            InstallSum(0, 3);
+            for (const int adder : {0, 4, 9}) ASSERT_EQ(kAdders[adder].give(0, {}), ITC_SUCCESS);
+            ASSERT_EQ(builder.give(0, {}), ITC_SUCCESS);
+            if (round % 2 == 0) continue;
+            EXPECT_EQ(ITCFreeParams(0), ITC_SUCCESS);
+            EXPECT_EQ(StmParameters[0], nullptr);
+            EXPECT_EQ(epochhdr->stimType[0], builder.type);
+        }
+        EXPECT_EQ(ITCFreeParams(0), ITC_SUCCESS);
+        if (round == 1) inUse = mallinfo2().uordblks;
+    }
+    EXPECT_LT(mallinfo2().uordblks, inUse + 100 * 8) << "less than one lost record in two rounds";
+}
+
+TEST_F(SlotsTest, NewSeeds) {
     for (const Entry& builder : kBuilders) {
-        uint32_t size = 4711;
-        const bool sum = builder.type == 7;
-        EXPECT_EQ(ITCStmParamsSize(&size, static_cast<uint32_t>(builder.type)),
-                  sum ? ITC_FILE_ERROR : ITC_SUCCESS);
-        EXPECT_EQ(size, sum ? 4711U : builder.size);
+        if (builder.type == 7) continue;
+        ASSERT_EQ(builder.give(0, {}), ITC_SUCCESS);
+        const bool noise = builder.type == 2 || builder.type == 9 || builder.type == 10;
+        EXPECT_EQ(ITCNewRandomSeed(-99, 0, 7777), noise ? ITC_SUCCESS : ITC_STIMULUS_ERROR);
+        EXPECT_NE(builder.isCopy(StmParameters[0]), noise);
     }
-    for (const uint32_t type : {0U, 15U, 255U, 0x80000000U, 0xFFFFFFFFU}) {
-        uint32_t size = 4711;
-        EXPECT_EQ(ITCStmParamsSize(&size, type), ITC_FILE_ERROR);
-        EXPECT_EQ(size, 4711U);
-    }
+    InstallSum(1, 5);
+    for (const int adder : {2, 1, 5, 6}) ASSERT_EQ(kAdders[adder].give(1, {}), ITC_SUCCESS);
+    for (const uint32_t component : {0U, 4U, 256U, 0xFFFFFFFFU})
+        EXPECT_EQ(ITCNewRandomSeed(5, 1, component), ITC_STIMULUS_ERROR) << component;
+    for (const uint32_t component : {1U, 2U, 3U})
+        EXPECT_EQ(ITCNewRandomSeed(100 + static_cast<int32_t>(component), 1, component), 0);
+    EXPECT_EQ(static_cast<ITCNoiseParameters*>(Sum(1).components[1])->seed, 101);
+    EXPECT_EQ(static_cast<ITCSegmentedNoiseParameters*>(Sum(1).components[2])->seed, 102);
+    EXPECT_EQ(static_cast<ITCBinaryNoiseParameters*>(Sum(1).components[3])->seed, 103);
+    epochhdr->stimType[2] = 9;
+    EXPECT_EQ(ITCNewRandomSeed(5, 2, 0), ITC_STIMULUS_ERROR) << "the slot is empty";
 }
 
 }  // namespace

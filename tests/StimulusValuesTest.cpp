@@ -1,10 +1,13 @@
-// Single values out of a stimulus record: amplitude, mean, lengths and seed.
+// Single values out of a stimulus record, and by epoch number, channel and component.
 #include <gtest/gtest.h>
 
-#include <climits>
+#include <array>
 #include <cstdint>
+#include <optional>
 
+#include "AnalysisFile.h"
 #include "Corvantis.h"
+#include "FileBytes.h"
 #include "LibrarySession.h"
 #include "PulseEpoch.h"
 
@@ -12,61 +15,41 @@ namespace {
 
 using namespace corvantis_test;
 
-constexpr int32_t kNone = INT_MIN;
+constexpr int32_t kNone = INT32_MIN;
 
-// Expected amplitude, mean, points, pre-points and tail points of each type; kNone: no such value.
-struct ValueCase {
-    const void* record;
-    int8_t type;
-    int32_t values[5];
-};
-
-TEST(StimulusValues, EveryTypeByItsTable) {
-    const LibrarySession session;
-    static const ITCNoiseParameters noise{1, 2, 3, 4, 5, 6, 7, 8, 9};
-    static const ITCPulseParameters eight{1, 2, 3, 4, 5, {6, 7, 8}};
-    static const ITCBinaryNoiseParameters ten{1, 2, 3, 4, 5, 6, 7, {8, 9, 10}};
-    static const ITCSineParameters sine{-1, 2, 3, 4, 5, 6, 7, {}};
-    static const ITCAlternateVoltageParameters alternating{1, 2, 3, 4, 5, 6, {}};
-    static const ITCCirclePulseParameters circle{1, 2, 3, {4, 5, 6}, {7, 8, 9}, 10, 11, 12};
-    static const ITCSummedParameters any{};
-    const int32_t none = kNone;
-    const ValueCase cases[] = {
-        {&sine, 1, {-1, 2, 5, 7, 6}},
-        {&noise, 2, {1, 2, 4, 6, 5}},
-        {&eight, 3, {1, 2, 3, 5, 4}},
-        {&eight, 4, {1, 2, 3, 5, 4}},
-        {&eight, 6, {1, 2, 3, 5, 4}},
-        {&ten, 9, {1, 2, 4, 6, 5}},
-        {&ten, 10, {1, 2, 4, 6, 5}},
-        {nullptr, 11, {0, 0, 0, 0, 0}},
-        {&circle, 12, {none, none, 10, 12, 11}},
-        {&alternating, 13, {2, 3, 4, 6, 5}},
-        {&any, 5, {none, none, none, none, none}},
-        {&any, 7, {none, none, none, none, none}},
-        {&any, 8, {none, none, none, none, none}},
-        {&any, 14, {none, none, none, none, none}},
-        {&any, 0, {none, none, none, none, none}},
-        {&any, 15, {none, none, none, none, none}},
-        {&any, -1, {none, none, none, none, none}},
-        {&any, -128, {none, none, none, none, none}},
-    };
-    using Query = int32_t (*)(int32_t*, int8_t, const void*);
-    const Query queries[5] = {ITCRetrieveStmAmp, ITCRetrieveStmMean, ITCRetrieveStmPts,
-                              ITCRetrieveStmPrePts, ITCRetrieveStmTailPts};
-    for (const ValueCase& each : cases) {
-        for (size_t i = 0; i < 5; ++i) {
-            int32_t value = kNone;
-            const int32_t result = each.values[i] == kNone ? ITC_STIMULUS_ERROR : ITC_SUCCESS;
-            EXPECT_EQ(queries[i](&value, each.type, each.record), result) << int{each.type};
-            EXPECT_EQ(value, each.values[i]) << int{each.type} << ", query " << i;
-        }
+// Expected amplitude, mean, points, pre-points and tail points; kNone: no such value.
+void ExpectValues(int8_t type, const void* record, const std::array<int32_t, 5>& expected) {
+    const std::array queries = {ITCRetrieveStmAmp, ITCRetrieveStmMean, ITCRetrieveStmPts,
+                                ITCRetrieveStmPrePts, ITCRetrieveStmTailPts};
+    for (size_t i = 0; i < queries.size(); ++i) {
+        int32_t value = kNone;
+        const int32_t result = expected[i] == kNone ? ITC_STIMULUS_ERROR : ITC_SUCCESS;
+        EXPECT_EQ(queries[i](&value, type, record), result) << int{type};
+        EXPECT_EQ(value, expected[i]) << int{type} << ", query " << i;
+        InitFlag = 0;
+        EXPECT_EQ(queries[i](&value, type, record), ITC_NOT_STARTED);
+        InitFlag = 1;
     }
-    InitFlag = 0;
-    int32_t value = 99;
-    for (const Query query : queries) EXPECT_EQ(query(&value, 1, &sine), ITC_NOT_STARTED);
-    InitFlag = 1;
-    EXPECT_EQ(value, 99);
+}
+
+TEST(StimulusValues, EveryTypeByItsFields) {
+    const LibrarySession session;
+    const ITCNoiseParameters noise{1, 2, 3, 4, 5, 6, 7, 8, 9};
+    const ITCPulseParameters eight{1, 2, 3, 4, 5, {6, 7, 8}};
+    const ITCBinaryNoiseParameters ten{1, 2, 3, 4, 5, 6, 7, {8, 9, 10}};
+    const ITCSineParameters sine{-1, 2, 3, 4, 5, 6, 7, {}};
+    const ITCAlternateVoltageParameters alternating{1, 2, 3, 4, 5, 6, {}};
+    const ITCCirclePulseParameters circle{1, 2, 3, {4, 5, 6}, {7, 8, 9}, 10, 11, 12};
+    ExpectValues(1, &sine, {-1, 2, 5, 7, 6});
+    ExpectValues(2, &noise, {1, 2, 4, 6, 5});
+    for (const int8_t type : {3, 4, 6}) ExpectValues(type, &eight, {1, 2, 3, 5, 4});
+    for (const int8_t type : {9, 10}) ExpectValues(type, &ten, {1, 2, 4, 6, 5});
+    ExpectValues(11, nullptr, {0, 0, 0, 0, 0});
+    ExpectValues(12, &circle, {kNone, kNone, 10, 12, 11});
+    ExpectValues(13, &alternating, {2, 3, 4, 6, 5});
+    for (const int8_t type : {5, 7, 8, 14, 0, 15, -1})
+        ExpectValues(type, &noise, {kNone, kNone, kNone, kNone, kNone});
+    ExpectValues(3, nullptr, {kNone, kNone, kNone, kNone, kNone});
 }
 
 TEST(StimulusValues, OnlyFilteredNoiseTellsItsSeed) {
@@ -80,10 +63,79 @@ TEST(StimulusValues, OnlyFilteredNoiseTellsItsSeed) {
     EXPECT_EQ(ITCRetrieveRandomSeed(&seed, 0), ITC_SUCCESS);
     EXPECT_EQ(seed, 77);
     ITCFreeParams(0);
-    for (const uint32_t channel : {0U, 1U, 2U, 4U, 0xFFFFFFFFU}) {
+    for (const uint32_t channel : {0U, 1U, 2U, 4U, 0xFFFFFFFFU})
         EXPECT_EQ(ITCRetrieveRandomSeed(&seed, channel), ITC_STIMULUS_ERROR) << channel;
-    }
     EXPECT_EQ(seed, 77);
+}
+
+Bytes Words(std::initializer_list<int64_t> values) {
+    Bytes bytes;
+    for (const int64_t value : values) bytes = Join({bytes, Big32(static_cast<uint32_t>(value))});
+    return bytes;
+}
+
+// Noise, a sum of five, a dynamic clamp, an alternating voltage; two points each.
+Bytes StimulusEpoch() {
+    const Bytes noise = Words({500, -1, 0x12345678, 4, 5, 6, 7, 3000, 9});
+    const Bytes sum = Join({Big32(5), Hex("03 02 0C 0B 0E"), Bytes(251 + 1024)});
+    const Bytes components = Join(
+        {Words({1000, -5, 20, 30, 40, 0, 0, 0}), Words({-600, 32768, -9, 41, 51, 61, 1, 1, 1}),
+         Words({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}), Hex("3F800000 40000000"), Bytes(16, 1)});
+    const Bytes clamp = Join({Hex("41200000 C28C0000"), Bytes(16, 2)});
+    const Bytes alternating = Words({2, -3, 70000, 5, 6, 7, 0, 0, 0});
+    return Join({EpochHeaderBytes(400, 2, {2, 7, 11, 13}), noise, sum, components, clamp,
+                 alternating, Bytes(16, 3)});
+}
+
+struct EpochCase {
+    int32_t channel, component;
+    std::optional<int32_t> type, amplitude, mean, points, prePoints, tailPoints, seed;
+};
+
+TEST_F(AnalysisTest, StimulusValues) {
+    Open(DataFileBytes({StimulusEpoch(), Bytes(100)}));
+    const auto expect = [](const Getter& get, std::optional<double> expected) {
+        if (expected) ExpectValue(get, 0, *expected);
+        if (!expected) ExpectFailure(get, 0, ITC_STIMULUS_ERROR);
+        for (const int32_t epoch : {-1, 1, 2}) ExpectFailure(get, epoch, ITC_FILE_ERROR);
+        InitFlag = 0;
+        ExpectFailure(get, 0, ITC_FILE_ERROR);
+        InitFlag = 1;
+    };
+    constexpr std::nullopt_t none = std::nullopt;
+    for (const EpochCase& each :
+         {EpochCase{0, 99, 2, 500, -1, 4, 6, 5, 0x12345678},
+          EpochCase{1, 0, 3, 1000, -5, 20, 40, 30, none},
+          EpochCase{1, 1, 2, -600, 32768, 41, 61, 51, -9},
+          EpochCase{1, 4, 14, none, none, none, none, none, none},
+          EpochCase{3, -7, 13, -3, 70000, 5, 7, 6, none},
+          EpochCase{1, 5, {}, {}, {}, {}, {}, {}, {}}, EpochCase{1, -1, {}, {}, {}, {}, {}, {}, {}},
+          EpochCase{4, 0, {}, {}, {}, {}, {}, {}, {}},
+          EpochCase{-1, 0, {}, {}, {}, {}, {}, {}, {}}}) {
+        SCOPED_TRACE(testing::Message() << each.channel << ", " << each.component);
+        expect(Of(ITCGetStmType, each.channel, each.component), each.type);
+        expect(Of(ITCGetStmAmp, each.channel, each.component), each.amplitude);
+        expect(Of(ITCGetStmMean, each.channel, each.component), each.mean);
+        expect(Of(ITCGetStmPts, each.channel, each.component), each.points);
+        expect(Of(ITCGetStmPrePts, each.channel, each.component), each.prePoints);
+        expect(Of(ITCGetStmTailPts, each.channel, each.component), each.tailPoints);
+        expect(Of(ITCGetSeed, each.channel, each.component), each.seed);
+    }
+    for (const int32_t channel : {-1, 0, 1, 2, 3, 4}) {
+        expect(Of(ITCGetGClampERev, channel), channel == 2 ? std::optional(10.0) : none);
+        expect(Of(ITCGetGClampIRev, channel), channel == 2 ? std::optional(-70.0) : none);
+    }
+}
+
+TEST_F(AnalysisTest, TypesOfChannelsThatTheSequenceHasNot) {
+    Bytes epoch = StimulusEpoch();
+    Put(epoch, 580, Big32(1));
+    Put(epoch, 605, {2, 9, 0x80, 7});
+    Open(DataFileBytes({epoch}));
+    ExpectValue(Of(ITCGetStmType, 1, 0), 0, 9);
+    ExpectValue(Of(ITCGetStmType, 2, 0), 0, -128);
+    ExpectFailure(Of(ITCGetStmType, 3, 0), 0, ITC_STIMULUS_ERROR);
+    ExpectFailure(Of(ITCGetStmAmp, 1, 0), 0, ITC_STIMULUS_ERROR);
 }
 
 }  // namespace

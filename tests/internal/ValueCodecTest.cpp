@@ -5,6 +5,7 @@
 
 #include <bit>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 
 #include "FileBytes.h"
@@ -14,26 +15,14 @@ namespace {
 using namespace corvantis_test;
 
 template <class FileType, class MemoryType>
-Bytes Written(MemoryType value) {
+void ExpectPair(MemoryType value, const Bytes& bytes) {
     const Stream stream = StreamOver();
     EXPECT_TRUE((corvantis::WriteValue<FileType, MemoryType>(stream.get(), value)));
-    return Content(stream.get());
-}
-
-template <class FileType, class MemoryType>
-MemoryType ReadBack(const Bytes& bytes) {
-    MemoryType value{};
-    const Stream stream = StreamOver(bytes);
-    EXPECT_TRUE((corvantis::ReadValue<FileType, MemoryType>(stream.get(), value)));
-    EXPECT_EQ(ftell(stream.get()), static_cast<long>(bytes.size()));
-    return value;
-}
-
-template <class FileType, class MemoryType>
-void ExpectPair(MemoryType value, const Bytes& bytes) {
-    EXPECT_EQ((Written<FileType, MemoryType>(value)), bytes);
-    EXPECT_EQ((ReadBack<FileType, MemoryType>(bytes)), value);
+    EXPECT_EQ(Content(stream.get()), bytes);
     MemoryType destination{};
+    rewind(stream.get());
+    EXPECT_TRUE((corvantis::ReadValue<FileType, MemoryType>(stream.get(), destination)));
+    EXPECT_EQ(std::memcmp(&destination, &value, sizeof value), 0);
     const Stream shorter = StreamOver(Bytes(bytes.size() - 1));
     EXPECT_FALSE((corvantis::ReadValue<FileType, MemoryType>(shorter.get(), destination)));
     const Stream refusing = RefusingStream();
@@ -50,40 +39,15 @@ TEST(ValueCodec, EveryPairPutsItsMostSignificantByteFirst) {
     ExpectPair<unsigned int, unsigned int>(0x89ABCDEF, Hex("89 AB CD EF"));
     ExpectPair<int, int>(-0x01020304, Hex("FE FD FC FC"));
     ExpectPair<int, long>(1, Hex("00 00 00 01"));
-    ExpectPair<int, long>(-2, Hex("FF FF FF FE"));
     ExpectPair<int, long>(std::numeric_limits<int>::min(), Hex("80 00 00 00"));
     ExpectPair<float, float>(3200.0F, Hex("45 48 00 00"));
-    ExpectPair<float, float>(1.0F, Hex("3F 80 00 00"));
-    ExpectPair<long long, long long>(1, Hex("00 00 00 00 00 00 00 01"));
     ExpectPair<long long, long long>(-0x0102030405060708, Hex("FE FD FC FB FA F9 F8 F8"));
     ExpectPair<unsigned long long, unsigned long long>(0x0123456789ABCDEF,
                                                        Hex("01 23 45 67 89 AB CD EF"));
-}
-
-// Turned round, these ordinary numbers look like signalling NaNs, which some processors alter
-// while they carry them.
-TEST(ValueCodec, FloatsKeepTheirBitPattern) {
-    for (const uint32_t pattern : {0x0100807FU, 0x010080FFU, 0x3412A07FU, 0x80000000U}) {
-        EXPECT_EQ((Written<float, float>(std::bit_cast<float>(pattern))), Big32(pattern));
-        EXPECT_EQ(std::bit_cast<uint32_t>(ReadBack<float, float>(Big32(pattern))), pattern);
-    }
-}
-
-TEST(ValueCodec, SwapEndianReversesBytes) {
-    EXPECT_EQ(corvantis::SwapEndian<unsigned short>(0x1234), 0x3412);
-    EXPECT_EQ(corvantis::SwapEndian<short>(0x00FF), static_cast<short>(0xFF00));
-    EXPECT_EQ(corvantis::SwapEndian<unsigned int>(0x01020384U), 0x84030201U);
-    EXPECT_EQ(corvantis::SwapEndian<int>(1), 0x01000000);
-    EXPECT_EQ(corvantis::SwapEndian<float>(std::bit_cast<float>(0x3F80000AU)),
-              std::bit_cast<float>(0x0A00803FU));
-    EXPECT_EQ(corvantis::SwapEndian<unsigned long long>(0x0102030405060788U), 0x8807060504030201U);
-    EXPECT_EQ(corvantis::SwapEndian<long long>(1), 0x0100000000000000);
-    EXPECT_EQ(corvantis::SwapEndian<unsigned char>(0x12), 0x12);
-    EXPECT_EQ(corvantis::SwapEndian<signed char>(-2), -2);
-}
-
-TEST(ValueCodec, KnowsTheHostsByteOrder) {
-    EXPECT_EQ(corvantis::isBigEndian != 0, std::endian::native == std::endian::big);
+    // Turned round, these ordinary numbers look like signalling NaNs, which some processors alter
+    // while they carry them.
+    for (const uint32_t pattern : {0x0100807FU, 0x010080FFU, 0x3412A07FU, 0x80000000U})
+        ExpectPair<float, float>(std::bit_cast<float>(pattern), Big32(pattern));
 }
 
 TEST(ValueCodec, PaddingIsWrittenAsZerosAndSkippedUnread) {
@@ -91,15 +55,11 @@ TEST(ValueCodec, PaddingIsWrittenAsZerosAndSkippedUnread) {
     EXPECT_TRUE(corvantis::WritePadding(stream.get(), 12));
     EXPECT_TRUE(corvantis::WritePadding(stream.get(), 0));
     EXPECT_EQ(Content(stream.get()), Join({Bytes(12), Bytes(8, 0xEE)}));
-
     fseek(stream.get(), 2, SEEK_SET);
     EXPECT_TRUE(corvantis::SkipPadding(stream.get(), 12));
     EXPECT_TRUE(corvantis::SkipPadding(stream.get(), 0));
     EXPECT_EQ(ftell(stream.get()), 14);
-
-    const Stream refusing = RefusingStream();
-    EXPECT_FALSE(corvantis::WritePadding(refusing.get(), 1));
-    EXPECT_TRUE(corvantis::WritePadding(refusing.get(), 0));
+    EXPECT_FALSE(corvantis::WritePadding(RefusingStream().get(), 1));
 }
 
 }  // namespace

@@ -85,6 +85,14 @@ TEST_F(WaveformTest, SineByHand) {
     }
 }
 
+// Its last point is moved by 1 if product and sum are rounded apart.
+TEST_F(WaveformTest, ASineIsRoundedOnce) {
+    epochhdr->samplingInterval = 10;
+    const ITCSineParameters record{INT32_MAX, -2051404981, 361, 0, 6572, 0, 0, {}};
+    const auto calculate = [&](uint16_t* buffer) { plain::Sine(buffer, record, 10); };
+    ExpectWave(1, ITCStmCreateSine, record, Written(6572, calculate));
+}
+
 TEST_F(WaveformTest, PulseRampTriggersAndAlternationByHand) {
     ExpectWave(3, ITCStmCreatePulse, ITCPulseParameters{10000, 30000, 1, 1, 1, {}},
                {30000, 0x9C40, 30000});

@@ -9,7 +9,7 @@
 #include "FileBytes.h"
 #include "LibrarySession.h"
 #include "PulseEpoch.h"
-#include "ReferenceRandom.h"
+#include "SpareDeviates.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 
 #include "Corvantis.h"
 #include "LibrarySession.h"
-#include "ReferenceRandom.h"
+#include "SpareDeviates.h"
 #include "WrittenSamples.h"
 #include "plain/Plain.h"
 

@@ -5,7 +5,7 @@
 #include <cstdlib>
 
 #include "Corvantis.h"
-#include "ReferenceRandom.h"
+#include "SpareDeviates.h"
 #include "plain/Plain.h"
 
 namespace {

@@ -3,8 +3,8 @@
 
 #include "ITCUtilities/BulkDeviates.h"
 #include "ITCUtilities/PolarFactor.h"
-#include "ReferenceRandom.h"
 #include "SameBits.h"
+#include "SpareDeviates.h"
 #include "plain/Plain.h"
 
 namespace corvantis_test {

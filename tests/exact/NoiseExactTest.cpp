@@ -1,8 +1,8 @@
 // The noise waveforms against the plain formulas, from the same state of the generators.
 #include "ITCInitialize/State.h"
 #include "ITCStimulus/PowerGains.h"
-#include "ReferenceRandom.h"
 #include "SameBits.h"
+#include "SpareDeviates.h"
 #include "plain/Plain.h"
 
 namespace corvantis_test {

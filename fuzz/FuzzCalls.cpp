@@ -2,6 +2,7 @@
 // with arguments from the bytes. Every result must be one of the documented codes.
 #include <array>
 #include <cstring>
+#include <type_traits>
 
 #include "Session.h"
 
@@ -54,7 +55,7 @@ Record TakeRuns(Arguments& arguments) {
 template <auto build, auto add, class Record>
 void InstallRecord(Arguments& arguments, const Record& record) {
     const int32_t channel = arguments.Channel();
-    if constexpr (add != nullptr) {
+    if constexpr (!std::is_null_pointer_v<decltype(add)>) {
         if (arguments.Byte() % 2 == 0) return Expect(add(static_cast<uint32_t>(channel), &record));
     }
     Expect(build(channel, &record));

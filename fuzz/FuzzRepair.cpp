@@ -15,20 +15,28 @@
 namespace {
 
 // A folder in memory where there is one; repairs replace their output at each input.
-std::string OutputFolder() {
-    const bool inMemory = std::filesystem::is_directory("/dev/shm");
-    const std::filesystem::path base =
-        inMemory ? "/dev/shm" : std::filesystem::temp_directory_path();
-    const std::filesystem::path folder = base / ("fuzz-repair-" + std::to_string(getpid()));
-    std::filesystem::create_directories(folder);
-    return folder.string();
-}
+class OutputFolder {
+  public:
+    OutputFolder() { std::filesystem::create_directories(path_); }
+    OutputFolder(const OutputFolder&) = delete;
+    OutputFolder& operator=(const OutputFolder&) = delete;
+    ~OutputFolder() { std::filesystem::remove_all(path_); }
+    std::string File() const { return path_ / "repaired"; }
+
+  private:
+    static std::filesystem::path Base() {
+        const std::filesystem::path memory = "/dev/shm";
+        return is_directory(memory) ? memory : std::filesystem::temp_directory_path();
+    }
+    const std::filesystem::path path_ = Base() / ("fuzz-repair-" + std::to_string(getpid()));
+};
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static FILE* const nowhere = std::fopen("/dev/null", "w");
-    static const std::string output = OutputFolder() + "/repaired";
+    static const OutputFolder folder;
+    static const std::string output = folder.File();
     static const corvantis::Terminal terminal = {nowhere, nowhere, true};
     corvantis_fuzz::StartLibrary();
     const corvantis_fuzz::MemoryFile file(data, size);

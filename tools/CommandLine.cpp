@@ -22,8 +22,8 @@ constexpr std::array<std::string_view, 4> kCommands = {"info", "check", "repair"
 constexpr char kDescription[] = R"(Looks at, checks, repairs and exports data files of Corvantis.
 Epochs are counted from 0. Results go to standard output, messages to standard error.
 
-The exit status is 0 if all is well, 1 if check has findings (damage, a stimulus not to be rebuilt)
-or repair dropped something, 2 if a file cannot be used or the command line is wrong.
+The exit status is 0 if all is well, 1 if check has findings, repair dropped something or export
+could not rebuild a stimulus, 2 if a file cannot be used or the command line is wrong.
 
 Any other sub-command X runs the program corvantis-X from the path.)";
 
@@ -65,8 +65,11 @@ class HelpFormatter : public CLI::Formatter {
     }
     std::string make_expanded(const CLI::App* command) const override {
         std::ostringstream text;
-        text << "corvantis " << command->get_name() << " [OPTIONS] FILE:\n  "
-             << command->get_description() << "\n\n";
+        text << "corvantis " << command->get_name() << " [OPTIONS]";
+        for (const CLI::Option* option : command->get_options()) {
+            if (option->get_positional()) text << " " << make_option_usage(option);
+        }
+        text << ":\n  " << command->get_description() << "\n\n";
         for (const CLI::Option* option : command->get_options()) {
             text << make_option(option, option->get_positional());
         }

@@ -17,7 +17,7 @@ using Doubles __attribute__((vector_size(8 * kLanes))) = double;
 // Where callers' arrays begin, no vector needs to. (Always by this name: "auto" forgets it.)
 using StoredSingles __attribute__((vector_size(4 * kLanes), aligned(4), may_alias)) = float;
 // What every vector unit can shuffle; wider vectors fall to pieces on some.
-constexpr size_t kFour = 4;
+inline constexpr size_t kFour = 4;
 using FourSingles __attribute__((vector_size(4 * kFour))) = float;
 
 struct Row {

@@ -6,6 +6,7 @@
 
 #include "ITCUtilities/KeptTwiddles.h"
 #include "ITCUtilities/PointRows.h"
+#include "ITCUtilities/Twiddle.h"
 
 namespace corvantis {
 
@@ -47,12 +48,9 @@ class RowTwiddles {
     CORVANTIS_INLINE void Advance(double (&reals)[kMostRows], double (&imaginaries)[kMostRows]) {
         const size_t rows = rows_;
         for (size_t i = 0; i < rows; ++i) {
-            const double real = real_[i];
-            const double imaginary = imaginary_[i];
-            reals[i] = real;
-            imaginaries[i] = imaginary;
-            real_[i] = real + (real * stepReal_[i] - imaginary * stepImaginary_[i]);
-            imaginary_[i] = imaginary + (imaginary * stepReal_[i] + real * stepImaginary_[i]);
+            reals[i] = real_[i];
+            imaginaries[i] = imaginary_[i];
+            AdvanceTwiddle(real_[i], imaginary_[i], stepReal_[i], stepImaginary_[i]);
         }
     }
 

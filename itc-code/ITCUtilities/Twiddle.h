@@ -5,10 +5,19 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "ITCUtilities/FunctionClones.h"
+
 namespace corvantis {
 
-// Advanced by a recurrence in double precision. Its rounding errors are part of every recorded
-// noise, so the factors must be taken one after the other.
+// The recurrence's rounding errors are part of every recorded noise, so the factors must be taken
+// one after the other.
+CORVANTIS_INLINE void AdvanceTwiddle(double& real, double& imaginary, double stepReal,
+                                     double stepImaginary) {
+    const double previous = real;
+    real = real + (real * stepReal - imaginary * stepImaginary);
+    imaginary = imaginary + (imaginary * stepReal + previous * stepImaginary);
+}
+
 struct Twiddle {
     // For the stage that combines transforms of `half` points each. 2 pi is the number that
     // recorded noise was made with; an exact one would change its samples.
@@ -18,11 +27,7 @@ struct Twiddle {
         stepReal = -2.0 * sine * sine;
         stepImaginary = std::sin(theta);
     }
-    void Advance() {
-        const double previous = real;
-        real = real + (real * stepReal - imaginary * stepImaginary);
-        imaginary = imaginary + (imaginary * stepReal + previous * stepImaginary);
-    }
+    void Advance() { AdvanceTwiddle(real, imaginary, stepReal, stepImaginary); }
     double real = 1.0;
     double imaginary = 0.0;
     double stepReal;

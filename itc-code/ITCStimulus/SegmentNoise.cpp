@@ -12,7 +12,7 @@
 namespace corvantis {
 namespace {
 
-constexpr size_t kBatch = 512;
+constexpr size_t kBatch = 4096;
 
 // Points before the buffer, which a negative prePoints would ask for, are passed over.
 void LayLevels(uint16_t* buffer, int64_t x, std::span<const float> levels, int32_t segmentPoints) {

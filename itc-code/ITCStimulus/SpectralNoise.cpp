@@ -34,7 +34,7 @@ struct Spectrum {
     int32_t length = 0;
 };
 
-constexpr int32_t kBatch = 512;
+constexpr int32_t kBatch = 4096;
 
 void DrawWhiteNoise(const Spectrum& spectrum, const ITCNoiseParameters& record, int32_t& seed) {
     const float amplitude = static_cast<float>(record.amplitude);

@@ -1,6 +1,7 @@
 // The long-period generator behind ran2: its constants, its state, and long runs of draws.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "ITCUtilities/WrappingArithmetic.h"
@@ -23,11 +24,22 @@ inline constexpr uint32_t kLargestOutput = kFirst.modulus - 1;
 inline constexpr int32_t kTableSize = 1024;
 inline constexpr uint32_t kTableDivisor = 1 + kLargestOutput / kTableSize;
 
-// The state of the first generator is the caller's; this is the rest.
+// Where registers take 64 bits, long runs go on from products of the table's entries with this
+// unit.
+inline constexpr bool kHasWideRegisters = sizeof(void*) >= sizeof(uint64_t);
+inline constexpr uint64_t kOutputUnit = ~uint64_t{0} / kLargestOutput;
+
+// The state of the first generator is the caller's; this is the rest. Both tables hold the same.
 struct LongPeriodState {
     int32_t idum2 = 123456789;
     int32_t iv[kTableSize] = {};
     int32_t iy = 0;
+    uint64_t scaled[kHasWideRegisters ? kTableSize : 1] = {};
+
+    void SetEntry(size_t j, int32_t state) {
+        iv[j] = state;
+        if constexpr (kHasWideRegisters) scaled[j] = static_cast<uint32_t>(state) * kOutputUnit;
+    }
 };
 extern LongPeriodState longPeriod;
 
@@ -81,11 +93,11 @@ class UniformRun {
         first_ = StepPositive<kFirst>(first_);
         second_ = StepPositive<kSecond>(second_);
         const uint32_t index = DividePositive<kTableDivisor, 53>(static_cast<uint32_t>(output_));
-        int32_t& entry = longPeriod.iv[index];
+        const int32_t entry = longPeriod.iv[index];
         const int32_t difference = WrappingSubtract(entry, second_);
         const int32_t lowered = WrappingSubtract(second_, static_cast<int32_t>(kLargestOutput));
         const int32_t raised = WrappingSubtract(entry, lowered);
-        entry = first_;
+        longPeriod.SetEntry(index, first_);
         output_ = difference < 1 ? raised : difference;
         return ToDeviate(output_);
     }

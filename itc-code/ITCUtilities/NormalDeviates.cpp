@@ -1,11 +1,11 @@
 // Normal deviates by the polar method, on ran2 and, for old files, on the platform's rand.
 #include <algorithm>
+#include <array>
 #include <cstdlib>
-#include <utility>
 
 #include "Corvantis.h"
 #include "ITCUtilities/BulkDeviates.h"
-#include "ITCUtilities/LongPeriodGenerator.h"
+#include "ITCUtilities/FunctionClones.h"
 #include "ITCUtilities/PolarFactor.h"
 
 namespace corvantis {
@@ -48,29 +48,47 @@ float PolarDeviate(Spare& held, Draw draw) {
 float SymmetricDeviate(float uniform) { return 2.0F * uniform - 1.0F; }
 float SymmetricRand() { return static_cast<float>(2.0 * std::rand() / kLargestRand - 1.0); }
 
-constexpr size_t kBatch = 256;
+constexpr size_t kBatch = 1024;
 
-// Points in the unit circle with their squared distances.
-struct Accepted {
-    float x1[kBatch];
-    float x2[kBatch];
-    float square[kBatch];
+// Points as they are drawn, one coordinate after the other, and their squared distances. Each is
+// written before it is known whether it counts, so there is room for one too many.
+struct Points {
+    std::array<float, 2 * kBatch + 2> coordinates;
+    std::array<float, kBatch + 1> squares;
 };
 
-// Exactly `count` points, from as many numbers as single deviates would draw.
-template <class Draw>
-void DrawPoints(Accepted& points, size_t count, Draw draw) {
-    for (size_t accepted = 0; accepted < count;) {
-        const float x1 = draw();
-        const float x2 = draw();
-        const float square = x1 * x1 + x2 * x2;
-        points.x1[accepted] = x1;
-        points.x2[accepted] = x2;
-        points.square[accepted] = square;
-        accepted += square < 1.0F && square != 0.0F ? 1 : 0;
+CORVANTIS_CLONES void CalculateSquares(float* __restrict squares,
+                                       const float* __restrict coordinates, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        const float x1 = coordinates[2 * i];
+        const float x2 = coordinates[2 * i + 1];
+        squares[i] = x1 * x1 + x2 * x2;
     }
 }
 
+// Moves the points within the unit circle, its centre excepted, to the front; returns their number.
+size_t KeepAccepted(Points& points, size_t count) {
+    size_t accepted = 0;
+    for (size_t i = 0; i < count; ++i) {
+        const float square = points.squares[i];
+        points.coordinates[2 * accepted] = points.coordinates[2 * i];
+        points.coordinates[2 * accepted + 1] = points.coordinates[2 * i + 1];
+        points.squares[accepted] = square;
+        accepted += square < 1.0F && square > 0.0F ? 1 : 0;
+    }
+    return accepted;
+}
+
+CORVANTIS_CLONES void MultiplyPairs(float* __restrict deviates, const float* __restrict coordinates,
+                                    const float* __restrict factors, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        deviates[2 * i] = factors[i] * coordinates[2 * i + 1];
+        deviates[2 * i + 1] = factors[i] * coordinates[2 * i];
+    }
+}
+
+// Never draws more points than are wanted, so exactly as many numbers are drawn as by single
+// deviates. draw(numbers) gives numbers uniform in -1 to 1.
 template <class Draw>
 void DrawDeviates(Spare& held, std::span<float> deviates, Draw draw) {
     if (held.iset != 0 && !deviates.empty()) {
@@ -78,21 +96,20 @@ void DrawDeviates(Spare& held, std::span<float> deviates, Draw draw) {
         deviates[0] = held.gset;
         deviates = deviates.subspan(1);
     }
-    Accepted points;
-    float factors[kBatch];
+    Points points;
+    std::array<float, kBatch> factors;
     while (!deviates.empty()) {
-        const size_t count = std::min(kBatch, (deviates.size() + 1) / 2);
-        DrawPoints(points, count, draw);
-        CalculatePolarFactors({points.square, count}, {factors, count});
+        const size_t drawn = std::min(kBatch, (deviates.size() + 1) / 2);
+        draw(std::span(points.coordinates).first(2 * drawn));
+        CalculateSquares(points.squares.data(), points.coordinates.data(), drawn);
+        const size_t count = KeepAccepted(points, drawn);
+        CalculatePolarFactors(std::span(points.squares).first(count), factors);
         const size_t whole = std::min(count, deviates.size() / 2);
-        for (size_t i = 0; i < whole; ++i) {
-            deviates[2 * i] = factors[i] * points.x2[i];
-            deviates[2 * i + 1] = factors[i] * points.x1[i];
-        }
+        MultiplyPairs(deviates.data(), points.coordinates.data(), factors.data(), whole);
         deviates = deviates.subspan(2 * whole);
         if (whole == count) continue;
-        held = {1, factors[whole] * points.x1[whole]};
-        deviates[0] = factors[whole] * points.x2[whole];
+        held = {1, factors[whole] * points.coordinates[2 * whole]};
+        deviates[0] = factors[whole] * points.coordinates[2 * whole + 1];
         return;
     }
 }
@@ -100,12 +117,15 @@ void DrawDeviates(Spare& held, std::span<float> deviates, Draw draw) {
 }  // namespace
 
 void DrawNormalDeviates(int32_t& state, std::span<float> deviates) {
-    UniformRun run(state);
-    DrawDeviates(spare, deviates, [&run] { return SymmetricDeviate(run.Next()); });
+    DrawDeviates(spare, deviates, [&state](std::span<float> numbers) {
+        DrawUniformDeviates(state, numbers);
+        for (float& number : numbers) number = SymmetricDeviate(number);
+    });
 }
 
 void DrawOldNormalDeviates(std::span<float> deviates) {
-    DrawDeviates(oldSpare, deviates, SymmetricRand);
+    DrawDeviates(oldSpare, deviates,
+                 [](std::span<float> numbers) { std::ranges::generate(numbers, SymmetricRand); });
 }
 
 }  // namespace corvantis

@@ -1,7 +1,10 @@
 // The uniform generators: ran2 with its restart, and the small congruential one for callers.
+#include <algorithm>
+
 #include "Corvantis.h"
 #include "ITCUtilities/BulkDeviates.h"
 #include "ITCUtilities/LongPeriodGenerator.h"
+#include "ITCUtilities/ScaledRun.h"
 #include "ITCUtilities/WrappingArithmetic.h"
 
 namespace corvantis {
@@ -26,22 +29,21 @@ int32_t Step(const Congruential& generator, int32_t state) {
 void Restart(int32_t& state) {
     state = WrappingNegate(state);
     if (state <= 0) state = 1;
-    auto& [idum2, iv, iy] = longPeriod;
-    idum2 = state;
+    longPeriod.idum2 = state;
     for (int32_t j = kTableSize + kWarmUp; j >= 0; --j) {
         state = Step(kFirst, state);
-        if (j < kTableSize) iv[j] = state;
+        if (j < kTableSize) longPeriod.SetEntry(static_cast<size_t>(j), state);
     }
-    iy = iv[0];
+    longPeriod.iy = longPeriod.iv[0];
 }
 
 // As unsigned numbers all states are at most kLargestOutput + 1, and so is a difference that had
 // the modulus added: the index never reaches the table's size.
 int32_t Shuffle(int32_t state) {
-    auto& [idum2, iv, iy] = longPeriod;
+    int32_t& iy = longPeriod.iy;
     const uint32_t j = static_cast<uint32_t>(iy) / kTableDivisor;
-    iy = WrappingSubtract(iv[j], idum2);
-    iv[j] = state;
+    iy = WrappingSubtract(longPeriod.iv[j], longPeriod.idum2);
+    longPeriod.SetEntry(j, state);
     if (iy < 1) iy = AddModulus(iy, kLargestOutput);
     return iy;
 }
@@ -58,8 +60,16 @@ float NextDeviate(int32_t& state) {
 }
 
 void DrawUniformDeviates(int32_t& state, std::span<float> deviates) {
-    UniformRun run(state);
-    for (float& deviate : deviates) deviate = run.Next();
+    while (!deviates.empty()) {
+        if constexpr (kHasWideRegisters) {
+            deviates = deviates.subspan(DrawInBlocks(state, deviates));
+        }
+        const size_t most = kHasWideRegisters ? kBlock : deviates.size();
+        const size_t single = std::min(most, deviates.size());
+        UniformRun run(state);
+        for (float& deviate : deviates.first(single)) deviate = run.Next();
+        deviates = deviates.subspan(single);
+    }
 }
 
 }  // namespace corvantis

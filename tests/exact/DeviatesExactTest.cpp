@@ -1,5 +1,6 @@
 // Random deviates in bulk against single draws of the plain generators.
 #include <cstdlib>
+#include <limits>
 
 #include "ITCUtilities/BulkDeviates.h"
 #include "ITCUtilities/PolarFactor.h"
@@ -40,6 +41,19 @@ TEST_F(DeviatesExactTest, UniformDeviatesBeyondRestartsOfTheGenerator) {
     ExpectSame(4000000, bulk, single);
     EXPECT_EQ(word, plainWord);
     EXPECT_EQ(ran2(&word), plain::UniformDeviate(&plainWord));
+}
+
+// Words that are no state of the generator: 0 and below restart it, 2147483563 becomes the state 0,
+// and those near 2^31 become negative ones.
+TEST_F(DeviatesExactTest, UniformDeviatesFromAnyWord) {
+    for (const int32_t first : {0, 1, 2, 53668, 2147430000, 2147483563, 2147483647, -1, -2147483647,
+                                std::numeric_limits<int32_t>::min()}) {
+        word = plainWord = first;
+        ExpectSame(
+            20000, [&](auto values) { corvantis::DrawUniformDeviates(word, values); },
+            [&] { return plain::UniformDeviate(&plainWord); });
+        EXPECT_EQ(word, plainWord) << "from " << first;
+    }
 }
 
 TEST_F(DeviatesExactTest, NormalDeviatesAndTheSpareBetweenCalls) {

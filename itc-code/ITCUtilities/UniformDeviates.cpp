@@ -18,7 +18,11 @@ int32_t AddModulus(int32_t value, uint32_t modulus) {
     return WrappingAdd(value, static_cast<int32_t>(modulus));
 }
 
-int32_t Step(const Congruential& generator, int32_t state) {
+// Most states are not negative, and of those the step takes less.
+template <const Congruential& generator>
+int32_t Step(int32_t state) {
+    if (state >= 0) [[likely]]
+        return StepPositive<generator>(state);
     const int32_t k = state / generator.quotient;
     const int32_t low = WrappingSubtract(state, WrappingMultiply(k, generator.quotient));
     const int32_t result = WrappingSubtract(WrappingMultiply(generator.multiplier, low),
@@ -31,7 +35,7 @@ void Restart(int32_t& state) {
     if (state <= 0) state = 1;
     longPeriod.idum2 = state;
     for (int32_t j = kTableSize + kWarmUp; j >= 0; --j) {
-        state = Step(kFirst, state);
+        state = Step<kFirst>(state);
         if (j < kTableSize) longPeriod.SetEntry(static_cast<size_t>(j), state);
     }
     longPeriod.iy = longPeriod.iv[0];
@@ -54,8 +58,8 @@ LongPeriodState longPeriod;
 
 float NextDeviate(int32_t& state) {
     if (state <= 0) Restart(state);
-    state = Step(kFirst, state);
-    longPeriod.idum2 = Step(kSecond, longPeriod.idum2);
+    state = Step<kFirst>(state);
+    longPeriod.idum2 = Step<kSecond>(longPeriod.idum2);
     return ToDeviate(Shuffle(state));
 }
 

@@ -19,15 +19,15 @@ int32_t AddModulus(int32_t value, uint32_t modulus) {
 }
 
 // Most states are not negative, and of those the step takes less.
-template <const Congruential& generator>
+template <const Congruential& Generator>
 int32_t Step(int32_t state) {
     if (state >= 0) [[likely]]
-        return StepPositive<generator>(state);
-    const int32_t k = state / generator.quotient;
-    const int32_t low = WrappingSubtract(state, WrappingMultiply(k, generator.quotient));
-    const int32_t result = WrappingSubtract(WrappingMultiply(generator.multiplier, low),
-                                            WrappingMultiply(k, generator.remainder));
-    return result < 0 ? AddModulus(result, generator.modulus) : result;
+        return StepPositive<Generator>(state);
+    const int32_t k = state / Generator.quotient;
+    const int32_t low = WrappingSubtract(state, WrappingMultiply(k, Generator.quotient));
+    const int32_t result = WrappingSubtract(WrappingMultiply(Generator.multiplier, low),
+                                            WrappingMultiply(k, Generator.remainder));
+    return result < 0 ? AddModulus(result, Generator.modulus) : result;
 }
 
 void Restart(int32_t& state) {

@@ -50,11 +50,10 @@ float SymmetricRand() { return static_cast<float>(2.0 * std::rand() / kLargestRa
 
 constexpr size_t kBatch = 1024;
 
-// Points as they are drawn, one coordinate after the other, and their squared distances. Each is
-// written before it is known whether it counts, so there is room for one too many.
+// Points as they are drawn, one coordinate after the other, and their squared distances.
 struct Points {
-    std::array<float, 2 * kBatch + 2> coordinates;
-    std::array<float, kBatch + 1> squares;
+    std::array<float, 2 * kBatch> coordinates;
+    std::array<float, kBatch> squares;
 };
 
 CORVANTIS_CLONES void CalculateSquares(float* __restrict squares,

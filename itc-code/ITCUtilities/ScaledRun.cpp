@@ -25,15 +25,15 @@ struct ScaledNumbers {
 
 // The numbers after each draw of a block.
 struct Block {
-    std::array<uint64_t, kBlock> first;
-    std::array<uint64_t, kBlock> second;
-    std::array<uint64_t, kBlock> output;
+    std::array<uint64_t, kBlockDraws> first;
+    std::array<uint64_t, kBlockDraws> second;
+    std::array<uint64_t, kBlockDraws> output;
 };
 
 // As a part of its caller, GCC would make three loops of this one, each with all the steps.
 [[gnu::noinline]] void Advance(const ScaledNumbers& start, Block& block, LongPeriodState& tables) {
     auto [first, second, output] = start;
-    for (size_t i = 0; i < kBlock; ++i) {
+    for (size_t i = 0; i < kBlockDraws; ++i) {
         first = First::Next(first);
         second = Second::Next(second);
         const size_t j = output >> kIndexShift;
@@ -48,7 +48,7 @@ struct Block {
 
 // Each output is an entry less a state, and the output before it is where the entry was.
 void TakeBack(const ScaledNumbers& start, const Block& block, LongPeriodState& tables) {
-    for (size_t i = kBlock; i-- > 0;) {
+    for (size_t i = kBlockDraws; i-- > 0;) {
         const size_t j = (i == 0 ? start.output : block.output[i - 1]) >> kIndexShift;
         tables.scaled[j] = block.output[i] + Second::InOutputUnits(block.second[i]);
         tables.iv[j] = static_cast<int32_t>(FromUpperHalf(tables.scaled[j]));
@@ -59,7 +59,7 @@ void TakeBack(const ScaledNumbers& start, const Block& block, LongPeriodState& t
 // above 0, and no output misleads. Signs say so, which processors of any age have side by side.
 CORVANTIS_CLONES bool Holds(const Block& block) {
     uint64_t doubts = 0;
-    for (size_t i = 0; i < kBlock; ++i) {
+    for (size_t i = 0; i < kBlockDraws; ++i) {
         const uint64_t first = block.first[i];
         doubts |= (first - 1) | (First::kNegative - 1 - first);
         doubts |= (Second::kNegative - 1 - block.second[i]) | CouldMislead(block.output[i]);
@@ -71,7 +71,7 @@ CORVANTIS_CLONES bool Holds(const Block& block) {
 // rounding, some 2^-22, which the quarter allows for.
 CORVANTIS_CLONES void Convert(const Block& block, float* __restrict deviates) {
     constexpr double kFactor = kLargestOutput * 0x1p-32;
-    for (size_t i = 0; i < kBlock; ++i) {
+    for (size_t i = 0; i < kBlockDraws; ++i) {
         const auto centred =
             static_cast<int32_t>(static_cast<uint32_t>(block.output[i] >> 32) - 0x80000000u);
         const double output = centred * kFactor + (0x1p31 * kFactor + kFactor + 0.25);
@@ -88,7 +88,7 @@ size_t DrawInBlocks(int32_t& state, std::span<float> deviates) {
     if (state <= 0 || idum2 < 0 || iy <= 0 || CouldMislead(numbers.output) >> 63 != 0) return 0;
     Block block;
     size_t done = 0;
-    for (; deviates.size() - done >= kBlock; done += kBlock) {
+    for (; deviates.size() - done >= kBlockDraws; done += kBlockDraws) {
         Advance(numbers, block, longPeriod);
         if (!Holds(block)) {
             TakeBack(numbers, block, longPeriod);

@@ -7,9 +7,10 @@
 
 namespace corvantis {
 
+inline constexpr size_t kBlockDraws = 32;
+
 // Draws the first of the deviates, and returns their number: possibly none. It ends where a whole
 // block is not wanted any more, or one of the next draws cannot be done in scaled form.
-inline constexpr size_t kBlock = 32;
 size_t DrawInBlocks(int32_t& state, std::span<float> deviates);
 
 }  // namespace corvantis

@@ -68,7 +68,7 @@ void DrawUniformDeviates(int32_t& state, std::span<float> deviates) {
         if constexpr (kHasWideRegisters) {
             deviates = deviates.subspan(DrawInBlocks(state, deviates));
         }
-        const size_t most = kHasWideRegisters ? kBlock : deviates.size();
+        const size_t most = kHasWideRegisters ? kBlockDraws : deviates.size();
         const size_t single = std::min(most, deviates.size());
         UniformRun run(state);
         for (float& deviate : deviates.first(single)) deviate = run.Next();

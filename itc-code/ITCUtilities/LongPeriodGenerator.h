@@ -14,6 +14,11 @@ struct Congruential {
     int32_t quotient;
     int32_t remainder;
     uint32_t modulus;
+
+    // The modulus that the factorisation is of, 100,000 below the one that is added.
+    constexpr uint32_t FactoredModulus() const {
+        return static_cast<uint32_t>(multiplier * quotient + remainder);
+    }
 };
 
 // The moduli lie beyond 31 bits: adding one wraps some states to negative, on which the sequence of
@@ -51,24 +56,30 @@ inline float ToDeviate(int32_t output) {
 // One draw, which restarts the generator for a state that is not positive.
 float NextDeviate(int32_t& state);
 
-// Quotients of numbers below 2^31 by multiplication: with the factor (2^shift + e) / divisor, the
-// quotient is exact as long as 2^31 * e < 2^shift, and e is at most the divisor.
+// The factor (2^shift + e) / divisor. Quotients of numbers below 2^31 by multiplication with it are
+// exact as long as 2^31 * e < 2^shift, and e is at most the divisor.
 template <uint32_t Divisor, int Shift>
-uint32_t DividePositive(uint32_t number) {
+constexpr uint64_t Reciprocal() {
     constexpr uint64_t kFactor = (uint64_t{1} << Shift) / Divisor + 1;
     static_assert((uint64_t{Divisor} << 31) < uint64_t{1} << Shift && kFactor >> 32 == 0);
-    return static_cast<uint32_t>(number * kFactor >> Shift);
+    return kFactor;
 }
+
+template <uint32_t Divisor, int Shift>
+uint32_t DividePositive(uint32_t number) {
+    return static_cast<uint32_t>(number * Reciprocal<Divisor, Shift>() >> Shift);
+}
+
+inline constexpr int kQuotientShift = 47;
 
 // A generator's step for a state that is not negative. The sign chooses by a mask: as a branch it
 // would be guessed wrong every so often.
 template <const Congruential& Generator>
 int32_t StepPositive(int32_t state) {
     constexpr auto kMultiplier = static_cast<uint32_t>(Generator.multiplier);
-    constexpr auto kQuotient = static_cast<uint32_t>(Generator.quotient);
-    constexpr uint32_t kStep = kMultiplier * kQuotient + static_cast<uint32_t>(Generator.remainder);
     const auto number = static_cast<uint32_t>(state);
-    const uint32_t result = kMultiplier * number - DividePositive<kQuotient, 47>(number) * kStep;
+    const uint32_t k = DividePositive<Generator.quotient, kQuotientShift>(number);
+    const uint32_t result = kMultiplier * number - k * Generator.FactoredModulus();
     const auto mask = static_cast<uint32_t>(static_cast<int32_t>(result) >> 31);
     return static_cast<int32_t>(result + (Generator.modulus & mask));
 }

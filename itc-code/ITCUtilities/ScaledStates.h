@@ -51,17 +51,13 @@ constexpr uint64_t InverseModulo64Bits(uint64_t odd) {
 
 template <const Congruential& Generator>
 struct Scaled {
-    static constexpr auto kQuotient = static_cast<uint64_t>(Generator.quotient);
     static constexpr auto kMultiplier = static_cast<uint64_t>(Generator.multiplier);
-    static constexpr auto kStep =
-        kMultiplier * kQuotient + static_cast<uint64_t>(Generator.remainder);
-    static constexpr int kShift = 47;
-    static constexpr uint64_t kFactor = (uint64_t{1} << kShift) / kQuotient + 1;
+    static constexpr uint64_t kFactor = Reciprocal<Generator.quotient, kQuotientShift>();
+    static constexpr uint64_t kStep = kFactor * Generator.FactoredModulus();
     static constexpr int kEvenBits = std::countr_zero(kFactor);
     static constexpr uint64_t kInverse = InverseModulo64Bits(kFactor >> kEvenBits);
     // From here on states are 2^31 or more, that is, negative.
     static constexpr uint64_t kNegative = kFactor << 31;
-    static_assert((kQuotient << 31) < uint64_t{1} << kShift && kFactor >> 32 == 0);
 
     static uint64_t From(int32_t state) { return static_cast<uint64_t>(state) * kFactor; }
     static int32_t State(uint64_t scaled) {
@@ -73,7 +69,7 @@ struct Scaled {
     }
     // The sign chooses by a mask, as for single steps.
     static uint64_t Next(uint64_t scaled) {
-        const uint64_t next = kMultiplier * scaled - (scaled >> kShift) * (kStep * kFactor);
+        const uint64_t next = kMultiplier * scaled - (scaled >> kQuotientShift) * kStep;
         const auto mask = static_cast<uint64_t>(static_cast<int64_t>(next) >> 63);
         return next + (Generator.modulus * kFactor & mask);
     }

@@ -6,7 +6,7 @@
 
 #include "Corvantis.h"
 #include "Jobs.h"
-#include "plain/Plain.h"
+#include "reference/Definitions.h"
 
 namespace bench {
 namespace {
@@ -32,7 +32,7 @@ void AddArrayJobs(Jobs& jobs) {
         };
     };
     jobs.push_back({"array of short, write", kShorts,
-                    rewound([=](int16_t* v) { plain::WriteShorts(stream, v, kShorts); }),
+                    rewound([=](int16_t* v) { definition::WriteShorts(stream, v, kShorts); }),
                     rewound([=](int16_t* v) { WriteArray_short(stream, v, kShorts); }),
                     rewound([=](int16_t* v) { std::fwrite(v, sizeof *v, kShorts, stream); })});
     FILE* source = Opened(std::tmpfile());
@@ -44,7 +44,7 @@ void AddArrayJobs(Jobs& jobs) {
         };
     };
     jobs.push_back({"array of short, read", kShorts,
-                    read([=](int16_t* v) { plain::ReadShorts(source, v, kShorts); }),
+                    read([=](int16_t* v) { definition::ReadShorts(source, v, kShorts); }),
                     read([=](int16_t* v) { ReadArray_short(source, v, kShorts); }),
                     read([=](int16_t* v) { std::fread(v, sizeof *v, kShorts, source); })});
 }
@@ -54,7 +54,7 @@ void AddHeaderJobs(Jobs& jobs) {
     FILE* sink = Opened(std::fopen("/dev/null", "wb"));
     auto header = std::make_shared<ITCEpochHeader>();
     jobs.push_back({"epoch header, write", sizeof(ITCEpochHeader),
-                    [=] { plain::WriteEpochHeader(sink, *header); },
+                    [=] { definition::WriteEpochHeader(sink, *header); },
                     [=] { Write_ITCEpochHeader(sink, header.get()); },
                     [=] { std::fwrite(header.get(), sizeof *header, 1, sink); }});
     FILE* source = Opened(std::tmpfile());
@@ -69,7 +69,7 @@ void AddHeaderJobs(Jobs& jobs) {
         };
     };
     jobs.push_back({"epoch header, read", sizeof(ITCEpochHeader),
-                    round([=] { plain::ReadEpochHeader(source, *header); }),
+                    round([=] { definition::ReadEpochHeader(source, *header); }),
                     round([=] { Read_ITCEpochHeader(source, header.get(), 8); }),
                     round([=] { std::fread(header.get(), sizeof *header, 1, source); })});
 }

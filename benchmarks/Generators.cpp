@@ -7,9 +7,9 @@
 #include <span>
 #include <vector>
 
-#include "ITCUtilities/BulkDeviates.h"
+#include "ITCUtilities/Random/LibraryGenerators.h"
 #include "Jobs.h"
-#include "plain/Plain.h"
+#include "reference/Definitions.h"
 
 namespace bench {
 namespace {
@@ -41,20 +41,23 @@ std::function<void()> EachByItself(Draw draw) {
     };
 }
 
-template <class Draw>
-std::function<void()> InBulk(Draw draw) {
+template <class Generator>
+std::function<void()> InBulk(Generator& generator,
+                             void (*draw)(Generator&, int32_t&, std::span<float>)) {
     auto values = std::make_shared<std::vector<float>>(kCount);
     auto word = std::make_shared<int32_t>(-1);
-    return [=] { draw(*word, std::span(*values)); };
+    return [=, &generator] { draw(generator, *word, std::span(*values)); };
 }
 
 }  // namespace
 
 void AddGeneratorJobs(Jobs& jobs) {
-    jobs.push_back({"ran2 in bulk", kCount, EachByItself(plain::UniformDeviate),
-                    InBulk(corvantis::DrawUniformDeviates), [] { Chain(kCount); }});
-    jobs.push_back({"normal deviates in bulk", kCount, EachByItself(plain::NormalDeviate),
-                    InBulk(corvantis::DrawNormalDeviates),
+    corvantis::NoiseGenerators& generators = corvantis::LibraryGenerators();
+    jobs.push_back({"ran2 in bulk", kCount, EachByItself(definition::UniformDeviate),
+                    InBulk(generators.uniform, corvantis::DrawUniformDeviates),
+                    [] { Chain(kCount); }});
+    jobs.push_back({"normal deviates in bulk", kCount, EachByItself(definition::NormalDeviate),
+                    InBulk(generators, corvantis::DrawNormalDeviates),
                     [] { Chain(static_cast<int64_t>(kUniformsPerDeviate * kCount)); }});
 }
 

@@ -7,7 +7,7 @@
 
 #include "Corvantis.h"
 #include "Jobs.h"
-#include "plain/Plain.h"
+#include "reference/Definitions.h"
 
 namespace bench {
 namespace {
@@ -44,10 +44,10 @@ void AddInterleavingJobs(Jobs& jobs) {
             benchmark::ClobberMemory();
         };
         const std::string suffix = ", entries " + std::to_string(entries);
-        jobs.push_back({"interleave" + suffix, kSamples, Moving(s, plain::Interleave),
+        jobs.push_back({"interleave" + suffix, kSamples, Moving(s, definition::Interleave),
                         Moving(s, ITCInterleaveData), copy});
-        jobs.push_back(
-            {"split" + suffix, kSamples, Moving(s, plain::Split), Moving(s, ITCSplitData), copy});
+        jobs.push_back({"split" + suffix, kSamples, Moving(s, definition::Split),
+                        Moving(s, ITCSplitData), copy});
     }
 }
 

@@ -10,7 +10,7 @@
 
 #include "Corvantis.h"
 #include "Jobs.h"
-#include "plain/Plain.h"
+#include "reference/Definitions.h"
 
 namespace bench {
 namespace {
@@ -83,11 +83,11 @@ void PlainUpdate() {
         entries[c].resize(kPoints);
         samples[c] = entries[c].data();
     }
-    plain::Sine(samples[0], kSine, kInterval);
-    plain::SpectralNoise(samples[1], kNoise, kInterval);
-    plain::SegmentedNoise(samples[2], kSegments);
-    plain::Ramp(samples[3], kRamp);
-    plain::Interleave(output.data(), samples.data(), kEntries, kPoints);
+    definition::Sine(samples[0], kSine, kInterval);
+    definition::SpectralNoise(samples[1], kNoise, kInterval);
+    definition::SegmentedNoise(samples[2], kSegments);
+    definition::Ramp(samples[3], kRamp);
+    definition::Interleave(output.data(), samples.data(), kEntries, kPoints);
 }
 
 // Each form finds the file it works on open, whatever the form before it did.
@@ -147,8 +147,8 @@ void AddLongEpochJobs(Jobs& jobs) {
                     {}});
     const size_t samples = size_t{kPoints} * kEntries;
     const std::function<void()> plainSave = Appending(other, [=](FILE* stream) {
-        plain::WriteEpochHeader(stream, *epochhdr);
-        plain::WriteShorts(stream, WholeSamples(), samples);
+        definition::WriteEpochHeader(stream, *epochhdr);
+        definition::WriteShorts(stream, WholeSamples(), samples);
     });
     plainSave();
     jobs.push_back(
@@ -159,8 +159,8 @@ void AddLongEpochJobs(Jobs& jobs) {
                     OnOwnStream(other, "rb",
                                 [=](FILE* stream) {
                                     std::rewind(stream);
-                                    plain::ReadEpochHeader(stream, *epochhdr);
-                                    plain::ReadShorts(stream, WholeSamples(), samples);
+                                    definition::ReadEpochHeader(stream, *epochhdr);
+                                    definition::ReadShorts(stream, WholeSamples(), samples);
                                 }),
                     [&] {
                         Reopen(saved, OpenFile::kLong);
@@ -199,8 +199,8 @@ void AddGetterJob(Jobs& jobs) {
     jobs.push_back(
         {"per-epoch getter", 1, FromNextEpoch([=](int32_t epoch) {
              std::fseek(stream, 580 + epoch * long{kShortSize}, SEEK_SET);
-             plain::ReadEpochHeader(stream, header);
-             plain::ReadPulse(stream, pulse);
+             definition::ReadEpochHeader(stream, header);
+             definition::ReadPulse(stream, pulse);
          }),
          FromNextEpoch([&](int32_t epoch) {
              Reopen(file, OpenFile::kShort);

@@ -6,7 +6,7 @@
 
 #include "Corvantis.h"
 #include "Jobs.h"
-#include "plain/Plain.h"
+#include "reference/Definitions.h"
 
 namespace bench {
 namespace {
@@ -35,8 +35,8 @@ std::function<void()> Limit(uint32_t points) {
 
 void AddTransformJobs(Jobs& jobs) {
     for (const uint32_t points : {1024u, 65536u, 1048576u}) {
-        jobs.push_back(
-            {"FFT", points, InTurn(points, plain::Fourier), InTurn(points, ITCfft), Limit(points)});
+        jobs.push_back({"FFT", points, InTurn(points, definition::Fourier), InTurn(points, ITCfft),
+                        Limit(points)});
     }
 }
 

@@ -8,7 +8,7 @@
 
 #include "Corvantis.h"
 #include "Jobs.h"
-#include "plain/Plain.h"
+#include "reference/Definitions.h"
 
 namespace bench {
 namespace {
@@ -58,10 +58,10 @@ Job PairAgainstMemset(const char* name, int32_t points, Record record, Plain pla
 }
 
 void PlainSine(uint16_t* buffer, const ITCSineParameters& record) {
-    plain::Sine(buffer, record, kInterval);
+    definition::Sine(buffer, record, kInterval);
 }
 void PlainSpectral(uint16_t* buffer, const ITCNoiseParameters& record) {
-    plain::SpectralNoise(buffer, record, kInterval);
+    definition::SpectralNoise(buffer, record, kInterval);
 }
 template <int Version>
 void LibraryNoise(int16_t* buffer, const ITCNoiseParameters* record) {
@@ -84,7 +84,8 @@ void AddFilteredNoise(Jobs& jobs) {
                                              .prePoints = window,
                                              .smoothingPoints = window};
         const std::string name = "filtered noise, window " + std::to_string(window);
-        jobs.push_back(Pair(name.c_str(), 100000, smoothed, plain::SmoothedNoise, LibraryNoise<4>));
+        jobs.push_back(
+            Pair(name.c_str(), 100000, smoothed, definition::SmoothedNoise, LibraryNoise<4>));
         jobs.back().limit = Rands(100000 + 2 * window);
     }
 }
@@ -103,17 +104,17 @@ void AddWaveformJobs(Jobs& jobs) {
     for (const int32_t points : {1000, 100000})
         jobs.push_back(Pair("sine", points, sine, PlainSine, ITCStmCreateSine));
     jobs.push_back(Pair("segmented noise, one-point segments", 100000, segmented,
-                        plain::SegmentedNoise, ITCStmCreateSegmentedNoise));
-    jobs.push_back(Pair("binary noise, one-point segments", 100000, binary, plain::BinaryNoise,
+                        definition::SegmentedNoise, ITCStmCreateSegmentedNoise));
+    jobs.push_back(Pair("binary noise, one-point segments", 100000, binary, definition::BinaryNoise,
                         ITCStmCreateBinaryNoise));
     jobs.push_back(PairAgainstMemset("pulse", 100000,
-                                     ITCPulseParameters{.amplitude = 3000, .mean = 7}, plain::Pulse,
-                                     ITCStmCreatePulse));
+                                     ITCPulseParameters{.amplitude = 3000, .mean = 7},
+                                     definition::Pulse, ITCStmCreatePulse));
     jobs.push_back(PairAgainstMemset("ramp", 100000,
-                                     ITCRampParameters{.amplitude = 30000, .mean = 7}, plain::Ramp,
-                                     ITCStmCreateRamp));
+                                     ITCRampParameters{.amplitude = 30000, .mean = 7},
+                                     definition::Ramp, ITCStmCreateRamp));
     jobs.push_back(PairAgainstMemset("alternating voltage", 100000, alternating,
-                                     plain::AlternatingVoltage, ITCStmCreateAltVoltage));
+                                     definition::AlternatingVoltage, ITCStmCreateAltVoltage));
 }
 
 }  // namespace bench

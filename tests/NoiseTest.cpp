@@ -10,7 +10,7 @@
 #include "LibrarySession.h"
 #include "SpareDeviates.h"
 #include "WrittenSamples.h"
-#include "plain/Plain.h"
+#include "reference/Definitions.h"
 
 namespace {
 
@@ -25,7 +25,7 @@ class NoiseTest : public testing::Test {
     static void DropSpares() {
         DropSpareDeviate();
         DropSpareDeviateOnRand();
-        plain::DropSpareDeviates();
+        definition::DropSpareDeviates();
     }
     template <class Record>
     static Samples Calculated(uint32_t type, const Record& record, size_t points) {
@@ -65,11 +65,12 @@ TEST_F(NoiseTest, SeedsRestartOrContinue) {
     for (const int32_t seed : {0, 12345, -7, -7, 12345, INT32_MAX, -1, INT32_MIN, 1}) {
         for (const int32_t amplitude : {3000, -20000, INT32_MIN}) {
             Expect(9, ITCSegmentedNoiseParameters{amplitude, 40000, seed, 11, 2, 3, 4, {}},
-                   plain::SegmentedNoise);
+                   definition::SegmentedNoise);
             Expect(10, ITCBinaryNoiseParameters{amplitude, 100, seed, 999, 0, 0, 3, {}},
-                   plain::BinaryNoise);
+                   definition::BinaryNoise);
         }
-        Expect(9, ITCSegmentedNoiseParameters{700, 5, seed, 9, 2, 3, 1, {}}, plain::SegmentedNoise);
+        Expect(9, ITCSegmentedNoiseParameters{700, 5, seed, 9, 2, 3, 1, {}},
+               definition::SegmentedNoise);
     }
 }
 
@@ -82,8 +83,8 @@ TEST_F(NoiseTest, TheFilesVersionChoosesTheMethod) {
             epochhdr->samplingInterval = interval;
             const ITCNoiseParameters record{2000, 10, seed, 64, 8, 8, 6, 200, 2};
             Expect(2, record, [=](uint16_t* buffer, const ITCNoiseParameters& noise) {
-                if (version <= 4) return plain::SmoothedNoise(buffer, noise);
-                plain::SpectralNoise(buffer, noise, interval);
+                if (version <= 4) return definition::SmoothedNoise(buffer, noise);
+                definition::SpectralNoise(buffer, noise, interval);
             });
         }
     }

@@ -6,7 +6,7 @@
 
 #include "Corvantis.h"
 #include "SpareDeviates.h"
-#include "plain/Plain.h"
+#include "reference/Definitions.h"
 
 namespace {
 
@@ -54,7 +54,7 @@ TEST(RandomNumbersTest, EveryDrawAndStateWordOfLongRuns) {
             restarts += word <= 0;
             const float value = ran2(&word);
             differences += n < 3 && value != Scaled(run.first[n]);
-            differences += value != plain::UniformDeviate(&plainWord) || word != plainWord;
+            differences += value != definition::UniformDeviate(&plainWord) || word != plainWord;
             differences += value == 0 || value > 1;
             negatives += value < 0;
         }
@@ -70,12 +70,12 @@ TEST(RandomNumbersTest, EveryDrawAndStateWordOfLongRuns) {
 TEST(RandomNumbersTest, NormalDeviatesAndTheirSpares) {
     corvantis_test::DropSpareDeviate();
     corvantis_test::DropSpareDeviateOnRand();
-    plain::DropSpareDeviates();
+    definition::DropSpareDeviates();
     unsigned seed = 4294967291u;
     for (const int count : {1, 2000, 7, 1, 30001}) {
         int32_t word = -count, plainWord = -count;
         for (int n = 0; n < count; ++n) {
-            ASSERT_EQ(ITCNormalDeviate(&word), plain::NormalDeviate(&plainWord)) << n;
+            ASSERT_EQ(ITCNormalDeviate(&word), definition::NormalDeviate(&plainWord)) << n;
             ASSERT_EQ(word, plainWord);
         }
         for (int n = 0; n < count; n += 3) {
@@ -83,7 +83,7 @@ TEST(RandomNumbersTest, NormalDeviatesAndTheirSpares) {
             const float older = V4ITCNormalDeviate();
             const int next = std::rand();
             std::srand(seed);
-            ASSERT_EQ(older, plain::OldNormalDeviate()) << n;
+            ASSERT_EQ(older, definition::OldNormalDeviate()) << n;
             ASSERT_EQ(next, std::rand());
         }
     }

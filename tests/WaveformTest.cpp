@@ -10,7 +10,7 @@
 #include "Corvantis.h"
 #include "LibrarySession.h"
 #include "WrittenSamples.h"
-#include "plain/Plain.h"
+#include "reference/Definitions.h"
 
 namespace {
 
@@ -89,7 +89,7 @@ TEST_F(WaveformTest, SineByHand) {
 TEST_F(WaveformTest, ASineIsRoundedOnce) {
     epochhdr->samplingInterval = 10;
     const ITCSineParameters record{INT32_MAX, -2051404981, 361, 0, 6572, 0, 0, {}};
-    const auto calculate = [&](uint16_t* buffer) { plain::Sine(buffer, record, 10); };
+    const auto calculate = [&](uint16_t* buffer) { definition::Sine(buffer, record, 10); };
     ExpectWave(1, ITCStmCreateSine, record, Written(6572, calculate));
 }
 
@@ -110,24 +110,24 @@ TEST_F(WaveformTest, RunsOfEveryLengthAndSign) {
              {ITCSineParameters{1000, 0, 4, 99, 0, 0, 0, {}},
               ITCSineParameters{INT32_MAX, -5, -9, 99, 0, 0, 0, {}}}) {
             ExpectPlainWave(1, ITCStmCreateSine, record, [=](uint16_t* buffer, const auto& sine) {
-                plain::Sine(buffer, sine, interval);
+                definition::Sine(buffer, sine, interval);
             });
         }
     }
     for (const auto& [amplitude, mean] : {std::pair{-70000, 5}, std::pair{1, INT32_MAX},
                                           std::pair{INT32_MIN, INT32_MIN}, std::pair{70001, -7}}) {
         ExpectPlainWave(3, ITCStmCreatePulse, ITCPulseParameters{amplitude, mean, 0, 0, 0, {}},
-                        plain::Pulse);
+                        definition::Pulse);
         ExpectPlainWave(4, ITCStmCreateRamp, ITCRampParameters{amplitude, mean, 0, 0, 0, {}},
-                        plain::Ramp);
+                        definition::Ramp);
     }
     for (const int32_t period : {1, 3, -3, 24, 1000, INT32_MIN}) {
         ExpectPlainWave(8, ITCStmCreateTrigSeries,
                         ITCTrigSeriesParameters{60000, 9000, period, 0, 0, 0, {}},
-                        plain::TriggerSeries);
+                        definition::TriggerSeries);
         ExpectPlainWave(13, ITCStmCreateAltVoltage,
                         ITCAlternateVoltageParameters{period, -40000, -3000, 0, 0, 0, {}},
-                        plain::AlternatingVoltage);
+                        definition::AlternatingVoltage);
     }
 }
 

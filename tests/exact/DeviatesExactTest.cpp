@@ -2,11 +2,11 @@
 #include <cstdlib>
 #include <limits>
 
-#include "ITCUtilities/BulkDeviates.h"
-#include "ITCUtilities/PolarFactor.h"
+#include "ITCUtilities/Random/LibraryGenerators.h"
+#include "ITCUtilities/Random/PolarFactor.h"
 #include "SameBits.h"
 #include "SpareDeviates.h"
-#include "plain/Plain.h"
+#include "reference/Definitions.h"
 
 namespace corvantis_test {
 namespace {
@@ -17,8 +17,8 @@ class DeviatesExactTest : public testing::Test {
     DeviatesExactTest() {
         DropSpareDeviate();
         DropSpareDeviateOnRand();
-        plain::DropSpareDeviates();
-        EXPECT_EQ(ran2(&word), plain::UniformDeviate(&plainWord));
+        definition::DropSpareDeviates();
+        EXPECT_EQ(ran2(&word), definition::UniformDeviate(&plainWord));
     }
 
     template <class Bulk, class Single>
@@ -30,17 +30,20 @@ class DeviatesExactTest : public testing::Test {
         EXPECT_EQ(CountDifferences(values, expected), 0u) << count << " deviates";
     }
 
+    corvantis::NoiseGenerators& generators = corvantis::LibraryGenerators();
     int32_t word = -77;
     int32_t plainWord = -77;
 };
 
 TEST_F(DeviatesExactTest, UniformDeviatesBeyondRestartsOfTheGenerator) {
-    const auto bulk = [&](auto values) { corvantis::DrawUniformDeviates(word, values); };
-    const auto single = [&] { return plain::UniformDeviate(&plainWord); };
+    const auto bulk = [&](auto values) {
+        corvantis::DrawUniformDeviates(generators.uniform, word, values);
+    };
+    const auto single = [&] { return definition::UniformDeviate(&plainWord); };
     for (const int32_t count : kAwkwardCounts) ExpectSame(count, bulk, single);
     ExpectSame(4000000, bulk, single);
     EXPECT_EQ(word, plainWord);
-    EXPECT_EQ(ran2(&word), plain::UniformDeviate(&plainWord));
+    EXPECT_EQ(ran2(&word), definition::UniformDeviate(&plainWord));
 }
 
 // Words that are no state of the generator: 0 and below restart it, 2147483563 becomes the state 0,
@@ -50,23 +53,24 @@ TEST_F(DeviatesExactTest, UniformDeviatesFromAnyWord) {
                                 std::numeric_limits<int32_t>::min()}) {
         word = plainWord = first;
         ExpectSame(
-            20000, [&](auto values) { corvantis::DrawUniformDeviates(word, values); },
-            [&] { return plain::UniformDeviate(&plainWord); });
+            20000,
+            [&](auto values) { corvantis::DrawUniformDeviates(generators.uniform, word, values); },
+            [&] { return definition::UniformDeviate(&plainWord); });
         EXPECT_EQ(word, plainWord) << "from " << first;
     }
 }
 
 TEST_F(DeviatesExactTest, NormalDeviatesAndTheSpareBetweenCalls) {
-    const auto bulk = [&](auto values) { corvantis::DrawNormalDeviates(word, values); };
-    const auto single = [&] { return plain::NormalDeviate(&plainWord); };
+    const auto bulk = [&](auto values) { corvantis::DrawNormalDeviates(generators, word, values); };
+    const auto single = [&] { return definition::NormalDeviate(&plainWord); };
     for (const int32_t count : kAwkwardCounts) {
         ExpectSame(count, bulk, single);
         ExpectSame(0, bulk, single);
         EXPECT_EQ(word, plainWord);
     }
     ExpectSame(3000001, bulk, single);
-    EXPECT_EQ(ITCNormalDeviate(&word), plain::NormalDeviate(&plainWord));
-    EXPECT_EQ(ITCNormalDeviate(&word), plain::NormalDeviate(&plainWord));
+    EXPECT_EQ(ITCNormalDeviate(&word), definition::NormalDeviate(&plainWord));
+    EXPECT_EQ(ITCNormalDeviate(&word), definition::NormalDeviate(&plainWord));
     EXPECT_EQ(word, plainWord);
 }
 
@@ -75,10 +79,10 @@ TEST_F(DeviatesExactTest, DeviatesOnRandLeaveItWhereSingleDrawsDo) {
         std::vector<float> values(static_cast<size_t>(count));
         std::vector<float> expected(values.size());
         std::srand(42);
-        corvantis::DrawOldNormalDeviates(values);
+        corvantis::DrawOldNormalDeviates(generators, values);
         const int next = std::rand();
         std::srand(42);
-        for (float& value : expected) value = plain::OldNormalDeviate();
+        for (float& value : expected) value = definition::OldNormalDeviate();
         EXPECT_EQ(CountDifferences(values, expected), 0u) << count << " deviates";
         EXPECT_EQ(next, std::rand());
     }

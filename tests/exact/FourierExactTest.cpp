@@ -2,7 +2,7 @@
 #include <limits>
 
 #include "SameBits.h"
-#include "plain/Plain.h"
+#include "reference/Definitions.h"
 
 namespace corvantis_test {
 namespace {
@@ -20,7 +20,7 @@ std::vector<float> RandomValues(uint32_t points, float scale, unsigned seed) {
 
 void ExpectSameTransform(int32_t isign, uint32_t points, std::vector<float> values) {
     std::vector<float> expected = values;
-    plain::Fourier(isign, points, expected.data());
+    definition::Fourier(isign, points, expected.data());
     ITCfft(isign, points, values.data());
     EXPECT_EQ(CountDifferences(values, expected), 0u) << points << " points, direction " << isign;
     EXPECT_EQ(values[0], kMark);

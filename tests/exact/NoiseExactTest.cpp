@@ -1,9 +1,9 @@
 // The noise waveforms against the plain formulas, from the same state of the generators.
 #include "ITCInitialize/State.h"
-#include "ITCStimulus/PowerGains.h"
+#include "ITCWaveforms/PowerGains.h"
 #include "SameBits.h"
 #include "SpareDeviates.h"
-#include "plain/Plain.h"
+#include "reference/Definitions.h"
 
 namespace corvantis_test {
 namespace {
@@ -13,7 +13,7 @@ class NoiseExactTest : public testing::Test {
     NoiseExactTest() {
         DropSpareDeviate();
         DropSpareDeviateOnRand();
-        plain::DropSpareDeviates();
+        definition::DropSpareDeviates();
         corvantis::CurrentFileHeader().version = 8;
         corvantis::CurrentEpochHeader().samplingInterval = 100;
     }
@@ -24,10 +24,10 @@ class NoiseExactTest : public testing::Test {
         std::vector<uint16_t> expected = samples;
         EXPECT_EQ(ITCStmCreateNoise(samples.data(), &record), ITC_SUCCESS);
         if (corvantis::CurrentFileHeader().version <= 4) {
-            plain::SmoothedNoise(expected.data(), record);
+            definition::SmoothedNoise(expected.data(), record);
         } else {
-            plain::SpectralNoise(expected.data(), record,
-                                 corvantis::CurrentEpochHeader().samplingInterval);
+            definition::SpectralNoise(expected.data(), record,
+                                      corvantis::CurrentEpochHeader().samplingInterval);
         }
         EXPECT_EQ(CountDifferences(samples, expected), 0u)
             << record.points << " points, window " << record.smoothingPoints << ", cutoff "
@@ -104,11 +104,11 @@ TEST_F(NoiseExactTest, SegmentsOfEveryLength) {
             std::vector<uint16_t> samples = BufferFor(record);
             std::vector<uint16_t> expected = samples;
             ITCStmCreateSegmentedNoise(SignedSamples(samples), &record);
-            plain::SegmentedNoise(expected.data(), record);
+            definition::SegmentedNoise(expected.data(), record);
             EXPECT_EQ(CountDifferences(samples, expected), 0u) << points << " by " << segment;
             const auto binary = std::bit_cast<ITCBinaryNoiseParameters>(record);
             ITCStmCreateBinaryNoise(SignedSamples(samples), &binary);
-            plain::BinaryNoise(expected.data(), binary);
+            definition::BinaryNoise(expected.data(), binary);
             EXPECT_EQ(CountDifferences(samples, expected), 0u) << points << " by " << segment;
         }
     }
@@ -124,7 +124,7 @@ TEST_F(NoiseExactTest, StatesBehindWaveformsWithoutPoints) {
     const ITCNoiseParameters tooLong = {.seed = 99, .points = 1 << 30};
     EXPECT_EQ(ITCStmCreateNoise(nullptr, &tooLong), ITC_OUT_OF_MEMORY);
     int32_t word = -99;
-    plain::UniformDeviate(&word);
+    definition::UniformDeviate(&word);
     ExpectSameNoise(next);
 
     const ITCSegmentedNoiseParameters segments[] = {
@@ -135,7 +135,7 @@ TEST_F(NoiseExactTest, StatesBehindWaveformsWithoutPoints) {
         std::vector<uint16_t> samples = BufferFor(record);
         std::vector<uint16_t> expected = samples;
         ITCStmCreateSegmentedNoise(SignedSamples(samples), &record);
-        plain::SegmentedNoise(expected.data(), record);
+        definition::SegmentedNoise(expected.data(), record);
         EXPECT_EQ(CountDifferences(samples, expected), 0u) << record.seed;
     }
 }

@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "SameBits.h"
-#include "plain/Plain.h"
+#include "reference/Definitions.h"
 
 namespace corvantis_test {
 namespace {
@@ -27,8 +27,8 @@ void ExpectSameMoves(int32_t entries, int32_t points, size_t distance, size_t st
             for (int32_t c = 0; c < entries; ++c) {
                 perEntry.push_back(block + static_cast<size_t>(c) * distance);
             }
-            const auto move = form == 0 ? ITCInterleaveData : plain::Interleave;
-            const auto part = form == 0 ? ITCSplitData : plain::Split;
+            const auto move = form == 0 ? ITCInterleaveData : definition::Interleave;
+            const auto part = form == 0 ? ITCSplitData : definition::Split;
             if (split) part(block + start, perEntry.data(), entries, points);
             if (!split) move(block + start, perEntry.data(), entries, points);
         }
@@ -71,14 +71,14 @@ TEST(TransferExactTest, EpochHeadersOfRandomBits) {
     const Stream plainStream = TemporaryStream();
     const ITCEpochHeader header = RandomHeader();
     EXPECT_TRUE(Write_ITCEpochHeader(library.get(), &header));
-    EXPECT_TRUE(plain::WriteEpochHeader(plainStream.get(), header));
+    EXPECT_TRUE(definition::WriteEpochHeader(plainStream.get(), header));
     EXPECT_EQ(Content(library.get()), Content(plainStream.get()));
     std::rewind(library.get());
     std::rewind(plainStream.get());
     ITCEpochHeader headers[2];
     std::memset(headers, 0x33, sizeof headers);
     EXPECT_TRUE(Read_ITCEpochHeader(library.get(), &headers[0], 8));
-    EXPECT_TRUE(plain::ReadEpochHeader(plainStream.get(), headers[1]));
+    EXPECT_TRUE(definition::ReadEpochHeader(plainStream.get(), headers[1]));
     EXPECT_EQ(std::memcmp(&headers[0], &headers[1], sizeof headers[0]), 0);
 }
 
@@ -89,7 +89,7 @@ TEST(TransferExactTest, ArraysOfEveryLength) {
         const Stream library = TemporaryStream();
         const Stream plainStream = TemporaryStream();
         EXPECT_TRUE(WriteArray_short(library.get(), values, count));
-        EXPECT_TRUE(plain::WriteShorts(plainStream.get(), values, static_cast<size_t>(count)));
+        EXPECT_TRUE(definition::WriteShorts(plainStream.get(), values, static_cast<size_t>(count)));
         EXPECT_EQ(Content(library.get()), Content(plainStream.get())) << count;
         std::rewind(library.get());
         std::vector<int16_t> read(static_cast<size_t>(count));

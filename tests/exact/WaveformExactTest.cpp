@@ -1,9 +1,9 @@
 // The waveforms that are formulas of the point's number, against those formulas.
 #include "ITCInitialize/State.h"
-#include "ITCStimulus/SampleRuns.h"
-#include "ITCStimulus/SineRotation.h"
+#include "ITCWaveforms/SampleRuns.h"
+#include "ITCWaveforms/SineRotation.h"
 #include "SameBits.h"
-#include "plain/Plain.h"
+#include "reference/Definitions.h"
 
 namespace corvantis_test {
 namespace {
@@ -14,7 +14,7 @@ void ExpectSameSine(const ITCSineParameters& record) {
     std::vector<uint16_t> samples = BufferFor(record);
     std::vector<uint16_t> expected = samples;
     ITCStmCreateSine(SignedSamples(samples), &record);
-    plain::Sine(expected.data(), record, SamplingInterval());
+    definition::Sine(expected.data(), record, SamplingInterval());
     EXPECT_EQ(CountDifferences(samples, expected), 0u)
         << "amplitude " << record.amplitude << ", mean " << record.mean << ", period "
         << record.period << ", points " << record.points;
@@ -91,13 +91,13 @@ TEST(WaveformExactTest, RampsAndPulses) {
             const int32_t amplitude = RandomLevel(source);
             const int32_t mean = RandomLevel(source);
             ExpectSame(ITCRampParameters{amplitude, mean, points, round % 7, round % 3, {}},
-                       ITCStmCreateRamp, plain::Ramp);
+                       ITCStmCreateRamp, definition::Ramp);
             ExpectSame(ITCPulseParameters{amplitude, mean, points, round % 7, round % 3, {}},
-                       ITCStmCreatePulse, plain::Pulse);
+                       ITCStmCreatePulse, definition::Pulse);
         }
     }
     ExpectSame(ITCRampParameters{.amplitude = 2147483647, .mean = 70, .points = 18000000},
-               ITCStmCreateRamp, plain::Ramp);
+               ITCStmCreateRamp, definition::Ramp);
 }
 
 // An amplitude of 2^30 shows every bit of a point's share of the ramp.
@@ -107,7 +107,7 @@ TEST(WaveformExactTest, SharesOfRampsOfAnyLength) {
     while (lengths.size() < 40) lengths.push_back(static_cast<int32_t>(source() % 1048577));
     for (const int32_t points : lengths) {
         ExpectSame(ITCRampParameters{.amplitude = 1 << 30, .mean = 0, .points = points},
-                   ITCStmCreateRamp, plain::Ramp);
+                   ITCStmCreateRamp, definition::Ramp);
     }
 }
 
@@ -121,14 +121,14 @@ TEST(WaveformExactTest, PeriodsOfEveryLength) {
                                                      .points = points,
                                                      .tailPoints = 3,
                                                      .prePoints = 5},
-                       ITCStmCreateAltVoltage, plain::AlternatingVoltage);
+                       ITCStmCreateAltVoltage, definition::AlternatingVoltage);
             ExpectSame(ITCTrigSeriesParameters{.baseline = 5,
                                                .amplitude = -70000,
                                                .interval = period,
                                                .points = points,
                                                .tailPoints = 2,
                                                .prePoints = 1},
-                       ITCStmCreateTrigSeries, plain::TriggerSeries);
+                       ITCStmCreateTrigSeries, definition::TriggerSeries);
         }
     }
 }
@@ -144,7 +144,7 @@ TEST(WaveformExactTest, LevelsAddedToSamples) {
     corvantis::AddLevels(samples, levels.data());
     for (size_t i = 0; i < levels.size(); ++i) {
         const auto held = static_cast<float>(static_cast<int16_t>(expected[i]));
-        expected[i] = plain::Sample(levels[i] + held);
+        expected[i] = definition::Sample(levels[i] + held);
     }
     EXPECT_EQ(CountDifferences(samples, expected), 0u);
 }

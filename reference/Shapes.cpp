@@ -1,9 +1,9 @@
 // The waveforms that are a formula of the point's number, and the sequence's interleaving.
 #include <cmath>
 
-#include "plain/Plain.h"
+#include "reference/Definitions.h"
 
-namespace plain {
+namespace definition {
 namespace {
 
 int32_t Sum(int32_t a, int32_t b) {
@@ -76,4 +76,4 @@ void Split(const uint16_t* interleaved, uint16_t* const* perEntry, int32_t entri
     }
 }
 
-}  // namespace plain
+}  // namespace definition

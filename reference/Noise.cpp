@@ -3,9 +3,9 @@
 #include <cstdlib>
 #include <vector>
 
-#include "plain/Plain.h"
+#include "reference/Definitions.h"
 
-namespace plain {
+namespace definition {
 namespace {
 
 int32_t Negated(int32_t value) { return static_cast<int32_t>(0u - static_cast<uint32_t>(value)); }
@@ -117,4 +117,4 @@ void SpectralNoise(uint16_t* buffer, const ITCNoiseParameters& record, int32_t s
     }
 }
 
-}  // namespace plain
+}  // namespace definition

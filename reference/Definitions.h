@@ -8,7 +8,7 @@
 
 #include "Corvantis.h"
 
-namespace plain {
+namespace definition {
 
 // The generators have a state of their own; a state word of 0 or less restarts the first one.
 float UniformDeviate(int32_t* word);
@@ -42,4 +42,4 @@ bool ReadPulse(FILE* stream, ITCPulseParameters& record);
 
 uint16_t Sample(double value);
 
-}  // namespace plain
+}  // namespace definition

@@ -2,9 +2,9 @@
 #include <cmath>
 #include <utility>
 
-#include "plain/Plain.h"
+#include "reference/Definitions.h"
 
-namespace plain {
+namespace definition {
 
 void Fourier(int32_t isign, uint32_t points, float* data) {
     const size_t n = size_t{2} * points;
@@ -43,4 +43,4 @@ void Fourier(int32_t isign, uint32_t points, float* data) {
     for (size_t i = 1; i <= n; ++i) data[i] /= static_cast<float>(points);
 }
 
-}  // namespace plain
+}  // namespace definition

@@ -2,9 +2,9 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "plain/Plain.h"
+#include "reference/Definitions.h"
 
-namespace plain {
+namespace definition {
 namespace {
 
 int32_t secondState = 123456789;
@@ -83,4 +83,4 @@ float OldNormalDeviate() {
 
 void DropSpareDeviates() { spare.held = oldSpare.held = false; }
 
-}  // namespace plain
+}  // namespace definition

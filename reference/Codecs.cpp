@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <utility>
 
-#include "plain/Plain.h"
+#include "reference/Definitions.h"
 
-namespace plain {
+namespace definition {
 namespace {
 
 template <size_t Size>
@@ -115,4 +115,4 @@ bool ReadPulse(FILE* stream, ITCPulseParameters& record) {
     return reader.complete;
 }
 
-}  // namespace plain
+}  // namespace definition

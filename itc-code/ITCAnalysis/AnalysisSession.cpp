@@ -1,8 +1,8 @@
 // Starting and ending the library for programs that only read files, with buffers of its own.
 #include "Corvantis.h"
-#include "ITCInitialize/Memory.h"
 #include "ITCInitialize/State.h"
 #include "ITCStimulus/Slots.h"
+#include "ITCUtilities/Memory.h"
 
 int32_t ITCInitializeAnalysis(int32_t bufsize) {
     using namespace corvantis;

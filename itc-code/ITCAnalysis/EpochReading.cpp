@@ -4,9 +4,9 @@
 
 #include "Corvantis.h"
 #include "ITCFileAccess/DataFile.h"
-#include "ITCInitialize/Memory.h"
 #include "ITCInitialize/State.h"
 #include "ITCStimulus/Slots.h"
+#include "ITCUtilities/Memory.h"
 
 namespace corvantis {
 namespace {

@@ -21,11 +21,11 @@ int64_t ParametersSize(uint32_t entry) {
     if (summed == nullptr) {
         const uint32_t type = static_cast<uint32_t>(SlotType(entry));
         const bool dynamicClamp = type == ITC_STIMULUS_DYNAMIC_CLAMP;
-        return TypeRow(type).countedSize + (dynamicClamp ? conductances : 0);
+        return TypeRow(type).record->countedSize + (dynamicClamp ? conductances : 0);
     }
     int64_t size = kSummedCountedSize;
     for (int32_t k = 0; k < summed->count && k < ITC_COMPONENTS; ++k) {
-        size += TypeRow(static_cast<uint32_t>(summed->componentType[k])).countedSize;
+        size += TypeRow(static_cast<uint32_t>(summed->componentType[k])).record->countedSize;
     }
     return size;
 }

@@ -5,9 +5,9 @@
 #include "ITCFileAccess/DataFile.h"
 #include "ITCFileIO/ArrayCodec.h"
 #include "ITCFileIO/StimulusTypes.h"
-#include "ITCInitialize/Memory.h"
 #include "ITCInitialize/State.h"
 #include "ITCStimulus/Slots.h"
+#include "ITCUtilities/Memory.h"
 
 namespace corvantis {
 namespace {
@@ -27,12 +27,13 @@ int32_t WriteDynamicClamp(FILE* stream, const void* record, uint32_t& size) {
     if (!Write_ITCStimulusParameters(stream, record, ITC_STIMULUS_DYNAMIC_CLAMP)) {
         return ITC_FILE_ERROR;
     }
-    size += TypeRow(ITC_STIMULUS_DYNAMIC_CLAMP).countedSize + 8 * static_cast<uint32_t>(points);
+    size +=
+        TypeRow(ITC_STIMULUS_DYNAMIC_CLAMP).record->countedSize + 8 * static_cast<uint32_t>(points);
     return FileResult(WriteConductances(stream, static_cast<size_t>(points)));
 }
 
 int32_t WriteRecord(FILE* stream, const void* record, uint32_t type, uint32_t& size) {
-    const uint32_t countedSize = TypeRow(type).countedSize;
+    const uint32_t countedSize = TypeRow(type).record->countedSize;
     if (record == nullptr || countedSize == 0) return ITC_STIMULUS_ERROR;
     if (!Write_ITCStimulusParameters(stream, record, type)) return ITC_FILE_ERROR;
     size += countedSize;
@@ -54,12 +55,13 @@ int32_t WriteSum(FILE* stream, const ITCSummedParameters& summed, uint32_t& size
 
 // Cleared: a type that has no bytes on file comes back as nothing to play.
 void* AllocateRecord(uint32_t type) {
-    return AllocateZeroed<uint8_t>(static_cast<int64_t>(TypeRow(type).memorySize)).release();
+    return AllocateZeroed<uint8_t>(static_cast<int64_t>(TypeRow(type).record->memorySize))
+        .release();
 }
 
 int32_t ReadComponent(FILE* stream, ITCSummedParameters& summed, int32_t k) {
     const uint32_t type = static_cast<uint32_t>(summed.componentType[k]);
-    if (TypeRow(type).countedSize == 0) return ITC_STIMULUS_ERROR;
+    if (TypeRow(type).record->countedSize == 0) return ITC_STIMULUS_ERROR;
     summed.components[k] = AllocateRecord(type);
     if (summed.components[k] == nullptr) return ITC_OUT_OF_MEMORY;
     return FileResult(Read_ITCStimulusParameters(stream, summed.components[k], type));
@@ -120,7 +122,7 @@ int32_t ITCReadStmParams(uint32_t channel) {
     RememberMove();
     ReleaseSlotRecord(channel);
     const uint32_t type = static_cast<uint32_t>(SlotType(channel));
-    if (TypeRow(type).memorySize == 0) return ITC_STIMULUS_ERROR;
+    if (TypeRow(type).record->memorySize == 0) return ITC_STIMULUS_ERROR;
     void* record = AllocateRecord(type);
     if (record == nullptr) return ITC_OUT_OF_MEMORY;
     InstallSlotRecord(channel, record, type);

@@ -12,7 +12,8 @@ namespace {
 int32_t RetrieveField(int32_t* value, int8_t type, const void* record,
                       int32_t FieldPlaces::*field) {
     if (!IsStarted()) return ITC_NOT_STARTED;
-    const int32_t place = TypeRow(static_cast<uint32_t>(int32_t{type})).fields.*field;
+    const FieldPlaces places = TypeRow(static_cast<uint32_t>(int32_t{type})).places;
+    const int32_t place = places.*field;
     if (place == kNoSuchField) return ITC_STIMULUS_ERROR;
     if (place == kAlwaysZero) {
         *value = 0;

@@ -21,9 +21,9 @@ inline constexpr bool kIsText = std::is_array_v<Field> &&
 template <class Visitor>
 class ElementVisitor {
   public:
-    template <class... Field>
-    constexpr void operator()(Field&... field) {
-        (VisitField(field), ...);
+    template <class Field>
+    constexpr void operator()(Field& field, const FieldText& /*text*/) {
+        VisitField(field);
     }
     constexpr void Zeros(size_t count) {
         if constexpr (requires { Self().ZeroRun(count); }) {

@@ -16,13 +16,13 @@ constexpr int kReaderLine = 743;
 // A type without an encoding counts as transferred: a file-wave channel is saved without its record
 // while the save reports success, and reading it back consumes nothing.
 bool Write_ITCStimulusParameters(FILE* stream, const void* record, uint32_t type) {
-    const auto write = corvantis::TypeRow(type).write;
+    const auto write = corvantis::TypeRow(type).record->write;
     if (write != nullptr) return write(stream, record);
     corvantis::PrintUnrecognizedType(corvantis::kWriterLine);
     return true;
 }
 bool Read_ITCStimulusParameters(FILE* stream, void* record, uint32_t type) {
-    const auto read = corvantis::TypeRow(type).read;
+    const auto read = corvantis::TypeRow(type).record->read;
     if (read != nullptr) return read(stream, record);
     corvantis::PrintUnrecognizedType(corvantis::kReaderLine);
     return true;

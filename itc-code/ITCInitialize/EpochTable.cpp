@@ -4,8 +4,8 @@
 #include <algorithm>
 
 #include "Corvantis.h"
-#include "ITCInitialize/Memory.h"
 #include "ITCInitialize/State.h"
+#include "ITCUtilities/Memory.h"
 
 namespace corvantis {
 namespace {

@@ -5,9 +5,9 @@
 #include "ITC18.h"
 #include "ITCFileIO/StimulusTypes.h"
 #include "ITCInitialize/EpochTable.h"
-#include "ITCInitialize/Memory.h"
 #include "ITCInitialize/State.h"
 #include "ITCUtilities/Diagnostics.h"
+#include "ITCUtilities/Memory.h"
 
 namespace corvantis {
 namespace {

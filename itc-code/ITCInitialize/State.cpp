@@ -2,7 +2,7 @@
 #include "ITCInitialize/State.h"
 
 #include "ITCInitialize/EpochTable.h"
-#include "ITCInitialize/Memory.h"
+#include "ITCUtilities/Memory.h"
 
 int32_t InitFlag = 0;
 int32_t InitializationTime = 0;
@@ -90,6 +90,11 @@ ITCFileHeader& CurrentFileHeader() {
 ITCEpochHeader& CurrentEpochHeader() {
     static ITCEpochHeader blank = {};
     return HasEpochHeader() ? *epochhdr : blank;
+}
+
+EpochSettings CurrentEpochSettings() {
+    const ITCEpochHeader& epoch = CurrentEpochHeader();
+    return {epoch.samplingInterval, epoch.epochPoints, CurrentFileHeader().version};
 }
 
 uint16_t* InputSamples() { return Samples(ITCInputBuffer, releasedInputHandle); }

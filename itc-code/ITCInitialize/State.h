@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "Corvantis.h"
+#include "ITCWaveforms/Waveforms.h"
 
 namespace corvantis {
 
@@ -23,6 +24,8 @@ ITCFileHeader& CurrentFileHeader();
 ITCEpochHeader& CurrentEpochHeader();
 bool HasFileHeader();
 bool HasEpochHeader();
+// What the current headers say about waveforms.
+EpochSettings CurrentEpochSettings();
 
 // A sample buffer of the caller, or null if there is none (any more).
 uint16_t* InputSamples();

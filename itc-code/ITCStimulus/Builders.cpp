@@ -73,7 +73,7 @@ using corvantis::LengthRule;
 
 int32_t ITCStmParamsSize(uint32_t* size, uint32_t type) {
     if (!corvantis::IsStarted()) return ITC_NOT_STARTED;
-    const uint32_t countedSize = corvantis::TypeRow(type).countedSize;
+    const uint32_t countedSize = corvantis::TypeRow(type).record->countedSize;
     if (countedSize == 0) return ITC_FILE_ERROR;
     *size = countedSize;
     return ITC_SUCCESS;

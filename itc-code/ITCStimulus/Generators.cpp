@@ -1,6 +1,8 @@
 // The stand-alone generators, one waveform each into the caller's buffer.
 #include "Corvantis.h"
-#include "ITCStimulus/Shapes.h"
+#include "ITCInitialize/State.h"
+#include "ITCUtilities/Random/LibraryGenerators.h"
+#include "ITCWaveforms/Waveforms.h"
 
 namespace corvantis {
 namespace {
@@ -12,10 +14,12 @@ uint16_t* SampleBits(int16_t* buffer) { return reinterpret_cast<uint16_t*>(buffe
 }  // namespace corvantis
 
 using corvantis::CreateWaveform;
+using corvantis::CurrentEpochSettings;
+using corvantis::LibraryGenerators;
 using corvantis::SampleBits;
 
 void ITCStmCreateSine(int16_t* buffer, const ITCSineParameters* params) {
-    CreateWaveform(SampleBits(buffer), *params);
+    CreateWaveform(SampleBits(buffer), *params, CurrentEpochSettings().samplingInterval);
 }
 void ITCStmCreatePulse(int16_t* buffer, const ITCPulseParameters* params) {
     CreateWaveform(SampleBits(buffer), *params);
@@ -30,19 +34,22 @@ void ITCStmCreateTrigSeries(int16_t* buffer, const ITCTrigSeriesParameters* para
     CreateWaveform(SampleBits(buffer), *params);
 }
 uint32_t ITCStmCreateSegmentedNoise(int16_t* buffer, const ITCSegmentedNoiseParameters* params) {
-    CreateWaveform(SampleBits(buffer), *params);
+    CreateWaveform(SampleBits(buffer), *params, LibraryGenerators());
     return 0;
 }
 uint32_t ITCStmCreateBinaryNoise(int16_t* buffer, const ITCBinaryNoiseParameters* params) {
-    CreateWaveform(SampleBits(buffer), *params);
+    CreateWaveform(SampleBits(buffer), *params, LibraryGenerators());
     return 0;
 }
 void ITCStmCreateGClamp(int16_t* buffer) {
-    corvantis::CreateDynamicClampWaveform(SampleBits(buffer));
+    corvantis::CreateDynamicClampWaveform(SampleBits(buffer), CurrentEpochSettings().epochPoints);
 }
 void ITCStmCreateAltVoltage(int16_t* buffer, const ITCAlternateVoltageParameters* params) {
     CreateWaveform(SampleBits(buffer), *params);
 }
 void ITCStmCreateSpatial(int16_t* buffer, const ITCSpatialStmParameters* params) {
     CreateWaveform(SampleBits(buffer), *params);
+}
+int32_t ITCStmCreateNoise(uint16_t* buffer, const ITCNoiseParameters* params) {
+    return CreateWaveform(buffer, *params, CurrentEpochSettings(), LibraryGenerators());
 }

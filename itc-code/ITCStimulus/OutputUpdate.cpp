@@ -4,11 +4,10 @@
 
 #include "Corvantis.h"
 #include "ITCFileIO/StimulusTypes.h"
-#include "ITCInitialize/Memory.h"
 #include "ITCInitialize/State.h"
-#include "ITCStimulus/Extent.h"
-#include "ITCStimulus/SampleRuns.h"
 #include "ITCStimulus/Slots.h"
+#include "ITCUtilities/Memory.h"
+#include "ITCWaveforms/SampleRuns.h"
 
 namespace corvantis {
 namespace {
@@ -21,7 +20,7 @@ SampleBlock AllocateSamples(int64_t points) { return AllocateZeroed<uint16_t>(po
 // A record that is not there or would leave the buffer is calculated without: it gets as far as its
 // printed line, as every calculation does.
 int32_t CalculateWithin(uint32_t type, uint16_t* buffer, const void* record, int64_t points) {
-    const bool fits = record != nullptr && StaysWithin(type, record, points);
+    const bool fits = record != nullptr && TypeRow(type).staysWithin(record, points);
     const int32_t result = ITCCalcStimulus(type, buffer, fits ? record : nullptr);
     return result == ITC_SUCCESS ? ITC_SUCCESS : ITC_STIMULUS_ERROR;
 }

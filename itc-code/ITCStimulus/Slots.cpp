@@ -28,7 +28,7 @@ bool HoldsPointers(uint32_t type) {
 bool CanBeReadAs(uint32_t channel, uint32_t type) {
     if (!IsInstalled(channel) || installed[channel].type == type) return true;
     if (HoldsPointers(type)) return false;
-    return TypeRow(installed[channel].type).memorySize >= TypeRow(type).memorySize;
+    return TypeRow(installed[channel].type).record->memorySize >= TypeRow(type).record->memorySize;
 }
 
 void ReleaseComponents(ITCSummedParameters& summed) {
@@ -51,7 +51,7 @@ void* SlotRecord(uint32_t channel) { return SlotRecord(channel, SlotType(channel
 size_t SlotRecordSize(uint32_t channel, size_t limit) {
     if (!IsStarted() || StmParameters[channel] == nullptr) return 0;
     if (!IsInstalled(channel)) return limit;
-    return std::min(limit, TypeRow(installed[channel].type).memorySize);
+    return std::min(limit, TypeRow(installed[channel].type).record->memorySize);
 }
 
 ITCSummedParameters* SummedSlotRecord(uint32_t channel) {

@@ -30,8 +30,4 @@ void PrintLatencyTooLarge(int32_t pointsLatency, uint32_t limit) {
                 static_cast<long>(pointsLatency), static_cast<unsigned>(limit));
 }
 
-void PrintValueOutOfRange() {
-    PrintLine("File-read: value from file falls out of range that the destination-type supports");
-}
-
 }  // namespace corvantis

@@ -15,6 +15,5 @@ void PrintStimulusType(uint32_t type);
 void PrintUnrecognizedType(int line);
 void PrintLatencyTooSmall(int32_t pointsLatency, uint32_t limit);
 void PrintLatencyTooLarge(int32_t pointsLatency, uint32_t limit);
-void PrintValueOutOfRange();
 
 }  // namespace corvantis

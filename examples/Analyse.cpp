@@ -7,6 +7,7 @@
 #include "Corvantis.h"
 #include "Recording.h"
 #include "Spikes.h"
+#include "StimulusNames.h"
 
 namespace {
 

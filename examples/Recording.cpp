@@ -10,6 +10,7 @@
 
 #include "Corvantis.h"
 #include "LibraryCalls.h"
+#include "StimulusNames.h"
 
 namespace {
 
@@ -127,15 +128,6 @@ std::vector<double> Samples(std::span<const uint16_t> interleaved, const Epoch& 
     for (size_t k = entry; k < interleaved.size(); k += epoch.entries.size())
         values.push_back(static_cast<int16_t>(interleaved[k]) * scale.unitsPerCount);
     return values;
-}
-
-const char* StimulusName(int32_t type) {
-    static const char* const kNames[] = {"none",     "sine",        "noise",        "pulse",
-                                         "ramp",     "wave",        "generic",      "sum",
-                                         "triggers", "segments",    "binary noise", "dynamic clamp",
-                                         "circle",   "alternating", "spatial"};
-    const size_t index = static_cast<size_t>(type);
-    return index < std::size(kNames) ? kNames[index] : "unknown";
 }
 
 std::string LevelText(int32_t counts, const Scale& scale) {

@@ -60,8 +60,6 @@ std::vector<uint16_t> RecomputeStimulus(const Epoch& epoch);
 std::vector<double> Samples(std::span<const uint16_t> interleaved, const Epoch& epoch, size_t entry,
                             const Scale& scale);
 
-const char* StimulusName(int32_t type);
-
 // For example "200 pA".
 std::string LevelText(int32_t counts, const Scale& scale);
 

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <type_traits>
 
+#include "ITCFileIO/StimulusTypes.h"
 #include "Session.h"
 
 namespace {
@@ -114,20 +115,57 @@ void SpoilHeaders(Arguments& arguments) {
     type = arguments.Take<int8_t>();
 }
 
+void InstallGeneric(Arguments& arguments) {
+    const auto record = TakeRuns<ITCGenericParameters>(arguments);
+    Expect(ITCGenericParams(&record));
+}
+
+void InstallSpatial(Arguments& arguments) {
+    const auto record = arguments.Take<ITCSpatialStmParameters>();
+    Expect(ITCSpatialParams(arguments.Channel(), &record));
+}
+
+// No default: a new type is not to be forgotten here.
+void InstallAny(Arguments& arguments) {
+    switch (static_cast<ITCStimulusType>(1 + arguments.Byte() % corvantis::kLargestType)) {
+        case ITC_STIMULUS_SINE:
+            return Install<ITCSineParameters, ITCSineParams, ITCAddSineParams>(arguments);
+        case ITC_STIMULUS_NOISE:
+            return Install<ITCNoiseParameters, ITCNoiseParams, ITCAddNoiseParams>(arguments);
+        case ITC_STIMULUS_PULSE:
+            return Install<ITCPulseParameters, ITCPulseParams, ITCAddPulseParams>(arguments);
+        case ITC_STIMULUS_RAMP:
+            return Install<ITCRampParameters, ITCRampParams, ITCAddRampParams>(arguments);
+        case ITC_STIMULUS_FILEWAVE:
+            return InstallWave(arguments);
+        case ITC_STIMULUS_GENERIC:
+            return InstallGeneric(arguments);
+        case ITC_STIMULUS_SUMMED:
+            return InstallSum(arguments);
+        case ITC_STIMULUS_TRIGGER_SERIES:
+            return Install<ITCTrigSeriesParameters, ITCTrigSeriesParams, nullptr>(arguments);
+        case ITC_STIMULUS_SEGMENTED_NOISE:
+            return Install<ITCSegmentedNoiseParameters, ITCSegmentedNoiseParams,
+                           ITCAddSegmentedNoiseParams>(arguments);
+        case ITC_STIMULUS_BINARY_NOISE:
+            return Install<ITCBinaryNoiseParameters, ITCBinaryNoiseParams, ITCAddBinaryNoiseParams>(
+                arguments);
+        case ITC_STIMULUS_DYNAMIC_CLAMP:
+            return InstallDynamicClamp(arguments);
+        case ITC_STIMULUS_CIRCLE_PULSE:
+            return Install<ITCCirclePulseParameters, ITCCirclePulseParams, ITCAddCirclePulseParams>(
+                arguments);
+        case ITC_STIMULUS_ALTERNATING_VOLTAGE:
+            return Install<ITCAlternateVoltageParameters, ITCAltVoltageParams, ITCAddAltVoltParams>(
+                arguments);
+        case ITC_STIMULUS_SPATIAL:
+            return InstallSpatial(arguments);
+    }
+}
+
 constexpr void (*kCalls[])(Arguments&) = {
     SetUp,
-    Install<ITCSineParameters, ITCSineParams, ITCAddSineParams>,
-    Install<ITCNoiseParameters, ITCNoiseParams, ITCAddNoiseParams>,
-    Install<ITCPulseParameters, ITCPulseParams, ITCAddPulseParams>,
-    Install<ITCRampParameters, ITCRampParams, ITCAddRampParams>,
-    InstallWave,
-    InstallSum,
-    InstallDynamicClamp,
-    Install<ITCTrigSeriesParameters, ITCTrigSeriesParams, nullptr>,
-    Install<ITCSegmentedNoiseParameters, ITCSegmentedNoiseParams, ITCAddSegmentedNoiseParams>,
-    Install<ITCBinaryNoiseParameters, ITCBinaryNoiseParams, ITCAddBinaryNoiseParams>,
-    Install<ITCCirclePulseParameters, ITCCirclePulseParams, ITCAddCirclePulseParams>,
-    Install<ITCAlternateVoltageParameters, ITCAltVoltageParams, ITCAddAltVoltParams>,
+    InstallAny,
     [](Arguments&) { Expect(ITCUpdateStm()); },
     [](Arguments&) { Expect(ITCSaveToFile()); },
     ReadBack,

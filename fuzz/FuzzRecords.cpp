@@ -2,7 +2,7 @@
 #include <cstring>
 #include <vector>
 
-#include "RecordSizes.h"
+#include "ITCFileIO/StimulusTypes.h"
 #include "Session.h"
 
 namespace {
@@ -51,7 +51,7 @@ void RoundTripStimulus(const Bytes& bytes, uint32_t type) {
         uint32_t words[16];
     };
     RoundTrip<AnyRecord>(
-        bytes, corvantis_fuzz::kRecordSizes[type],
+        bytes, corvantis::TypeRow(type).record->fileSize,
         [type](FILE* stream, AnyRecord* record) {
             return Read_ITCStimulusParameters(stream, record, type);
         },
@@ -66,15 +66,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     corvantis_fuzz::StartLibrary();
     if (size < 1) return 0;
     const Bytes bytes(data + 1, data + size);
-    const uint32_t codec = data[0] % 16;
+    const uint32_t codec = data[0] % (corvantis::kLargestType + 2);
     if (codec == 0) {
         RoundTrip<ITCFileHeader>(bytes, 580, Read_ITCFileHeader, Write_ITCFileHeader);
     } else if (codec == ITC_STIMULUS_SUMMED) {
         RoundTrip<ITCSummedParameters>(bytes, 1284, Read_ITCSummedParameters,
                                        Write_ITCSummedParameters);
-    } else if (codec == 5 || codec == 8) {
-        RoundTripHeader(bytes, codec == 5 ? 6 : 8);
-    } else if (codec <= ITC_STIMULUS_SPATIAL) {
+    } else if (corvantis::TypeRow(codec).record->fileSize == 0) {
+        RoundTripHeader(bytes, codec == ITC_STIMULUS_FILEWAVE ? 6 : 8);
+    } else {
         RoundTripStimulus(bytes, codec);
     }
     return 0;

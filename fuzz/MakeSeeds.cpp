@@ -5,14 +5,13 @@
 #include <fstream>
 #include <string>
 
-#include "RecordSizes.h"
+#include "ITCFileIO/StimulusTypes.h"
 
 namespace {
 
 // Of pulses and the like 5 before, 5 at and 5 behind the amplitude.
 constexpr uint32_t kAnyWord = 5;
 constexpr uint32_t kPoints = 3 * kAnyWord;
-constexpr uint32_t kSummed = 7, kDynamicClamp = 11, kLastType = 14;
 // Four kinds of reading of six channels.
 constexpr uint32_t kWaysToRead = 24;
 
@@ -30,10 +29,11 @@ std::string Word(uint32_t value) {
 // Every field of it the same; a sum of a pulse and noise.
 std::string RecordBytes(uint32_t type) {
     std::string bytes;
-    while (bytes.size() < corvantis_fuzz::kRecordSizes[type]) bytes += Word(kAnyWord);
-    if (type != kSummed) return bytes;
+    const uint32_t size = corvantis::TypeRow(type).record->fileSize;
+    while (bytes.size() < size) bytes += Word(kAnyWord);
+    if (type != ITC_STIMULUS_SUMMED) return bytes;
     bytes = Word(2) + "\x03\x02";
-    bytes.resize(corvantis_fuzz::kRecordSizes[type]);
+    bytes.resize(size);
     return bytes + RecordBytes(3) + RecordBytes(2);
 }
 
@@ -43,7 +43,7 @@ std::string EpochBytes(uint32_t type, uint32_t entries) {
     bytes.replace(605, entries, std::string(entries, static_cast<char>(type)));
     for (uint32_t entry = 0; entry < entries; ++entry) {
         bytes += RecordBytes(type);
-        if (type == kDynamicClamp) bytes.resize(bytes.size() + 8 * kPoints);
+        if (type == ITC_STIMULUS_DYNAMIC_CLAMP) bytes.resize(bytes.size() + 8 * kPoints);
     }
     bytes.resize(bytes.size() + 2 * kPoints * entries);
     return bytes;
@@ -74,9 +74,9 @@ void WriteRecordSeeds(const std::filesystem::path& folder, uint32_t type) {
 
 // Set up one or four entries of 16 points, install, update, save twice, read back.
 void WriteCallSeed(const std::filesystem::path& folder, char type, char sequence) {
-    std::string calls = {0, sequence, sequence, 1, 100, 0, 16, 0, type};
+    std::string calls = {0, sequence, sequence, 1, 100, 0, 16, 0, 1, static_cast<char>(type - 1)};
     for (int i = 0; i < 48; ++i) calls.push_back(i % 4 == 0 ? 4 : 0);
-    calls += {13, 14, 14, 15, 0, 0, 0, 0, 0, 0, 0, 0};
+    calls += {2, 3, 3, 4, 0, 0, 0, 0, 0, 0, 0, 0};
     WriteBytes(folder / (std::to_string(type) + "-" + std::to_string(sequence)), calls);
 }
 
@@ -85,7 +85,7 @@ void WriteCallSeed(const std::filesystem::path& folder, char type, char sequence
 int main(int count, char** names) {
     if (count != 2) return 2;
     const std::filesystem::path folder = names[1];
-    for (uint32_t type = 1; type <= kLastType; ++type) {
+    for (uint32_t type = 1; type <= corvantis::kLargestType; ++type) {
         for (uint32_t choice = 0; choice < 4 * kWaysToRead; ++choice) {
             const std::string name = std::to_string(type) + "-" + std::to_string(choice);
             const uint32_t entries = choice / 2 % 2 == 0 ? 1 : 4;

@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "Corvantis.h"
+#include "ITCFileIO/StimulusTypes.h"
 
 namespace corvantis_test {
 
@@ -95,6 +96,7 @@ inline constexpr Entry kBuilders[] = {
     MakeEntry<ITCCirclePulseParameters, ITCCirclePulseParams>(12, 48),
     MakeEntry<ITCAlternateVoltageParameters, ITCAltVoltageParams>(13, 36, true),
     MakeEntry<ITCSpatialStmParameters, ITCSpatialParams>(14, 16)};
+static_assert(std::size(kBuilders) == corvantis::kLargestType);
 
 inline constexpr Entry kAdders[] = {
     MakeEntry<ITCSineParameters, ITCAddSineParams>(1, 40),

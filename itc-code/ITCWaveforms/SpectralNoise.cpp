@@ -5,6 +5,7 @@
 #include <cmath>
 #include <span>
 
+#include "ITCUtilities/Fourier/FourierTransform.h"
 #include "ITCUtilities/Memory.h"
 #include "ITCUtilities/WrappingArithmetic.h"
 #include "ITCWaveforms/FilteredNoise.h"
@@ -18,7 +19,7 @@ namespace {
 struct Spectrum {
     float* Bin(int32_t k) const { return values.get() + 1 + 2 * static_cast<size_t>(k); }
     void Transform(int32_t direction) const {
-        ITCfft(direction, static_cast<uint32_t>(length), values.get());
+        TransformFourier(direction, static_cast<uint32_t>(length), values.get());
     }
     OwnedBlock<float> values;
     int32_t length = 0;

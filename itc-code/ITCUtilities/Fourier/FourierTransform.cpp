@@ -1,9 +1,10 @@
 // The in-place complex Fourier transform behind the filtered noise.
+#include "ITCUtilities/Fourier/FourierTransform.h"
+
 #include <bit>
 #include <cstddef>
 #include <utility>
 
-#include "Corvantis.h"
 #include "ITCUtilities/Fourier/BlockedTransform.h"
 #include "ITCUtilities/Fourier/Twiddle.h"
 
@@ -53,13 +54,14 @@ void Transform(int32_t isign, uint32_t nn, float* data) {
 }
 
 }  // namespace
-}  // namespace corvantis
 
-void ITCfft(int32_t isign, uint32_t nn, float* data) {
+void TransformFourier(int32_t isign, uint32_t nn, float* data) {
     if (!std::has_single_bit(nn)) return;
-    if (nn >= corvantis::kSmallestBlockedTransform && (isign == 1 || isign == -1)) {
-        corvantis::TransformInBlocks(isign == 1, nn, data + 1);
+    if (nn >= kSmallestBlockedTransform && (isign == 1 || isign == -1)) {
+        TransformInBlocks(isign == 1, nn, data + 1);
     } else {
-        corvantis::Transform(isign, nn, data);
+        Transform(isign, nn, data);
     }
 }
+
+}  // namespace corvantis

@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <sys/types.h>
 
+#include <algorithm>
 #include <string>
 
 #include "Corvantis.h"
@@ -20,12 +21,16 @@ namespace {
 
 static_assert(sizeof(off_t) == 8, "files reach 4 GiB: build with 64-bit file offsets");
 
-constexpr int64_t kUnknownPosition = -1;
+struct AppendPlace {
+    const FILE* stream = nullptr;
+    int64_t position = 0;
+    bool mayHaveMoved = false;
+};
 
 // Closing leaves the exported pointer's value, so which stream it was is remembered here.
 const FILE* closedStream = nullptr;
-int64_t appendPosition = kUnknownPosition;
-bool mayHaveMoved = false;
+const FILE* openedStream = nullptr;
+AppendPlace appendPlace;
 
 // The first match of a pattern, or the pattern itself. A "~" is thus expanded only for a file that
 // exists: creating a new file through one fails, as callers know.
@@ -58,26 +63,29 @@ bool Exists(const char* path) {
 bool OpenPath(const char* path, const char* mode) {
     ITCOpenFilePtr = MayHoldData(path) ? std::fopen(path, mode) : nullptr;
     closedStream = nullptr;
-    appendPosition = kUnknownPosition;
-    mayHaveMoved = false;
+    openedStream = ITCOpenFilePtr;
+    appendPlace = {};
     return ITCOpenFilePtr != nullptr;
 }
 
+// Of a table that the file ends inside of, the whole entries stay: their epochs can be read. A
+// count from a damaged header thus asks for no memory either.
 int32_t ReadEpochTable(FILE* stream, int32_t numEpochs, int64_t position) {
     ReleaseEpochTable();
     EpochPosition = nullptr;
     if (numEpochs < 0 || !SeekTo(stream, position)) return ITC_FILE_ERROR;
-    // Before a count from a damaged header can ask for memory.
-    if (numEpochs > 0 && RemainingBytes(stream) < int64_t{4} * numEpochs) return ITC_FILE_ERROR;
-    if (!AllocateEpochTable(numEpochs)) return ITC_OUT_OF_MEMORY;
-    const bool complete =
-        ReadArray<uint32_t>(stream, EpochPosition, static_cast<size_t>(numEpochs));
-    return complete ? ITC_SUCCESS : ITC_FILE_ERROR;
+    const int64_t present = std::max<int64_t>(RemainingBytes(stream) / int64_t{4}, 0);
+    const int64_t entries = std::min<int64_t>(numEpochs, present);
+    if (!AllocateEpochTable(entries)) return ITC_OUT_OF_MEMORY;
+    const bool read = ReadArray<uint32_t>(stream, EpochPosition, static_cast<size_t>(entries));
+    return read && entries == numEpochs ? ITC_SUCCESS : ITC_FILE_ERROR;
 }
 
-int32_t OpenExisting(const char* pattern, const char* mode) {
-    if (pattern == nullptr || !HasFileHeader()) return ITC_FILE_ERROR;
-    if (!OpenPath(PathLookup(pattern).Path(), mode)) return ITC_FILE_ERROR;
+bool OpenPattern(const char* pattern, const char* mode) {
+    return pattern != nullptr && HasFileHeader() && OpenPath(PathLookup(pattern).Path(), mode);
+}
+
+int32_t ReadHeaderAndTable() {
     ITCFileHeader& header = CurrentFileHeader();
     if (!Read_ITCFileHeader(ITCOpenFilePtr, &header)) return ITC_FILE_ERROR;
     const uint32_t position = static_cast<uint32_t>(header.epochTablePosition);
@@ -104,17 +112,15 @@ int64_t RemainingBytes(FILE* stream) {
     return position < 0 ? -1 : FileSize(stream) - position;
 }
 
-void RememberAppendPosition(int64_t position) {
-    appendPosition = position;
-    mayHaveMoved = false;
-}
+void RememberAppendPosition(FILE* stream, int64_t position) { appendPlace = {stream, position}; }
 
-void RememberMove() { mayHaveMoved = true; }
+void RememberMove() { appendPlace.mayHaveMoved = true; }
 
 bool ReturnToAppendPosition(FILE* stream) {
-    if (!mayHaveMoved || appendPosition == kUnknownPosition) return true;
-    mayHaveMoved = !SeekTo(stream, appendPosition);
-    return !mayHaveMoved;
+    if (stream != appendPlace.stream) return stream != openedStream;
+    if (!appendPlace.mayHaveMoved) return true;
+    appendPlace.mayHaveMoved = !SeekTo(stream, appendPlace.position);
+    return !appendPlace.mayHaveMoved;
 }
 
 void DiscardUnwritten(FILE* stream) {
@@ -141,14 +147,24 @@ int32_t ITCCreateFile(const char* pattern, int32_t overwrite) {
         ITCCloseFile();
         return ITC_FILE_ERROR;
     }
-    RememberAppendPosition(kFirstEpochPosition);
+    RememberAppendPosition(ITCOpenFilePtr, kFirstEpochPosition);
     return ITC_SUCCESS;
 }
 
-int32_t ITCOpenFile(const char* pattern) { return corvantis::OpenExisting(pattern, "rb"); }
+int32_t ITCOpenFile(const char* pattern) {
+    using namespace corvantis;
+    return OpenPattern(pattern, "rb") ? ReadHeaderAndTable() : ITC_FILE_ERROR;
+}
 
-// "w+b" empties the file, deliberately: whoever relies on its failing finds an empty file.
-int32_t ITCOpenFileForEdit(const char* pattern) { return corvantis::OpenExisting(pattern, "w+b"); }
+// "w+b" empties the file, deliberately: whoever relies on its failing finds an empty file. It stays
+// open, and an epoch that is saved into it leaves the header its room.
+int32_t ITCOpenFileForEdit(const char* pattern) {
+    using namespace corvantis;
+    if (!OpenPattern(pattern, "w+b")) return ITC_FILE_ERROR;
+    RememberAppendPosition(ITCOpenFilePtr, kFirstEpochPosition);
+    RememberMove();
+    return ReadHeaderAndTable();
+}
 
 int32_t ITCCloseFile() {
     using namespace corvantis;

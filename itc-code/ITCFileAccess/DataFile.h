@@ -18,8 +18,9 @@ int64_t RemainingBytes(FILE* stream);
 int64_t FileSize(FILE* stream);
 
 // Where the next epoch belongs, from creating the file or saving an epoch. Reading and failed
-// writes move the stream away from there; saving asks for the way back.
-void RememberAppendPosition(int64_t position);
+// writes move the stream away from there; saving asks for the way back, which a file opened for
+// reading does not have. An application's own stream is taken to stand there.
+void RememberAppendPosition(FILE* stream, int64_t position);
 void RememberMove();
 bool ReturnToAppendPosition(FILE* stream);
 // Forget what was written but could not reach the file, or it would follow whenever there is room.

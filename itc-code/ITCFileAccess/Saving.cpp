@@ -47,14 +47,15 @@ std::optional<int64_t> SavableSamples() {
     return samples;
 }
 
-// The next epoch's recorded and real start must both leave it within 32 bits.
-bool HasRoom(FILE* stream, int64_t samples) {
+// The position that the next epoch is recorded at, or nothing without room for it: its recorded and
+// its real start must both leave it within 32 bits.
+std::optional<uint32_t> PlaceForEpoch(FILE* stream, int64_t samples) {
     const int32_t epochs = CurrentFileHeader().numEpochs;
-    const std::optional<uint32_t> recordedStart = NextEpochPosition(epochs);
-    const int64_t start = CurrentPosition(stream);
-    if (!recordedStart || epochs == INT32_MAX || start < 0) return false;
     const int64_t size = EpochSize(samples);
-    return start + size <= UINT32_MAX && *recordedStart + size <= UINT32_MAX;
+    const int64_t start = CurrentPosition(stream);
+    if (epochs == INT32_MAX || start < 0 || start + size > UINT32_MAX) return std::nullopt;
+    const auto recorded = NextEpochPosition(epochs, static_cast<uint32_t>(start));
+    return recorded && *recorded + size <= UINT32_MAX ? recorded : std::nullopt;
 }
 
 // The counted size of the epoch, or nothing if a part of it could not be written.
@@ -95,7 +96,7 @@ bool WriteHeader(FILE* stream) {
 // what was saved before stays readable. Both epochs then have the same position.
 void TakeBack(FILE* stream, int64_t start, int32_t epochs) {
     EpochPosition[epochs] = EpochPosition[epochs - 1];
-    RememberAppendPosition(start);
+    RememberAppendPosition(stream, start);
     RememberMove();
     DiscardUnwritten(stream);
     if (!SeekTo(stream, start)) return;
@@ -110,7 +111,7 @@ int32_t Append(FILE* stream, int64_t samples, int32_t epochs) {
         TakeBack(stream, start, epochs);
         return ITC_FILE_ERROR;
     }
-    RememberAppendPosition(*tablePosition);
+    RememberAppendPosition(stream, *tablePosition);
     const uint32_t position = static_cast<uint32_t>(*tablePosition);
     CurrentFileHeader().epochTablePosition = static_cast<int32_t>(position);
     RememberMove();
@@ -127,9 +128,10 @@ int32_t ITCSaveToFile() {
     FILE* stream = OpenStream();
     const std::optional<int64_t> samples = SavableSamples();
     if (stream == nullptr || !samples || !ReturnToAppendPosition(stream)) return ITC_FILE_ERROR;
-    if (!HasRoom(stream, *samples)) return ITC_FILE_ERROR;
+    const std::optional<uint32_t> place = PlaceForEpoch(stream, *samples);
+    if (!place) return ITC_FILE_ERROR;
     // Counted before anything is written, and never taken back: numbers of later epochs stay right.
     const int32_t epochs = ++CurrentFileHeader().numEpochs;
-    if (!GrowEpochTable(epochs)) return ITC_OUT_OF_MEMORY;
+    if (!GrowEpochTable(epochs, *place)) return ITC_OUT_OF_MEMORY;
     return Append(stream, *samples, epochs);
 }

@@ -3,9 +3,12 @@
 
 #include <cstdlib>
 
+#include "ITCInitialize/SlotBlocks.h"
+
 void* ITCMalloc(size_t /*count*/, size_t size) { return std::malloc(size); }
 
 int32_t ITCFree(void* block) {
+    corvantis::ForgetInstalled(block);
     std::free(block);
     return ITC_SUCCESS;
 }

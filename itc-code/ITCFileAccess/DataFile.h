@@ -23,7 +23,19 @@ int64_t FileSize(FILE* stream);
 void RememberAppendPosition(FILE* stream, int64_t position);
 void RememberMove();
 bool ReturnToAppendPosition(FILE* stream);
+// Whether the file has lost its last name since it was opened: what is saved now would be gone.
+bool IsUnlinked(FILE* stream);
+
+// The count in the file's header: that of epochs that were saved, failed saves count in memory
+// only.
+int32_t StoredEpochs(FILE* stream);
+// Write the current file header, so that it has reached the file.
+bool StoreFileHeader(FILE* stream);
+// After that has failed: the count that was stored last again, with the current table position.
+void RestoreFileHeader(FILE* stream);
+
 // Forget what was written but could not reach the file, or it would follow whenever there is room.
 void DiscardUnwritten(FILE* stream);
+bool CutTo(FILE* stream, int64_t size);
 
 }  // namespace corvantis

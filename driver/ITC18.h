@@ -31,9 +31,11 @@ ITC18_API int32_t ITC18_GetStructureSize(void);
 
 /*
  * Opens an interface into the caller's structure; writes the whole structure.
- *   device        the structure, not in use by an open interface
+ *   device        the structure
  *   deviceNumber  which of the connected interfaces, from 0
- * An interface is open in one structure at a time: opening it again is refused until it is closed.
+ * An interface is open in one structure at a time. The library asks for it again, without closing
+ * it first, when it is started anew: a driver either hands it over to the new structure, as the
+ * simulated interface does, or refuses.
  */
 ITC18_API int32_t ITC18_Open(void* device, int32_t deviceNumber);
 

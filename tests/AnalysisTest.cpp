@@ -104,19 +104,21 @@ TEST_F(AnalysisTest, ConductancesOfADynamicClamp) {
                               Hex("3F800000 40000000 BF800000 41000000"), BigSamples({0xFFFF, 7})});
     Bytes cut = clamp;
     Put(cut, 576, Big32(2000));
+    Bytes cutAndLarge = clamp;
+    Put(cutAndLarge, 576, Big32(5000));
     const Bytes large = Join({EpochHeaderBytes(100, 5000, {11}), Bytes(8 + 5000 * 10)});
     const Bytes pulse = Join({EpochHeaderBytes(100, 2, {3}), Bytes(32 + 4)});
-    Open(DataFileBytes({clamp, pulse, large, cut}));
+    Open(DataFileBytes({clamp, pulse, large, cut, cutAndLarge}));
     ExcitatoryG = InhibitoryG = nullptr;
     Destination<float> excitatory(2), inhibitory(2);
     const auto read = [&](int32_t epoch, uint32_t channel) {
         return ITCReadEpochStmGClamp(epoch, channel, excitatory.Start(), inhibitory.Start());
     };
     const QuietOutput quiet;
-    for (const int32_t unreadable : {-1, 3, 4}) EXPECT_EQ(read(unreadable, 0), ITC_FILE_ERROR);
+    for (const int32_t unreadable : {-1, 3, 5}) EXPECT_EQ(read(unreadable, 0), ITC_FILE_ERROR);
     for (const uint32_t channel : {0U, 1U, 4U}) EXPECT_EQ(read(1, channel), ITC_FILE_ERROR);
     EXPECT_EQ(read(0, 4), ITC_FILE_ERROR);
-    EXPECT_EQ(read(2, 0), ITC_TOO_LARGE);
+    for (const int32_t tooLarge : {2, 4}) EXPECT_EQ(read(tooLarge, 0), ITC_TOO_LARGE);
     excitatory.Taken(0), inhibitory.Taken(0);
     EXPECT_EQ(read(0, 0), ITC_SUCCESS);
     EXPECT_EQ(excitatory.Taken(2), std::vector<float>({1, 2}));

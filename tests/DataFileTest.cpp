@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "Corvantis.h"
@@ -83,13 +84,13 @@ std::vector<OpeningCase> OpeningCases() {
         {"version 9", twoEpochs(9), ITC_VERSION_TOO_NEW, two},
         {"version 127", twoEpochs(127), ITC_VERSION_TOO_NEW, two},
         {"version -128", twoEpochs(0x80), ITC_SUCCESS, two},
-        {"table with an epoch too few", table(2, 580), ITC_FILE_ERROR, {}},
+        {"table with an epoch too few", table(2, 580), ITC_FILE_ERROR, {580}},
         {"table cut", table(1, 582), ITC_FILE_ERROR, {}},
         {"table at the end", table(1, 584), ITC_FILE_ERROR, {}},
         {"table beyond the file", table(1, 0xFFFFFFF0), ITC_FILE_ERROR, {}},
         {"-1 epochs", table(0xFFFFFFFF, 580), ITC_FILE_ERROR, {}},
         {"fewest epochs", table(0x80000000, 580), ITC_FILE_ERROR, {}},
-        {"most epochs", table(0x7FFFFFFF, 580), ITC_FILE_ERROR, {}},
+        {"most epochs", table(0x7FFFFFFF, 580), ITC_FILE_ERROR, {580}},
         {"epochs whose table wraps to 4 bytes", table(0x40000001, 580), ITC_FILE_ERROR, {}},
     };
 }
@@ -106,9 +107,47 @@ TEST_F(DataFile, OpensWithItsTableOrNotAtAll) {
         EXPECT_EQ(ITCCloseFile(), 0);
         EXPECT_EQ(FileContent(path), each.file);
     }
+}
+
+TEST_F(DataFile, OpenedForEditIsEmptyAndTakesEpochs) {
+    WriteFile(path, PulseFileBytes());
+    SetUpPulseEpoch();
     EXPECT_EQ(ITCOpenFileForEdit(path.c_str()), ITC_FILE_ERROR);
-    EXPECT_EQ(ITCCloseFile(), 0);
-    EXPECT_EQ(FileContent(path), Bytes()) << "opening for edit empties it";
+    EXPECT_EQ(FileContent(path), Bytes());
+    EXPECT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+    EXPECT_EQ(ITCOpenFileForEdit(nullptr), ITC_FILE_ERROR) << "leaves the open file alone";
+    EXPECT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+    const Bytes epoch = PulseEpochBytes({0, 0, 0, 0});
+    EXPECT_EQ(FileContent(path),
+              Join({FileHeaderBytes(8, 2, 2484), epoch, epoch, Big32(580), Big32(1532)}));
+}
+
+// The count goes on from the file that was looked at. Positions that its table lacks are where the
+// new file ends, and so begins.
+TEST_F(DataFile, TakesEpochsAfterALookAtAnotherFile) {
+    const std::string other = folder.File("other.itc");
+    const Bytes epoch = PulseEpochBytes({0, 0, 0, 0}), place = Big32(580);
+    const Bytes countTooHigh = Join({FileHeaderBytes(8, 2, 580), place});
+    for (const auto& [looked, opened, count] : {std::tuple{PulseFileBytes(), ITC_SUCCESS, 1U},
+                                                {FileHeaderBytes(8, 0, 0), ITC_SUCCESS, 0U},
+                                                {countTooHigh, ITC_FILE_ERROR, 2U},
+                                                {Bytes{}, ITC_FILE_ERROR, 0U}}) {
+        filehdr->numEpochs = 0;
+        WriteFile(other, looked);
+        EXPECT_EQ(ITCOpenFile(other.c_str()), opened);
+        EXPECT_EQ(ITCCloseFile(), 0);
+        SetUpPulseEpoch();
+        ASSERT_EQ(Create(), ITC_SUCCESS);
+        EXPECT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+        EXPECT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+        Bytes expected = Join({FileHeaderBytes(8, count + 2, 2484), epoch, epoch});
+        for (uint32_t i = 0; i <= count; ++i) expected = Join({expected, place});
+        EXPECT_EQ(FileContent(path), Join({expected, Big32(1532)}));
+        EXPECT_EQ(ITCCloseFile(), 0);
+        ASSERT_EQ(Open(), ITC_SUCCESS);
+        EXPECT_EQ(ITCRetrieveEpoch(static_cast<int32_t>(count) + 1), ITC_SUCCESS);
+        EXPECT_EQ(ITCCloseFile(), 0);
+    }
 }
 
 TEST_F(DataFile, IsLeftBehindOpenWhenAnotherIsOpened) {
@@ -148,6 +187,9 @@ TEST_F(DataFile, EpochsOutsideItsTableAndClosedFiles) {
     EXPECT_EQ(ITCSaveToFile(), ITC_FILE_ERROR);
     EXPECT_EQ(ITCWriteStmParams(0, &size), ITC_FILE_ERROR);
     EXPECT_EQ(ITCReadStmParams(0), ITC_FILE_ERROR);
+    epochhdr->stimType[0] = 15;
+    EXPECT_EQ(ITCWriteStmParams(0, &size), ITC_STIMULUS_ERROR);
+    EXPECT_EQ(ITCReadStmParams(0), ITC_STIMULUS_ERROR);
     EXPECT_EQ(filehdr->numEpochs, 1);
     EXPECT_EQ(FileContent(path).size(), 1536);
 }

@@ -105,7 +105,7 @@ TEST_F(SetUpTest, AFailingDeviceStopsTheStart) {
         EXPECT_EQ(Start(), ITC_NOT_STARTED) << fault.call;
         EXPECT_EQ(lines, fault.lines);
         EXPECT_EQ(InitFlag, fault.started ? 1 : 0);
-        EXPECT_EQ(filehdr->version, fault.started ? 8 : 0);
+        EXPECT_EQ(filehdr->version, 8);
         EXPECT_EQ(AnySize(), fault.started ? ITC_SUCCESS : ITC_NOT_STARTED);
         EXPECT_EQ(Device().open, fault.started ? 1 : 0);
         fault.started ? End() : DropBlocks();
@@ -120,24 +120,48 @@ TEST_F(SetUpTest, AFailingDeviceStopsTheStart) {
     EXPECT_EQ(InitFlag, 0);
 }
 
-TEST_F(SetUpTest, ASecondStartForgetsTheFirst) {
-    ASSERT_EQ(Start(0), ITC_SUCCESS);
+TEST_F(SetUpTest, ASecondStartForgetsTheFirstAndTakesTheInterfaceOver) {
+    ASSERT_EQ(Start(), ITC_SUCCESS);
     filehdr->numEpochs = 5;
+    epochhdr->epochTime = 5;
     const ITCPulseParameters pulse{};
     ASSERT_EQ(ITCPulseParams(2, &pulse), ITC_SUCCESS);
-    void* const forgotten[] = {StmParameters[2], epochhdr, filehdr, EpochPosition, ITCbufsize};
-    void* const device = itc;
-    ASSERT_EQ(Start(1), ITC_SUCCESS);
+    void* const forgotten[] = {StmParameters[2], epochhdr, filehdr, EpochPosition, ITCbufsize, itc};
+    ASSERT_EQ(Start(), ITC_SUCCESS);
     EXPECT_EQ(filehdr->numEpochs, 0);
+    EXPECT_EQ(epochhdr->epochTime, 0);
     EXPECT_EQ(StmParameters[2], nullptr);
     for (void* const block : forgotten) ITCFree(block);
-    void* const second[] = {itc, epochhdr, filehdr, EpochPosition, ITCbufsize};
-    EXPECT_EQ(Start(0), ITC_NOT_STARTED) << "the interface is open already";
-    EXPECT_EQ(InitFlag, 1);
-    ITC18_Close(device);
-    ITCFree(device);
-    End();  // also after a second start that failed
-    for (void* const block : second) ITCFree(block);
+    EXPECT_EQ(ITCInitAcq(), ITC_TOO_LARGE) << "of an interval that was not set, by the new device";
+    EXPECT_EQ(Device().prepared, 1);
+    End();
+}
+
+// The device fails while an experiment runs: that goes on, and acquires again after a quick
+// restart.
+TEST_F(SetUpTest, AFailedSecondStartLeavesTheFirstToGoOn) {
+    ASSERT_EQ(Start(), ITC_SUCCESS);
+    const ITCPulseParameters pulse{7, 0, 8, 0, 0, {}};
+    ASSERT_EQ(ITCSetAcqParams(100, 8, 0, 0), ITC_SUCCESS);
+    ASSERT_EQ(ITCPulseParams(0, &pulse), ITC_SUCCESS);
+    filehdr->numEpochs = 5;
+    void* const forgotten[] = {epochhdr, filehdr, EpochPosition, ITCbufsize, itc};
+    Fail(ITC18Simulator_CallOpen);
+    capacity = 3;
+    EXPECT_EQ(Start(), ITC_NOT_STARTED);
+    Fail(ITC18Simulator_CallOpen, 0);
+    for (const bool restarted : {false, true}) {
+        samples[15] = 0;
+        const QuietOutput quiet;
+        EXPECT_EQ(ITCUpdateStm(), ITC_SUCCESS);
+        EXPECT_EQ(samples[15], 7);
+        EXPECT_EQ(filehdr->numEpochs, 5);
+        EXPECT_EQ(ITCInitAcq(), restarted ? ITC_SUCCESS : ITC_NOT_STARTED);
+        EXPECT_EQ(ITCQuickReInit(0), ITC_SUCCESS);
+    }
+    ITCFreeParams(0);
+    End();
+    for (void* const block : forgotten) ITCFree(block);
 }
 
 TEST_F(SetUpTest, QuickRestartKeepsEverythingButTheDevicesState) {
@@ -177,6 +201,7 @@ TEST_F(SetUpTest, AQuickRestartCompletesAStartThatTheDeviceStopped) {
     EXPECT_EQ(ITCQuickReInit(0), ITC_SUCCESS);
     EXPECT_EQ(InitFlag, 1);
     EXPECT_EQ(EpochPosition[0], 580U);
+    EXPECT_EQ(filehdr->inputScale, 3200.0F);
     EXPECT_EQ(AnySize(), ITC_SUCCESS);
     EXPECT_EQ(Device().open, 1);
     End();
@@ -240,7 +265,8 @@ TEST_F(SetUpTest, NothingWorksWithoutAStart) {
     // The buffers of the ended session may be gone by now.
     Fail(ITC18Simulator_CallOpen);
     EXPECT_EQ(Start(), ITC_NOT_STARTED);
-    expectRefusals("in a restart that failed");
+    epochhdr->sequenceLength = epochhdr->epochPoints = 1;
+    EXPECT_EQ(ITCUpdateStm(), ITC_STIMULUS_ERROR);
     DropBlocks();
 }
 

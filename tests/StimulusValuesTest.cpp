@@ -77,7 +77,7 @@ Bytes Words(std::initializer_list<int64_t> values) {
 // Noise, a sum of five, a dynamic clamp, an alternating voltage; two points each.
 Bytes StimulusEpoch() {
     const Bytes noise = Words({500, -1, 0x12345678, 4, 5, 6, 7, 3000, 9});
-    const Bytes sum = Join({Big32(5), Hex("03 02 0C 0B 0E"), Bytes(251 + 1024)});
+    const Bytes sum = Join({Big32(5), Hex("03 02 0C 0B 0E"), Bytes(250), Hex("80"), Bytes(1024)});
     const Bytes components = Join(
         {Words({1000, -5, 20, 30, 40, 0, 0, 0}), Words({-600, 32768, -9, 41, 51, 61, 1, 1, 1}),
          Words({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}), Hex("3F800000 40000000"), Bytes(16, 1)});
@@ -109,8 +109,10 @@ TEST_F(AnalysisTest, StimulusValues) {
           EpochCase{1, 1, 2, -600, 32768, 41, 61, 51, -9},
           EpochCase{1, 4, 14, none, none, none, none, none, none},
           EpochCase{3, -7, 13, -3, 70000, 5, 7, 6, none},
-          EpochCase{1, 5, {}, {}, {}, {}, {}, {}, {}}, EpochCase{1, -1, {}, {}, {}, {}, {}, {}, {}},
-          EpochCase{4, 0, {}, {}, {}, {}, {}, {}, {}},
+          EpochCase{1, 5, 0, {}, {}, {}, {}, {}, {}},
+          EpochCase{1, 255, -128, {}, {}, {}, {}, {}, {}},
+          EpochCase{1, 256, {}, {}, {}, {}, {}, {}, {}},
+          EpochCase{1, -1, {}, {}, {}, {}, {}, {}, {}}, EpochCase{4, 0, {}, {}, {}, {}, {}, {}, {}},
           EpochCase{-1, 0, {}, {}, {}, {}, {}, {}, {}}}) {
         SCOPED_TRACE(testing::Message() << each.channel << ", " << each.component);
         expect(Of(ITCGetStmType, each.channel, each.component), each.type);
@@ -130,11 +132,18 @@ TEST_F(AnalysisTest, StimulusValues) {
 TEST_F(AnalysisTest, TypesOfChannelsThatTheSequenceHasNot) {
     Bytes epoch = StimulusEpoch();
     Put(epoch, 580, Big32(1));
-    Put(epoch, 605, {2, 9, 0x80, 7});
+    Put(epoch, 605, {2, 3, 0x80, 7});
     Open(DataFileBytes({epoch}));
-    ExpectValue(Of(ITCGetStmType, 1, 0), 0, 9);
+    ExpectValue(Of(ITCGetStmType, 1, 0), 0, 3);
     ExpectValue(Of(ITCGetStmType, 2, 0), 0, -128);
     ExpectFailure(Of(ITCGetStmType, 3, 0), 0, ITC_STIMULUS_ERROR);
+    ExpectFailure(Of(ITCGetStmAmp, 1, 0), 0, ITC_STIMULUS_ERROR);
+    // A record that the slot holds already answers, if it is of the header's type.
+    const ITCPulseParameters pulse{4711, 0, 0, 0, 2, {}};
+    ASSERT_EQ(ITCPulseParams(1, &pulse), ITC_SUCCESS);
+    ExpectValue(Of(ITCGetStmAmp, 1, 0), 0, 4711);
+    Put(epoch, 605, {2, 13});
+    Open(DataFileBytes({epoch}));
     ExpectFailure(Of(ITCGetStmAmp, 1, 0), 0, ITC_STIMULUS_ERROR);
 }
 

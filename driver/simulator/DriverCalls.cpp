@@ -27,8 +27,9 @@ int32_t ITC18_Open(void* device, int32_t deviceNumber) {
     if (device == nullptr) return ITC18Simulator_NullPointer;
     Device* const connected = itc18::DeviceNumbered(deviceNumber);
     if (connected == nullptr) return ITC18Simulator_BadDeviceNumber;
-    if (connected->state.open || itc18::OpenDevice(device) != nullptr)
-        return ITC18Simulator_AlreadyOpen;
+    // Not refused while it is open elsewhere: a program that starts anew has forgotten where.
+    if (Device* const former = itc18::OpenDevice(device)) *former = Device{};
+    *connected = Device{};
     // Written to its last byte so that a memory checker finds a structure allocated too small.
     std::memset(device, 0x18, itc18::kStructureSize);
     connected->structure = device;

@@ -6,13 +6,16 @@
  *   Four interfaces are connected, numbers 0 to 3, each with a model neuron of its own. Their
  *   state lies inside the simulator, keyed by the address of the caller's structure; what stands
  *   in that structure is never read. Refused calls give the results of ITC18Simulator_Result.
+ *   An interface that is open elsewhere is taken over by whoever opens it, as if closed before; so
+ *   is a structure in which another interface is open.
  *
  * Time
  *   The sampling interval is in microseconds per sequence entry. A pass through the sequence takes
  *   entries × interval; all its entries act together at its start: first every output takes its
  *   sample (two entries with the same output: the later one stands), then every input is read,
- *   then the outputs hold until the next pass. There is no pipeline delay: the input sample of
- *   point p was read in the pass that played point p. An input sample therefore shows the neuron
+ *   then the outputs hold until the next pass. There is no pipeline delay, whatever the library's
+ *   pipelineLength says of the real interface: the input sample of point p was read in the pass
+ *   that played point p. An input sample therefore shows the neuron
  *   as the commands up to point p - 1 left it, and an echoing input shows point p itself.
  *
  * Wiring
@@ -65,8 +68,7 @@ enum ITC18Simulator_Limit {
 enum ITC18Simulator_Result {
     ITC18Simulator_Success = 0,
     ITC18Simulator_NullPointer = 1,
-    ITC18Simulator_BadDeviceNumber = 2,
-    ITC18Simulator_AlreadyOpen = 3, /* the interface, or the structure */
+    ITC18Simulator_BadDeviceNumber = 2, /* 3 is not used */
     ITC18Simulator_NotOpen = 4,
     ITC18Simulator_NotInitialized = 5,
     ITC18Simulator_BadOptions = 6,

@@ -55,6 +55,9 @@ int32_t ITCReadEpochStmGClamp(int32_t epoch, uint32_t channel, float* excitatory
     if (!IsChannel(channel) || SlotType(channel) != ITC_STIMULUS_DYNAMIC_CLAMP)
         return ITC_FILE_ERROR;
     const int32_t points = CurrentEpochHeader().epochPoints;
+    // More than the buffers hold is refused below, and first of all.
+    const bool isTooLarge = CurrentSampleCount().value_or(0) > BufferCapacity();
+    if (isTooLarge) return ITCRetrieveEpochStmGClamp(epoch, channel);
     if (!FileHoldsConductances(points)) return ITC_FILE_ERROR;
     if (!AllocateConductance(ExcitatoryG, points)) return ITC_OUT_OF_MEMORY;
     if (!AllocateConductance(InhibitoryG, points)) return ITC_OUT_OF_MEMORY;

@@ -17,11 +17,14 @@ Stimulus ComponentOf(const ITCSummedParameters* summed, int32_t component) {
     return {summed->componentType[component], summed->components[component]};
 }
 
+// A slot beyond the epoch's entries answers too, if it holds a record of the header's type.
+bool HasStimulus(uint32_t slot) { return IsChannel(slot) && HoldsOwnType(slot); }
+
 // Every failure of the read becomes 7, also a library that was not started.
 int32_t FindStimulus(int32_t epoch, int32_t channel, int32_t component, Stimulus& stimulus) {
     if (ITCEpochParameters(epoch) != ITC_SUCCESS) return ITC_FILE_ERROR;
-    if (channel < 0 || channel >= CurrentEpochHeader().sequenceLength) return ITC_STIMULUS_ERROR;
     const uint32_t slot = static_cast<uint32_t>(channel);
+    if (!HasStimulus(slot)) return ITC_STIMULUS_ERROR;
     stimulus = {static_cast<int8_t>(SlotType(slot)), SlotRecord(slot)};
     if (stimulus.type == ITC_STIMULUS_SUMMED) {
         stimulus = ComponentOf(SummedSlotRecord(slot), component);
@@ -38,7 +41,8 @@ int32_t DeliverValue(int32_t epoch, int32_t channel, int32_t component, Query qu
     return found == ITC_SUCCESS ? query(result, stimulus.type, stimulus.record) : found;
 }
 
-// The header has a type for every channel, whether its sequence has the channel or not.
+// The header has a type for every slot, whether its sequence has the entry or not, and a sum one
+// for every component, whether it is in use or not.
 int32_t DeliverType(int32_t epoch, int32_t channel, int32_t component, int32_t* result) {
     if (ITCEpochParameters(epoch) != ITC_SUCCESS) return ITC_FILE_ERROR;
     const uint32_t slot = static_cast<uint32_t>(channel);
@@ -48,9 +52,11 @@ int32_t DeliverType(int32_t epoch, int32_t channel, int32_t component, int32_t* 
         *result = type;
         return ITC_SUCCESS;
     }
-    const Stimulus stimulus = ComponentOf(SummedSlotRecord(slot), component);
-    if (stimulus.record == nullptr) return ITC_STIMULUS_ERROR;
-    *result = stimulus.type;
+    const ITCSummedParameters* summed = SummedSlotRecord(slot);
+    if (summed == nullptr || component < 0 || component >= ITC_COMPONENTS) {
+        return ITC_STIMULUS_ERROR;
+    }
+    *result = summed->componentType[component];
     return ITC_SUCCESS;
 }
 
@@ -64,9 +70,10 @@ int32_t RetrieveSeed(int32_t* value, int8_t type, const void* record) {
 int32_t DeliverReversal(int32_t epoch, int32_t channel, float ITCGClampParameters::*reversal,
                         float* result) {
     if (ITCEpochParameters(epoch) != ITC_SUCCESS) return ITC_FILE_ERROR;
-    if (channel < 0 || channel >= CurrentEpochHeader().sequenceLength) return ITC_STIMULUS_ERROR;
     const uint32_t slot = static_cast<uint32_t>(channel);
-    if (SlotType(slot) != ITC_STIMULUS_DYNAMIC_CLAMP) return ITC_STIMULUS_ERROR;
+    if (!HasStimulus(slot) || SlotType(slot) != ITC_STIMULUS_DYNAMIC_CLAMP) {
+        return ITC_STIMULUS_ERROR;
+    }
     *result = static_cast<const ITCGClampParameters*>(SlotRecord(slot))->*reversal;
     return ITC_SUCCESS;
 }

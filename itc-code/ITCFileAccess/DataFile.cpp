@@ -1,16 +1,20 @@
 // Finding, creating, opening and closing the data file.
 #include "ITCFileAccess/DataFile.h"
 
+#include <fcntl.h>
 #include <glob.h>
 #if defined(__linux__)
 #include <stdio_ext.h>
 #endif
 #include <sys/stat.h>
 #include <sys/types.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <string>
 
 #include "Corvantis.h"
+#include "ITCFileAccess/RecordingLock.h"
 #include "ITCFileIO/ArrayCodec.h"
 #include "ITCInitialize/EpochTable.h"
 #include "ITCInitialize/State.h"
@@ -20,12 +24,18 @@ namespace {
 
 static_assert(sizeof(off_t) == 8, "files reach 4 GiB: build with 64-bit file offsets");
 
-constexpr int64_t kUnknownPosition = -1;
+struct AppendPlace {
+    const FILE* stream = nullptr;
+    int64_t position = 0;
+    bool mayHaveMoved = false;
+};
 
 // Closing leaves the exported pointer's value, so which stream it was is remembered here.
 const FILE* closedStream = nullptr;
-int64_t appendPosition = kUnknownPosition;
-bool mayHaveMoved = false;
+const FILE* openedStream = nullptr;
+bool openedWithName = false;
+AppendPlace appendPlace;
+int32_t storedEpochs = 0;
 
 // The first match of a pattern, or the pattern itself. A "~" is thus expanded only for a file that
 // exists: creating a new file through one fails, as callers know.
@@ -50,34 +60,65 @@ bool MayHoldData(const char* path) {
     return stat(path, &status) != 0 || S_ISREG(status.st_mode);
 }
 
-bool Exists(const char* path) {
-    struct stat status = {};
-    return stat(path, &status) == 0;
+struct Access {
+    const char* mode;
+    int flags;
+};
+constexpr Access kReading = {"rb", O_RDONLY};
+constexpr Access kReplacing = {"w+b", O_RDWR | O_CREAT};
+// Of two programs that start in the same moment, one gets the file.
+constexpr Access kCreating = {"w+b", O_RDWR | O_CREAT | O_EXCL};
+
+// Emptied only when it is known that no other program records it.
+bool Prepare(int descriptor, const Access& access) {
+    if (access.flags == O_RDONLY) return true;
+    return LockForRecording(descriptor) && ftruncate(descriptor, 0) == 0;
 }
 
-bool OpenPath(const char* path, const char* mode) {
-    ITCOpenFilePtr = MayHoldData(path) ? std::fopen(path, mode) : nullptr;
+// A program that the application starts does not get the descriptor.
+FILE* OpenStreamOn(const char* path, const Access& access) {
+    if (!MayHoldData(path)) return nullptr;
+    const int descriptor = open(path, access.flags | O_CLOEXEC, 0666);
+    if (descriptor < 0) return nullptr;
+    FILE* const stream = Prepare(descriptor, access) ? fdopen(descriptor, access.mode) : nullptr;
+    if (stream == nullptr) close(descriptor);
+    return stream;
+}
+
+int64_t Names(FILE* stream) {
+    struct stat status = {};
+    return fstat(fileno(stream), &status) == 0 ? static_cast<int64_t>(status.st_nlink) : 0;
+}
+
+bool OpenPath(const char* path, const Access& access) {
+    ReleaseRecordingLock();
+    ITCOpenFilePtr = OpenStreamOn(path, access);
     closedStream = nullptr;
-    appendPosition = kUnknownPosition;
-    mayHaveMoved = false;
+    openedStream = ITCOpenFilePtr;
+    storedEpochs = 0;
+    openedWithName = ITCOpenFilePtr != nullptr && Names(ITCOpenFilePtr) > 0;
+    appendPlace = {};
     return ITCOpenFilePtr != nullptr;
 }
 
+// Of a table that the file ends inside of, the whole entries stay: their epochs can be read. A
+// count from a damaged header thus asks for no memory either.
 int32_t ReadEpochTable(FILE* stream, int32_t numEpochs, int64_t position) {
     ReleaseEpochTable();
     EpochPosition = nullptr;
     if (numEpochs < 0 || !SeekTo(stream, position)) return ITC_FILE_ERROR;
-    // Before a count from a damaged header can ask for memory.
-    if (numEpochs > 0 && RemainingBytes(stream) < int64_t{4} * numEpochs) return ITC_FILE_ERROR;
-    if (!AllocateEpochTable(numEpochs)) return ITC_OUT_OF_MEMORY;
-    const bool complete =
-        ReadArray<uint32_t>(stream, EpochPosition, static_cast<size_t>(numEpochs));
-    return complete ? ITC_SUCCESS : ITC_FILE_ERROR;
+    const int64_t present = std::max<int64_t>(RemainingBytes(stream) / int64_t{4}, 0);
+    const int64_t entries = std::min<int64_t>(numEpochs, present);
+    if (!AllocateEpochTable(entries)) return ITC_OUT_OF_MEMORY;
+    const bool read = ReadArray<uint32_t>(stream, EpochPosition, static_cast<size_t>(entries));
+    return read && entries == numEpochs ? ITC_SUCCESS : ITC_FILE_ERROR;
 }
 
-int32_t OpenExisting(const char* pattern, const char* mode) {
-    if (pattern == nullptr || !HasFileHeader()) return ITC_FILE_ERROR;
-    if (!OpenPath(PathLookup(pattern).Path(), mode)) return ITC_FILE_ERROR;
+bool OpenPattern(const char* pattern, const Access& access) {
+    return pattern != nullptr && HasFileHeader() && OpenPath(PathLookup(pattern).Path(), access);
+}
+
+int32_t ReadHeaderAndTable() {
     ITCFileHeader& header = CurrentFileHeader();
     if (!Read_ITCFileHeader(ITCOpenFilePtr, &header)) return ITC_FILE_ERROR;
     const uint32_t position = static_cast<uint32_t>(header.epochTablePosition);
@@ -104,17 +145,41 @@ int64_t RemainingBytes(FILE* stream) {
     return position < 0 ? -1 : FileSize(stream) - position;
 }
 
-void RememberAppendPosition(int64_t position) {
-    appendPosition = position;
-    mayHaveMoved = false;
-}
+void RememberAppendPosition(FILE* stream, int64_t position) { appendPlace = {stream, position}; }
 
-void RememberMove() { mayHaveMoved = true; }
+void RememberMove() { appendPlace.mayHaveMoved = true; }
 
 bool ReturnToAppendPosition(FILE* stream) {
-    if (!mayHaveMoved || appendPosition == kUnknownPosition) return true;
-    mayHaveMoved = !SeekTo(stream, appendPosition);
-    return !mayHaveMoved;
+    if (stream != appendPlace.stream) return stream != openedStream;
+    if (!appendPlace.mayHaveMoved) return true;
+    appendPlace.mayHaveMoved = !SeekTo(stream, appendPlace.position);
+    return !appendPlace.mayHaveMoved;
+}
+
+bool IsUnlinked(FILE* stream) {
+    return stream == openedStream && openedWithName && Names(stream) == 0;
+}
+
+int32_t StoredEpochs(FILE* stream) {
+    return stream == openedStream ? storedEpochs : CurrentFileHeader().numEpochs;
+}
+
+bool StoreFileHeader(FILE* stream) {
+    const bool stored = SeekTo(stream, 0) && Write_ITCFileHeader(stream, &CurrentFileHeader()) &&
+                        std::fflush(stream) == 0;
+    if (stored) storedEpochs = CurrentFileHeader().numEpochs;
+    return stored;
+}
+
+void RestoreFileHeader(FILE* stream) {
+    ITCFileHeader header = CurrentFileHeader();
+    header.numEpochs = StoredEpochs(stream);
+    if (SeekTo(stream, 0)) Write_ITCFileHeader(stream, &header);
+    std::fflush(stream);
+}
+
+bool CutTo(FILE* stream, int64_t size) {
+    return FileSize(stream) <= size || ftruncate(fileno(stream), size) == 0;
 }
 
 void DiscardUnwritten(FILE* stream) {
@@ -129,31 +194,36 @@ void DiscardUnwritten(FILE* stream) {
 
 int32_t ITCCreateFile(const char* pattern, int32_t overwrite) {
     using namespace corvantis;
-    if (pattern == nullptr || !HasFileHeader()) return ITC_FILE_ERROR;
-    const PathLookup lookup(pattern);
-    if (overwrite == 0 && OpenPath(lookup.Path(), "rb")) ITCCloseFile();
-    // An existing file that cannot be read is not to be replaced either.
-    if (overwrite == 0 && Exists(lookup.Path())) return ITC_FILE_ERROR;
-    if (!OpenPath(lookup.Path(), "w+b")) return ITC_FILE_ERROR;
+    if (!OpenPattern(pattern, overwrite == 0 ? kCreating : kReplacing)) return ITC_FILE_ERROR;
     // Flushed at once: a disk without room is known before the first epoch, not after it.
-    if (!Write_ITCFileHeader(ITCOpenFilePtr, &CurrentFileHeader()) ||
-        std::fflush(ITCOpenFilePtr) != 0) {
+    if (!StoreFileHeader(ITCOpenFilePtr)) {
         ITCCloseFile();
         return ITC_FILE_ERROR;
     }
-    RememberAppendPosition(kFirstEpochPosition);
+    RememberAppendPosition(ITCOpenFilePtr, kFirstEpochPosition);
     return ITC_SUCCESS;
 }
 
-int32_t ITCOpenFile(const char* pattern) { return corvantis::OpenExisting(pattern, "rb"); }
+int32_t ITCOpenFile(const char* pattern) {
+    using namespace corvantis;
+    return OpenPattern(pattern, kReading) ? ReadHeaderAndTable() : ITC_FILE_ERROR;
+}
 
-// "w+b" empties the file, deliberately: whoever relies on its failing finds an empty file.
-int32_t ITCOpenFileForEdit(const char* pattern) { return corvantis::OpenExisting(pattern, "w+b"); }
+// The file is emptied, deliberately: whoever relies on its failing finds an empty file. It stays
+// open, and an epoch that is saved into it leaves the header its room.
+int32_t ITCOpenFileForEdit(const char* pattern) {
+    using namespace corvantis;
+    if (!OpenPattern(pattern, kReplacing)) return ITC_FILE_ERROR;
+    RememberAppendPosition(ITCOpenFilePtr, kFirstEpochPosition);
+    RememberMove();
+    return ReadHeaderAndTable();
+}
 
 int32_t ITCCloseFile() {
     using namespace corvantis;
     FILE* stream = OpenStream();
     if (stream == nullptr) return EOF;
     closedStream = stream;
+    ReleaseRecordingLock();
     return std::fclose(stream);
 }

@@ -18,11 +18,24 @@ int64_t RemainingBytes(FILE* stream);
 int64_t FileSize(FILE* stream);
 
 // Where the next epoch belongs, from creating the file or saving an epoch. Reading and failed
-// writes move the stream away from there; saving asks for the way back.
-void RememberAppendPosition(int64_t position);
+// writes move the stream away from there; saving asks for the way back, which a file opened for
+// reading does not have. An application's own stream is taken to stand there.
+void RememberAppendPosition(FILE* stream, int64_t position);
 void RememberMove();
 bool ReturnToAppendPosition(FILE* stream);
+// Whether the file has lost its last name since it was opened: what is saved now would be gone.
+bool IsUnlinked(FILE* stream);
+
+// The count in the file's header: that of epochs that were saved, failed saves count in memory
+// only.
+int32_t StoredEpochs(FILE* stream);
+// Write the current file header, so that it has reached the file.
+bool StoreFileHeader(FILE* stream);
+// After that has failed: the count that was stored last again, with the current table position.
+void RestoreFileHeader(FILE* stream);
+
 // Forget what was written but could not reach the file, or it would follow whenever there is room.
 void DiscardUnwritten(FILE* stream);
+bool CutTo(FILE* stream, int64_t size);
 
 }  // namespace corvantis

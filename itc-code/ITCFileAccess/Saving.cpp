@@ -1,4 +1,5 @@
 // Appending the current epoch to the data file.
+#include <algorithm>
 #include <optional>
 
 #include "Corvantis.h"
@@ -47,19 +48,33 @@ std::optional<int64_t> SavableSamples() {
     return samples;
 }
 
-// The next epoch's recorded and real start must both leave it within 32 bits.
-bool HasRoom(FILE* stream, int64_t samples) {
+// The position that the next epoch is recorded at, or nothing without room for it: its recorded and
+// its real start must both leave it within 32 bits.
+std::optional<uint32_t> RecordedPosition(FILE* stream, int64_t samples) {
     const int32_t epochs = CurrentFileHeader().numEpochs;
-    const std::optional<uint32_t> recordedStart = NextEpochPosition(epochs);
-    const int64_t start = CurrentPosition(stream);
-    if (!recordedStart || epochs == INT32_MAX || start < 0) return false;
     const int64_t size = EpochSize(samples);
-    return start + size <= UINT32_MAX && *recordedStart + size <= UINT32_MAX;
+    const int64_t start = CurrentPosition(stream);
+    if (epochs == INT32_MAX || start < 0 || start + size > UINT32_MAX) return std::nullopt;
+    const auto recorded = NextEpochPosition(epochs, static_cast<uint32_t>(start));
+    return recorded && *recorded + size <= UINT32_MAX ? recorded : std::nullopt;
 }
 
+constexpr ITCEpochHeader kNoEpoch = {};
+
+// What a save finds: where its epoch goes, and where the file ends.
+struct Place {
+    int64_t start;
+    int64_t end;
+    // Bytes of a failed save that could not be cut off. An epoch that ends among them would pass
+    // for a whole one when it is only half there, so its header is written last.
+    bool hasRemains;
+};
+
 // The counted size of the epoch, or nothing if a part of it could not be written.
-std::optional<uint32_t> WriteEpoch(FILE* stream, int64_t samples) {
-    if (!Write_ITCEpochHeader(stream, &CurrentEpochHeader())) return std::nullopt;
+std::optional<uint32_t> WriteEpoch(FILE* stream, int64_t samples, bool isHidden) {
+    if (!Write_ITCEpochHeader(stream, isHidden ? &kNoEpoch : &CurrentEpochHeader())) {
+        return std::nullopt;
+    }
     uint32_t size = kEpochHeaderSize;
     const int32_t entries = CurrentEpochHeader().sequenceLength;
     for (int32_t entry = 0; entry < entries; ++entry) {
@@ -72,49 +87,68 @@ std::optional<uint32_t> WriteEpoch(FILE* stream, int64_t samples) {
     return size + static_cast<uint32_t>(2 * samples);
 }
 
-bool WriteTable(FILE* stream, int32_t epochs) {
+bool WriteTable(FILE* stream, int64_t epochs) {
     return WriteArray<uint32_t>(stream, EpochPosition, static_cast<size_t>(epochs));
 }
 
+bool WriteEpochHeaderAt(FILE* stream, int64_t start, const ITCEpochHeader& header) {
+    return SeekTo(stream, start) && Write_ITCEpochHeader(stream, &header) &&
+           std::fflush(stream) == 0;
+}
+
 // The epoch and, behind it, the table; returns the table's position, or nothing on failure.
-std::optional<int64_t> WriteEpochAndTable(FILE* stream, int64_t samples, int32_t epochs) {
-    const std::optional<uint32_t> size = WriteEpoch(stream, samples);
+std::optional<int64_t> WriteEpochAndTable(FILE* stream, int64_t samples, int32_t epochs,
+                                          const Place& place) {
+    const std::optional<uint32_t> size = WriteEpoch(stream, samples, place.hasRemains);
     if (!size) return std::nullopt;
     EpochPosition[epochs] = EpochPosition[epochs - 1] + *size;
     const int64_t tablePosition = CurrentPosition(stream);
     if (tablePosition < 0 || !WriteTable(stream, epochs)) return std::nullopt;
-    return std::fflush(stream) == 0 ? std::optional(tablePosition) : std::nullopt;
+    if (std::fflush(stream) != 0) return std::nullopt;
+    const bool isShown =
+        !place.hasRemains || WriteEpochHeaderAt(stream, place.start, CurrentEpochHeader());
+    return isShown ? std::optional(tablePosition) : std::nullopt;
 }
 
-bool WriteHeader(FILE* stream) {
-    return SeekTo(stream, 0) && Write_ITCFileHeader(stream, &CurrentFileHeader()) &&
-           std::fflush(stream) == 0;
-}
-
-// The place of a failed epoch goes to the next one, and the table it overwrote is put back, so that
-// what was saved before stays readable. Both epochs then have the same position.
-void TakeBack(FILE* stream, int64_t start, int32_t epochs) {
-    EpochPosition[epochs] = EpochPosition[epochs - 1];
-    RememberAppendPosition(start);
-    RememberMove();
+// A failed epoch must not be found in the file: it may be saved again, and the next one's beginning
+// must not pass for a whole epoch with its end. The table that it overwrote is put back.
+void RestoreFile(FILE* stream, const Place& place, int32_t epochs) {
     DiscardUnwritten(stream);
-    if (!SeekTo(stream, start)) return;
-    WriteTable(stream, epochs - 1);
+    if (!CutTo(stream, place.end)) WriteEpochHeaderAt(stream, place.start, kNoEpoch);
+    const int64_t entries = std::min<int64_t>((place.end - place.start) / 4, epochs - 1);
+    if (entries > 0 && SeekTo(stream, place.start)) WriteTable(stream, entries);
     std::fflush(stream);
 }
 
+// The place of a failed epoch goes to the next one: both have the same position.
+void TakeBack(FILE* stream, const Place& place, int32_t epochs) {
+    EpochPosition[epochs] = EpochPosition[epochs - 1];
+    RememberAppendPosition(stream, place.start);
+    RememberMove();
+    RestoreFile(stream, place, epochs);
+}
+
+bool StoreTablePosition(FILE* stream, int64_t tablePosition) {
+    int32_t& position = CurrentFileHeader().epochTablePosition;
+    const int32_t before = position;
+    position = static_cast<int32_t>(static_cast<uint32_t>(tablePosition));
+    if (StoreFileHeader(stream)) return true;
+    position = before;
+    DiscardUnwritten(stream);
+    RestoreFileHeader(stream);
+    return false;
+}
+
 int32_t Append(FILE* stream, int64_t samples, int32_t epochs) {
-    const int64_t start = CurrentPosition(stream);
-    const std::optional<int64_t> tablePosition = WriteEpochAndTable(stream, samples, epochs);
-    if (!tablePosition) {
-        TakeBack(stream, start, epochs);
+    const int64_t start = CurrentPosition(stream), end = FileSize(stream);
+    const Place place = {start, end, end > start + int64_t{4} * StoredEpochs(stream)};
+    const std::optional<int64_t> tablePosition = WriteEpochAndTable(stream, samples, epochs, place);
+    if (!tablePosition || !StoreTablePosition(stream, *tablePosition)) {
+        TakeBack(stream, place, epochs);
         return ITC_FILE_ERROR;
     }
-    RememberAppendPosition(*tablePosition);
-    const uint32_t position = static_cast<uint32_t>(*tablePosition);
-    CurrentFileHeader().epochTablePosition = static_cast<int32_t>(position);
+    RememberAppendPosition(stream, *tablePosition);
     RememberMove();
-    if (!WriteHeader(stream)) return ITC_FILE_ERROR;
     return ReturnToAppendPosition(stream) ? ITC_SUCCESS : ITC_FILE_ERROR;
 }
 
@@ -126,10 +160,12 @@ int32_t ITCSaveToFile() {
     if (!IsStarted()) return ITC_NOT_STARTED;
     FILE* stream = OpenStream();
     const std::optional<int64_t> samples = SavableSamples();
-    if (stream == nullptr || !samples || !ReturnToAppendPosition(stream)) return ITC_FILE_ERROR;
-    if (!HasRoom(stream, *samples)) return ITC_FILE_ERROR;
+    if (stream == nullptr || !samples || IsUnlinked(stream)) return ITC_FILE_ERROR;
+    if (!ReturnToAppendPosition(stream)) return ITC_FILE_ERROR;
+    const std::optional<uint32_t> position = RecordedPosition(stream, *samples);
+    if (!position) return ITC_FILE_ERROR;
     // Counted before anything is written, and never taken back: numbers of later epochs stay right.
     const int32_t epochs = ++CurrentFileHeader().numEpochs;
-    if (!GrowEpochTable(epochs)) return ITC_OUT_OF_MEMORY;
+    if (!GrowEpochTable(epochs, *position)) return ITC_OUT_OF_MEMORY;
     return Append(stream, *samples, epochs);
 }

@@ -12,6 +12,11 @@
 namespace corvantis {
 namespace {
 
+// Whether an epoch's size has a count for records of that type, be it that nothing is written.
+bool IsCounted(uint32_t type) {
+    return type == ITC_STIMULUS_SUMMED || TypeRow(type).record->countedSize != 0;
+}
+
 int32_t FileResult(bool transferred) { return transferred ? ITC_SUCCESS : ITC_FILE_ERROR; }
 
 bool WriteConductances(FILE* stream, size_t points) {
@@ -102,9 +107,10 @@ int32_t ITCWriteStmParams(uint32_t channel, uint32_t* size) {
     if (!IsChannel(channel)) return ITC_STIMULUS_ERROR;
     const void* record = SlotRecord(channel);
     if (record == nullptr) return ITC_STIMULUS_ERROR;
+    const uint32_t type = static_cast<uint32_t>(SlotType(channel));
+    if (!IsCounted(type)) return ITC_STIMULUS_ERROR;
     FILE* stream = OpenStream();
     if (stream == nullptr) return ITC_FILE_ERROR;
-    const uint32_t type = static_cast<uint32_t>(SlotType(channel));
     if (type == ITC_STIMULUS_SUMMED) {
         return WriteSum(stream, *static_cast<const ITCSummedParameters*>(record), *size);
     }
@@ -117,12 +123,12 @@ int32_t ITCReadStmParams(uint32_t channel) {
     using namespace corvantis;
     if (!IsStarted()) return ITC_NOT_STARTED;
     if (!IsChannel(channel)) return ITC_STIMULUS_ERROR;
-    FILE* stream = OpenStream();
-    if (stream == nullptr) return ITC_FILE_ERROR;
-    RememberMove();
-    ReleaseSlotRecord(channel);
     const uint32_t type = static_cast<uint32_t>(SlotType(channel));
-    if (TypeRow(type).record->memorySize == 0) return ITC_STIMULUS_ERROR;
+    FILE* stream = OpenStream();
+    if (stream == nullptr && IsCounted(type)) return ITC_FILE_ERROR;
+    ReleaseSlotRecord(channel);
+    if (!IsCounted(type)) return ITC_STIMULUS_ERROR;
+    RememberMove();
     void* record = AllocateRecord(type);
     if (record == nullptr) return ITC_OUT_OF_MEMORY;
     InstallSlotRecord(channel, record, type);

@@ -10,6 +10,9 @@
 namespace corvantis {
 namespace {
 
+// A damaged header's count must not make a new file begin with gigabytes of positions.
+constexpr int64_t kMostMissing = 65536;
+
 const uint32_t* knownTable = nullptr;
 int64_t knownEntries = 0;
 // Entries that the known table has memory for; it grows ahead, or each of very many epochs would
@@ -28,9 +31,8 @@ void UseTable(OwnedBlock<uint32_t> table, int64_t entries) {
     releasedTable = nullptr;
 }
 
-// New entries repeat the last one: an epoch whose save fails gives its place to the next.
-void AddEntries(uint32_t* table, int64_t entries, int64_t wanted) {
-    std::fill(table + entries, table + wanted, table[entries - 1]);
+void AddEntries(uint32_t* table, int64_t entries, int64_t wanted, uint32_t position) {
+    std::fill(table + entries, table + wanted, position);
     knownEntries = wanted;
     owedEntries = 0;
 }
@@ -42,7 +44,22 @@ bool AllocateEpochTable(int64_t entries) {
     return EpochPosition != nullptr;
 }
 
-bool GrowEpochTable(int64_t epochs) {
+bool RenewEpochTable() {
+    const int64_t entries = EpochTableEntries();
+    OwnedBlock<uint32_t> fresh = AllocateArray<uint32_t>(std::max<int64_t>(entries, 1));
+    if (fresh == nullptr) return false;
+    fresh[0] = kFirstEpochPosition;
+    std::copy_n(EpochPosition, entries, fresh.get());
+    UseTable(std::move(fresh), std::max<int64_t>(entries, 1));
+    return true;
+}
+
+void ResetEpochTable() {
+    EpochPosition[0] = kFirstEpochPosition;
+    knownEntries = 1;
+}
+
+bool GrowEpochTable(int64_t epochs, uint32_t position) {
     const int64_t wanted = epochs + 1;
     const int64_t entries = std::min(EpochTableEntries(), epochs);
     if (EpochPosition != knownTable || wanted > capacity) {
@@ -57,7 +74,7 @@ bool GrowEpochTable(int64_t epochs) {
         UseTable(std::move(grown), entries);
         capacity = room;
     }
-    AddEntries(EpochPosition, entries, wanted);
+    AddEntries(EpochPosition, entries, wanted, position);
     return true;
 }
 
@@ -67,10 +84,12 @@ void ReleaseEpochTable() {
     releasedTable = EpochPosition;
 }
 
-std::optional<uint32_t> NextEpochPosition(int64_t epochs) {
+std::optional<uint32_t> NextEpochPosition(int64_t epochs, uint32_t end) {
     const int64_t entries = EpochTableEntries();
-    if (epochs < 0 || entries < 1 || entries + owedEntries <= epochs) return std::nullopt;
-    return EpochPosition[std::min(epochs, entries - 1)];
+    if (epochs < 0 || epochs - entries > kMostMissing) return std::nullopt;
+    if (epochs < entries) return EpochPosition[epochs];
+    // An epoch whose save fails gives its place to the next.
+    return epochs < entries + owedEntries ? EpochPosition[entries - 1] : end;
 }
 
 // A table that the application put there is taken at its word: one entry more than epochs.

@@ -10,12 +10,18 @@ inline constexpr uint32_t kFirstEpochPosition = 580;
 
 // A fresh table of `entries`, all 0; false when memory is out, and the table is then empty.
 bool AllocateEpochTable(int64_t entries);
-// Make room for one entry more than `epochs`; new entries repeat the last one. False, and
+// A fresh table of what the old one held, or of the first epoch's place; false, and the old table
+// stays, when memory is out.
+bool RenewEpochTable();
+// The table of a new session: the first epoch's place alone.
+void ResetEpochTable();
+// Make room for one entry more than `epochs`; new entries get that position. False, and
 // unchanged, when memory is out.
-bool GrowEpochTable(int64_t epochs);
+bool GrowEpochTable(int64_t epochs, uint32_t position);
 void ReleaseEpochTable();
-// The recorded start of the epoch behind `epochs` others, if the table reaches to it.
-std::optional<uint32_t> NextEpochPosition(int64_t epochs);
+// The recorded start of the epoch behind `epochs` others: the table's entry, `end`, where the file
+// ends, if the table has none, or nothing if so many are missing that the count is to be doubted.
+std::optional<uint32_t> NextEpochPosition(int64_t epochs, uint32_t end);
 int64_t EpochTableEntries();
 
 }  // namespace corvantis

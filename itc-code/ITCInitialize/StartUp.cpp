@@ -5,6 +5,7 @@
 #include "ITC18.h"
 #include "ITCFileIO/StimulusTypes.h"
 #include "ITCInitialize/EpochTable.h"
+#include "ITCInitialize/SlotBlocks.h"
 #include "ITCInitialize/State.h"
 #include "ITCUtilities/Diagnostics.h"
 #include "ITCUtilities/Memory.h"
@@ -16,13 +17,10 @@ constexpr float kCountsPerVolt = 3200.0F;
 constexpr int32_t kDefaultDeviceInterval = 10;
 
 bool AllocateDevice() {
-    itc = AllocateArray<uint8_t>(ITC18_GetStructureSize()).release();
-    return itc != nullptr;
-}
-
-bool AllocateState(const int32_t* bufsize) {
-    return AllocateEpochHeader() && AllocateFileHeader() && AllocateEpochTable(1) &&
-           AllocateBufferCapacity(bufsize);
+    void* const structure = AllocateArray<uint8_t>(ITC18_GetStructureSize()).release();
+    if (structure == nullptr) return false;
+    itc = structure;
+    return true;
 }
 
 void SetFileHeaderDefaults(ITCFileHeader& header) {
@@ -38,9 +36,16 @@ void SetFileHeaderDefaults(ITCFileHeader& header) {
     header.fileFlagD = 1;
 }
 
-// A new start-up forgets the records of the one before, as it forgets its blocks.
-void EmptySlots() {
-    for (void*& slot : StmParameters) slot = nullptr;
+// Before the device is opened, which may fail: no file may be made with a header that says nothing
+// of its version and scales.
+void FillBlankFileHeader() {
+    if (filehdr->version == 0 && filehdr->inputScale == 0.0F) SetFileHeaderDefaults(*filehdr);
+}
+
+bool RenewState() {
+    if (!RenewEpochHeader() || !RenewFileHeader()) return false;
+    FillBlankFileHeader();
+    return RenewEpochTable() && RenewBufferCapacity();
 }
 
 int32_t SetDeviceInterval() {
@@ -59,15 +64,13 @@ int32_t ITCInit(uint16_t** inputBuffer, uint16_t** outputBuffer, const int32_t* 
                 int32_t deviceNumber) {
     using namespace corvantis;
     BeginStartUp();
-    if (!AllocateDevice() || !AllocateState(bufsize)) return ITC_OUT_OF_MEMORY;
+    if (!AllocateDevice() || !RenewState()) return ITC_OUT_OF_MEMORY;
     PrintLine("opening");
     if (ITC18_Open(itc, deviceNumber) != 0) return ITC_NOT_STARTED;
-    AttachSampleBuffers(inputBuffer, outputBuffer);
+    BeginSession(inputBuffer, outputBuffer, bufsize);
     SetFileHeaderDefaults(*filehdr);
-    EpochPosition[0] = kFirstEpochPosition;
-    EmptySlots();
     InitializationTime = static_cast<int32_t>(std::time(nullptr));
-    CompleteStartUp();
+    InitFlag = 1;
     PrintLine("initializing");
     PrintLine("itc18");
     if (ITC18_Initialize(itc, 0) != 0) return ITC_NOT_STARTED;
@@ -79,12 +82,10 @@ int32_t ITCInit(uint16_t** inputBuffer, uint16_t** outputBuffer, const int32_t* 
 int32_t ITCInitAnalysis(uint16_t** inputBuffer, uint16_t** outputBuffer, const int32_t* bufsize) {
     using namespace corvantis;
     BeginStartUp();
-    if (!AllocateEpochHeader() || !AllocateFileHeader()) return ITC_OUT_OF_MEMORY;
-    if (!AllocateBufferCapacity(bufsize) || !AllocateEpochTable(1)) return ITC_OUT_OF_MEMORY;
-    EpochPosition[0] = kFirstEpochPosition;
-    AttachSampleBuffers(inputBuffer, outputBuffer);
-    EmptySlots();
-    CompleteStartUp();
+    if (!RenewEpochHeader() || !RenewFileHeader()) return ITC_OUT_OF_MEMORY;
+    if (!RenewBufferCapacity() || !RenewEpochTable()) return ITC_OUT_OF_MEMORY;
+    BeginSession(inputBuffer, outputBuffer, bufsize);
+    InitFlag = 1;
     return ITC_SUCCESS;
 }
 
@@ -93,9 +94,8 @@ int32_t ITCQuickReInit(int32_t deviceNumber) {
     if (itc == nullptr || !HasFileHeader() || !HasEpochHeader()) return ITC_NOT_STARTED;
     ITC18_Close(itc);
     if (ITC18_Open(itc, deviceNumber) != 0) return ITC_NOT_STARTED;
-    // A start-up that the device had stopped goes on here.
-    if (IsStartUpUnderway() && EpochTableEntries() > 0) EpochPosition[0] = kFirstEpochPosition;
-    CompleteStartUp();
+    FillBlankFileHeader();
+    InitFlag = 1;
     if (ITC18_Initialize(itc, 0) != 0) return ITC_NOT_STARTED;
     if (SetDeviceInterval() != ITC_SUCCESS) return ITC_NOT_STARTED;
     return SetDefaultSequence();
@@ -103,9 +103,9 @@ int32_t ITCQuickReInit(int32_t deviceNumber) {
 
 int32_t ITCFinish() {
     using namespace corvantis;
-    // Also after a second start-up that failed: the first one's state is still to be ended.
-    if (InitFlag == 0 || !HasFileHeader() || !HasEpochHeader()) return ITC_NOT_STARTED;
+    if (!IsStarted()) return ITC_NOT_STARTED;
     if (itc != nullptr) ITC18_Close(itc);
     ReleaseHeaders();
+    ForgetInstalledRecords();
     return ITC_SUCCESS;
 }

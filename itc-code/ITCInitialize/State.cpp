@@ -2,6 +2,7 @@
 #include "ITCInitialize/State.h"
 
 #include "ITCInitialize/EpochTable.h"
+#include "ITCInitialize/SlotBlocks.h"
 #include "ITCUtilities/Memory.h"
 
 int32_t InitFlag = 0;
@@ -21,8 +22,6 @@ float* InhibitoryG = nullptr;
 namespace corvantis {
 namespace {
 
-bool startUpUnderway = false;
-
 // What a global still points to although the library has released it.
 const void* releasedFileHeader = nullptr;
 const void* releasedEpochHeader = nullptr;
@@ -41,10 +40,13 @@ bool IsLive(const void* block, const void* released) {
 }
 
 template <class T>
-bool AllocateBlock(T*& block, const void*& released) {
-    block = AllocateZeroed<T>(1).release();
+bool RenewBlock(T*& block, const void*& released) {
+    T* const fresh = AllocateZeroed<T>(1).release();
+    if (fresh == nullptr) return false;
+    if (IsLive(block, released)) *fresh = *block;
+    block = fresh;
     released = nullptr;
-    return block != nullptr;
+    return true;
 }
 
 void ReleaseBlock(void* block, const void*& released) {
@@ -64,22 +66,27 @@ void ReleaseSamples(uint16_t** handle, const void* released) { ITCFree(Samples(h
 bool HasFileHeader() { return IsLive(filehdr, releasedFileHeader); }
 bool HasEpochHeader() { return IsLive(epochhdr, releasedEpochHeader); }
 
-bool IsStarted() {
-    return InitFlag != 0 && !startUpUnderway && HasFileHeader() && HasEpochHeader();
-}
+bool IsStarted() { return InitFlag != 0 && HasFileHeader() && HasEpochHeader(); }
 
-bool IsStartUpUnderway() { return startUpUnderway; }
-
-// The sample buffers of an earlier session are its caller's again, or forgotten with it.
 void BeginStartUp() {
-    startUpUnderway = true;
+    if (HasFileHeader() && HasEpochHeader()) return;
+    // What an ended session left is its caller's again, who may have released it by now.
     releasedInputHandle = ITCInputBuffer;
     releasedOutputHandle = ITCOutputBuffer;
+    releasedCapacity = ITCbufsize;
+    EmptySlots();
 }
 
-void CompleteStartUp() {
-    startUpUnderway = false;
-    InitFlag = 1;
+void BeginSession(uint16_t** inputBuffer, uint16_t** outputBuffer, const int32_t* bufsize) {
+    *filehdr = {};
+    *epochhdr = {};
+    ResetEpochTable();
+    EmptySlots();
+    *ITCbufsize = bufsize == nullptr ? 0 : *bufsize;
+    ITCInputBuffer = inputBuffer;
+    ITCOutputBuffer = outputBuffer;
+    releasedInputHandle = nullptr;
+    releasedOutputHandle = nullptr;
 }
 
 ITCFileHeader& CurrentFileHeader() {
@@ -107,14 +114,9 @@ std::optional<int64_t> CurrentSampleCount() {
     return int64_t{header.epochPoints} * header.sequenceLength;
 }
 
-bool AllocateFileHeader() { return AllocateBlock(filehdr, releasedFileHeader); }
-bool AllocateEpochHeader() { return AllocateBlock(epochhdr, releasedEpochHeader); }
-
-bool AllocateBufferCapacity(const int32_t* bufsize) {
-    if (!AllocateBlock(ITCbufsize, releasedCapacity)) return false;
-    *ITCbufsize = bufsize == nullptr ? 0 : *bufsize;
-    return true;
-}
+bool RenewFileHeader() { return RenewBlock(filehdr, releasedFileHeader); }
+bool RenewEpochHeader() { return RenewBlock(epochhdr, releasedEpochHeader); }
+bool RenewBufferCapacity() { return RenewBlock(ITCbufsize, releasedCapacity); }
 
 void ReleaseHeaders() {
     ReleaseBlock(epochhdr, releasedEpochHeader);
@@ -130,12 +132,5 @@ void ReleaseSampleBuffers() {
 }
 
 void ReleaseBufferCapacity() { ReleaseBlock(ITCbufsize, releasedCapacity); }
-
-void AttachSampleBuffers(uint16_t** inputBuffer, uint16_t** outputBuffer) {
-    ITCInputBuffer = inputBuffer;
-    ITCOutputBuffer = outputBuffer;
-    releasedInputHandle = nullptr;
-    releasedOutputHandle = nullptr;
-}
 
 }  // namespace corvantis

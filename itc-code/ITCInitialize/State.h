@@ -12,12 +12,12 @@ namespace corvantis {
 
 // Started, and both headers are there: what nearly every operation asks first.
 bool IsStarted();
-// Between the two the blocks of an earlier session are being replaced; a start-up that fails there
-// leaves nothing that could be worked with, whatever the flag still says.
-// Between the two below, also after a start-up that failed.
-bool IsStartUpUnderway();
+
+// A start-up takes fresh blocks, in which an earlier session that has not ended goes on until the
+// new one begins: a device that stops the start-up costs it nothing.
 void BeginStartUp();
-void CompleteStartUp();
+// From here on the blocks are the new session's.
+void BeginSession(uint16_t** inputBuffer, uint16_t** outputBuffer, const int32_t* bufsize);
 
 // The current headers; before a start-up blank ones, so that no accessor meets a null pointer.
 ITCFileHeader& CurrentFileHeader();
@@ -37,16 +37,15 @@ constexpr bool IsChannel(uint32_t channel) { return channel < ITC_CHANNELS; }
 // The number of samples in the current epoch, all entries together; nothing for negative counts.
 std::optional<int64_t> CurrentSampleCount();
 
-// Take fresh, cleared blocks; false when memory is out. The old block is forgotten.
-bool AllocateFileHeader();
-bool AllocateEpochHeader();
-bool AllocateBufferCapacity(const int32_t* bufsize);
+// Take fresh blocks with what the old ones held, or cleared ones; false, and the old block stays,
+// when memory is out. Otherwise the old block is forgotten.
+bool RenewFileHeader();
+bool RenewEpochHeader();
+bool RenewBufferCapacity();
 
 // Give up blocks; a block that was given up already is left alone.
 void ReleaseHeaders();
 void ReleaseSampleBuffers();
 void ReleaseBufferCapacity();
-
-void AttachSampleBuffers(uint16_t** inputBuffer, uint16_t** outputBuffer);
 
 }  // namespace corvantis

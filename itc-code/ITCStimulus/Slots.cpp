@@ -9,26 +9,15 @@
 namespace corvantis {
 namespace {
 
-struct InstalledRecord {
-    const void* record = nullptr;
-    uint32_t type = 0;
-};
-
-InstalledRecord installed[ITC_CHANNELS];
-
-bool IsInstalled(uint32_t channel) {
-    return StmParameters[channel] != nullptr && StmParameters[channel] == installed[channel].record;
-}
-
 bool HoldsPointers(uint32_t type) {
     return type == ITC_STIMULUS_FILEWAVE || type == ITC_STIMULUS_SUMMED;
 }
 
 // A record that the application itself put into the slot is taken at its word.
 bool CanBeReadAs(uint32_t channel, uint32_t type) {
-    if (!IsInstalled(channel) || installed[channel].type == type) return true;
+    if (!IsInstalled(channel) || InstalledType(channel) == type) return true;
     if (HoldsPointers(type)) return false;
-    return TypeRow(installed[channel].type).record->memorySize >= TypeRow(type).record->memorySize;
+    return TypeRow(InstalledType(channel)).record->memorySize >= TypeRow(type).record->memorySize;
 }
 
 void ReleaseComponents(ITCSummedParameters& summed) {
@@ -51,7 +40,13 @@ void* SlotRecord(uint32_t channel) { return SlotRecord(channel, SlotType(channel
 size_t SlotRecordSize(uint32_t channel, size_t limit) {
     if (!IsStarted() || StmParameters[channel] == nullptr) return 0;
     if (!IsInstalled(channel)) return limit;
-    return std::min(limit, TypeRow(installed[channel].type).record->memorySize);
+    return std::min(limit, TypeRow(InstalledType(channel)).record->memorySize);
+}
+
+bool HoldsOwnType(uint32_t channel) {
+    if (StmParameters[channel] == nullptr) return false;
+    return !IsInstalled(channel) ||
+           InstalledType(channel) == static_cast<uint32_t>(SlotType(channel));
 }
 
 ITCSummedParameters* SummedSlotRecord(uint32_t channel) {
@@ -62,11 +57,6 @@ ITCSummedParameters* SummedSlotRecord(uint32_t channel) {
 const void* ComponentRecord(const ITCSummedParameters& summed, int64_t component) {
     if (component < 0 || component >= summed.count || component >= ITC_COMPONENTS) return nullptr;
     return summed.components[component];
-}
-
-void InstallSlotRecord(uint32_t channel, void* record, uint32_t type) {
-    StmParameters[channel] = record;
-    installed[channel] = {record, type};
 }
 
 void ReleaseSlotRecord(uint32_t channel) {
@@ -82,6 +72,7 @@ void ReleaseSlot(uint32_t channel) {
 
 void ReleaseSlotRecordsAtEnd() {
     for (void* record : StmParameters) ITCFree(record);
+    ForgetInstalledRecords();
 }
 
 }  // namespace corvantis

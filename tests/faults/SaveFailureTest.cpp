@@ -1,0 +1,67 @@
+// Writing fails at each flush of a save in turn, and cutting the file back may fail too: nothing of
+// the failed epoch may be found in the file, then or when the next save is killed half-way.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "Corvantis.h"
+#include "FileBytes.h"
+#include "PulseEpoch.h"
+
+namespace {
+
+int failingFlush = 0;
+int flushes = 0;
+bool cutFails = false;
+std::function<void()> afterFlush;
+
+}  // namespace
+
+// In place of the C library's for this program and the library it tests.
+extern "C" int fflush(FILE* stream) {
+    static const auto flush = reinterpret_cast<int (*)(FILE*)>(dlsym(RTLD_NEXT, "fflush"));
+    if (++flushes == failingFlush) return EOF;
+    const int result = flush(stream);
+    if (afterFlush) afterFlush();
+    return result;
+}
+extern "C" int ftruncate64(int descriptor, off64_t size) {
+    static const auto cut =
+        reinterpret_cast<int (*)(int, off64_t)>(dlsym(RTLD_NEXT, "ftruncate64"));
+    return cutFails ? -1 : cut(descriptor, size);
+}
+
+namespace corvantis_test {
+namespace {
+
+using SaveFailure = RecordingTest;
+
+TEST_F(SaveFailure, LeavesNothingThatCouldPassForTheEpoch) {
+    constexpr size_t kStart = 1532, kEntries = kStart + 580;
+    const auto entriesInFile = [this] { return Word(FileContent(path), kEntries); };
+    for (const bool fails : {false, true}) {
+        for (const int flush : {1, 2}) {
+            filehdr->numEpochs = 0;
+            SetUpPulseEpoch();
+            ASSERT_EQ(Create(), ITC_SUCCESS);
+            ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+            const Bytes saved = FileContent(path);
+            flushes = 0, failingFlush = flush, cutFails = fails;
+            SetUpAcquisition(1, 5000);
+            ASSERT_EQ(ITCSaveToFile(), ITC_FILE_ERROR);
+            failingFlush = 0, cutFails = false;
+            EXPECT_EQ(First(FileContent(path), saved.size()), saved);
+            EXPECT_EQ(FileContent(path).size() == saved.size(), !fails);
+            EXPECT_TRUE(!fails || entriesInFile() == 0);
+            flushes = 0;
+            afterFlush = [&] { EXPECT_TRUE(flushes > 1 || entriesInFile() == (fails ? 0 : 1)); };
+            EXPECT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+            afterFlush = nullptr;
+            EXPECT_EQ(entriesInFile(), 1U);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace corvantis_test

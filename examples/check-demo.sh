@@ -97,6 +97,11 @@ first_epoch() {
     expect 0 'recomputed bit for bit'
 }
 
+two_outputs() {
+    run program two-outputs "$folder/two.dat"
+    expect 0 'entry 1: output 2, stimulus of type 4, in V, echoed'
+}
+
 rm -rf "$folder"
 mkdir -p "$folder"
 "$1"

@@ -7,11 +7,20 @@
  *
  * 1. Result codes. An operation returns an int32_t from #ITCResult, 0 for success, and hands
  *    values back through pointers. A code that a declaration does not list is not returned by it.
- *    After a failure everything is as it was unless the declaration says otherwise.
+ *    After a failure everything is as it was unless the declaration says otherwise, as these do: a
+ *    refused #ITCSetSeq keeps the new sequence, a failed #ITCSaveToFile has counted its epoch, a
+ *    failed opening or creating leaves the file before it behind, a failed read keeps what it read,
+ *    a builder or adder out of memory leaves the slot empty or the component's type set, and a
+ *    start-up that fails keeps the blocks that it took.
  * 2. State. The library holds one device, one open file, one current file header, one current epoch
  *    header, four stimulus slots and one table of epoch positions, all in the globals below. Unless
  *    a declaration says that it needs no start-up, it returns #ITC_NOT_STARTED before #ITCInit or
- *    #ITCInitAnalysis, and after #ITCFinish or #ITCFinishAnalysis.
+ *    #ITCInitAnalysis, and after #ITCFinish or #ITCFinishAnalysis. Without a start-up there answer:
+ *    accessors of the current headers, as of blank ones; creating and opening files, with
+ *    #ITC_FILE_ERROR; closing; stimulus values by epoch number, with #ITC_FILE_ERROR;
+ *    #ITCFreeParams and #ITCFinishAnalysis, with 0; and in full all that needs no state: codecs,
+ *    generators, random numbers, transform, interleaving, stopwatch, paths, #ITCMalloc, #ITCFree.
+ *    A test of arguments that a declaration puts before anything else comes before this one too.
  * 3. Threads. Nothing is guarded. Call the library from one thread at a time.
  * 4. Ownership. The library owns the headers, the table of epoch positions, the slot records and
  *    the components of summed records. The caller owns its sample buffers and its own records; a
@@ -19,13 +28,34 @@
  *    state: read or write through them at once, never free them.
  * 5. Pointers. A pointer that is handed over points to what its declaration says, and is null only
  *    where the declaration speaks of it.
- * 6. Indices. Epochs, sequence entries, channels and components count from 0. An output channel is
- *    0 to 3 and names the stimulus slot of the same number.
+ * 6. Indices. Epochs, sequence entries, slots and components count from 0. Slot c belongs to
+ *    sequence entry c, whichever output that entry drives: after ITCSetSeq("01", "02") slot 1 plays
+ *    at output 2. So it is with `stimType` and with all other arrays of four in the epoch header,
+ *    gains and units among them. A parameter `channel` is such a number, of a slot and its entry,
+ *    unless its declaration speaks of inputs or outputs of the interface.
  * 7. Units. A level is in DAC codes (16-bit converter counts) held in 32 bits, a length in samples
  *    ("points") of one sequence entry, a sampling interval in microseconds. A computed sample is
  *    truncated toward zero and its low 16 bits are stored: there is no clamping.
  * 8. Standard output. Start-up, stimulus calculation and some failures print a line each on the
  *    standard output of the process; each declaration names what it prints.
+ *
+ * One epoch, from end to end:
+ *   - once: #ITCInit, #ITCCreateFile; #ITCWriteFileCom at any time before a save
+ *   - #ITCSetSeq: which input and output each sequence entry has
+ *   - #ITCSetAcqParams: interval and points, for the sequence that is set. It tests the points of
+ *     one entry; that points times entries fit the buffers is tested by #ITCUpdateStm and
+ *     #ITCSaveToFile, and a longer epoch passes until then
+ *   - a builder, such as #ITCPulseParams, for the slot of every entry: it tests its lengths against
+ *     those points. For a sum #ITCSummedParams, then an adder for each component. Slots keep their
+ *     records from epoch to epoch, for as long as their lengths fit
+ *   - #ITCUpdateStm: computes the output buffer
+ *   - #ITCInitAcq: arms the device; the driver's own calls then play the output buffer and fill the
+ *     input buffer
+ *   - #ITCWriteEpochCom, #ITCWriteAmpGain, #ITCWriteInputUnits and their like: fields of the epoch
+ *     header, which also stay from epoch to epoch
+ *   - #ITCSaveToFile; if it returns #ITC_FILE_ERROR the epoch is not in the file, and may be saved
+ *     again
+ *   - once: #ITCCloseFile, #ITCFinish
  */
 #ifndef CORVANTIS_H
 #define CORVANTIS_H
@@ -47,21 +77,33 @@
 extern "C" {
 #endif
 
-/** Result codes of every operation; 3 and 8 are never returned. */
+/** Result codes of every operation, for messages in these words; 3 and 8 are never returned. */
 typedef enum ITCResult {
-    ITC_SUCCESS = 0,        /**< done */
-    ITC_NOT_STARTED = 1,    /**< library not started, or the device failed */
-    ITC_STIMULUS_ERROR = 2, /**< stimulus type or record missing, wrong or not computable */
-    ITC_TOO_LARGE = 4,      /**< interval refused by the device, or epoch above the buffers */
-    ITC_OUT_OF_MEMORY = 5,  /**< a block of memory could not be had */
-    ITC_BAD_ARGUMENT = 6,   /**< bad sequence, length, interval, latency or channel */
-    ITC_FILE_ERROR = 7,     /**< create, open, read, write or seek failed, or no such epoch */
-    ITC_VERSION_TOO_NEW = 9 /**< the opened file's format version is above 8 */
+    /** "done" */
+    ITC_SUCCESS = 0,
+    /** "the library is not started, or the device refused: is it on, connected and not in use?" */
+    ITC_NOT_STARTED = 1,
+    /** "a slot has no stimulus, one of another type or one that cannot be computed, or the epoch is
+     * larger than the output buffer" */
+    ITC_STIMULUS_ERROR = 2,
+    /** "the device refused the sampling interval, or the stored epoch is larger than the buffers"
+     */
+    ITC_TOO_LARGE = 4,
+    /** "out of memory" */
+    ITC_OUT_OF_MEMORY = 5,
+    /** "bad sequence, interval, latency or index, more points than the buffers hold, or a stimulus
+     * whose lengths do not add up to the epoch's points" */
+    ITC_BAD_ARGUMENT = 6,
+    /** "the file cannot be created, opened, read or written, exists already, is recorded by another
+     * program, or has no such epoch" */
+    ITC_FILE_ERROR = 7,
+    /** "the file was made by a newer version" */
+    ITC_VERSION_TOO_NEW = 9
 } ITCResult;
 
 /** Fixed sizes of the interface. */
 enum {
-    ITC_CHANNELS = 4,         /**< output channels, stimulus slots, and most sequence entries */
+    ITC_CHANNELS = 4,         /**< most sequence entries, stimulus slots, and analogue outputs */
     ITC_COMMENT_LENGTH = 512, /**< characters of a comment, terminator included */
     ITC_UNITS_LENGTH = 16,    /**< characters of a unit name; a full one has no terminator */
     ITC_USER_VALUES = 24,     /**< free user values of an epoch */
@@ -101,7 +143,10 @@ typedef struct ITCSineParameters {
     int32_t reserved[3]; /**< kept in memory, zero on file */
 } ITCSineParameters;
 
-/** Filtered Gaussian noise; see #ITCStmCreateNoise for its two methods. */
+/**
+ * Filtered Gaussian noise; see #ITCStmCreateNoise for its two methods. For this and the other two
+ * noises the seeds 0 and 1 are the same sequence.
+ */
 typedef struct ITCNoiseParameters {
     int32_t amplitude;       /**< standard deviation [DAC codes] */
     int32_t mean;            /**< holding level [DAC codes] */
@@ -257,10 +302,10 @@ typedef struct ITCFileHeader {
 typedef struct ITCEpochHeader {
     float epochTime;                        /**< time of the epoch, as the caller counts */
     char epochComment[ITC_COMMENT_LENGTH];  /**< text, terminated within the field */
-    float ampGain[ITC_CHANNELS];            /**< amplifier gain per channel */
-    float ampValue[ITC_CHANNELS];           /**< second amplifier value per channel */
-    float convFactor[ITC_CHANNELS];         /**< output units per volt, per channel */
-    int8_t ampCode[ITC_CHANNELS];           /**< amplifier code per channel */
+    float ampGain[ITC_CHANNELS];            /**< amplifier gain per entry [V per input unit] */
+    float ampValue[ITC_CHANNELS];           /**< second amplifier value per entry */
+    float convFactor[ITC_CHANNELS];         /**< output units per volt, per entry */
+    int8_t ampCode[ITC_CHANNELS];           /**< amplifier code per entry */
     int8_t acqSettingB;                     /**< second acquisition setting */
     uint8_t padding0[3];                    /**< zero on file */
     int32_t samplingInterval;               /**< one pass of the sequence [µs] */
@@ -269,17 +314,17 @@ typedef struct ITCEpochHeader {
     uint32_t channelSequence[ITC_CHANNELS]; /**< device word of each sequence entry */
     int8_t spareChannelBytes[ITC_CHANNELS]; /**< never set by the library */
     int8_t acqSettingA;                     /**< first acquisition setting */
-    int8_t stimType[ITC_CHANNELS];          /**< #ITCStimulusType per output channel */
-    char outputUnits[ITC_CHANNELS][ITC_UNITS_LENGTH]; /**< unit name per output channel */
-    char inputUnits[ITC_CHANNELS][ITC_UNITS_LENGTH];  /**< unit name per input channel */
-    int8_t ampMode[ITC_CHANNELS];                     /**< amplifier mode per channel */
+    int8_t stimType[ITC_CHANNELS];          /**< #ITCStimulusType per entry */
+    char outputUnits[ITC_CHANNELS][ITC_UNITS_LENGTH]; /**< unit name of each entry's output */
+    char inputUnits[ITC_CHANNELS][ITC_UNITS_LENGTH];  /**< unit name of each entry's input */
+    int8_t ampMode[ITC_CHANNELS];                     /**< amplifier mode per entry */
     uint8_t padding1[3];                              /**< zero on file */
     int32_t meanOutput[ITC_CHANNELS];                 /**< mean output level [DAC codes] */
     float temperature;                                /**< [°C] */
     uint16_t digitalOutput;                           /**< digital output word */
     uint16_t wavelength;                              /**< [nm] */
-    float ndf[ITC_CHANNELS];                          /**< neutral density filter per channel */
-    uint16_t ledSetting[ITC_CHANNELS];                /**< LED setting per channel */
+    float ndf[ITC_CHANNELS];                          /**< neutral density filter per entry */
+    uint16_t ledSetting[ITC_CHANNELS];                /**< setting of each LED */
     float userValue[ITC_USER_VALUES];                 /**< free values of the experimenter */
     uint16_t pointsLatency;                           /**< dynamic-clamp latency [samples] */
     uint8_t reserved[22];                             /**< zero on file */
@@ -287,7 +332,11 @@ typedef struct ITCEpochHeader {
 
 /* ---- State ------------------------------------------------------------------------------ */
 
-/** 0 until the library is started, 1 afterwards; no ending clears it. */
+/**
+ * 0 until the library is started, 1 afterwards; nothing clears it. What counts as started is this 1
+ * and both headers being there: not so after an ending, and so again, with headers but without
+ * sample buffers, after a start-up behind it that the device stopped.
+ */
 CORVANTIS_API extern int32_t InitFlag;
 /** When #ITCInit started the library [s since 1 January 1970 UTC]. */
 CORVANTIS_API extern int32_t InitializationTime;
@@ -295,7 +344,7 @@ CORVANTIS_API extern int32_t InitializationTime;
 CORVANTIS_API extern ITCFileHeader* filehdr;
 /** The current epoch header; owned by the library. */
 CORVANTIS_API extern ITCEpochHeader* epochhdr;
-/** The stimulus record of each output channel, or null; its type is the channel's `stimType`. */
+/** The stimulus record of each sequence entry, or null; its type is the entry's `stimType`. */
 CORVANTIS_API extern void* StmParameters[ITC_CHANNELS];
 /** File offset of each epoch [bytes]; one entry more than epochs while a file is written. */
 CORVANTIS_API extern uint32_t* EpochPosition;
@@ -322,7 +371,10 @@ CORVANTIS_API extern const uint32_t itcOutputs18[4];
 CORVANTIS_API extern const uint32_t itcInputs16[8];
 /** Output codes of the ITC16; for applications, not used by the library. */
 CORVANTIS_API extern const uint32_t itcOutputs16[4];
-/** The device's pipeline length, 5: samples between an output and its echo at the input. */
+/**
+ * The interface's pipeline length, 5: samples between an output and its echo at the input. The
+ * simulated interface has no such delay, and the library shifts nothing by it.
+ */
 CORVANTIS_API extern const uint32_t pipelineLength;
 
 /* ---- Start-up, ending, memory ----------------------------------------------------------- */
@@ -331,7 +383,10 @@ CORVANTIS_API extern const uint32_t pipelineLength;
  * Start the library with a device: allocate the headers and the position table, open and initialise
  * the interface, set the file header's defaults and load the one-entry sequence "0"/"0".
  * Prints "opening", "initializing", "itc18" and "setting defaults", a line each, as it goes.
- * A second start-up takes fresh blocks and forgets the old ones.
+ * A second start-up takes fresh blocks and forgets the old ones, with an ending in between or not;
+ * the simulated interface is taken over by it. If the device cannot be opened, a session that was
+ * not ended goes on in the fresh blocks with its headers, positions, slots, buffers and file, but
+ * acquires only after #ITCQuickReInit or another start-up.
  * @param[in] inputBuffer handle of the acquired samples; kept, owned by the caller
  * @param[in] outputBuffer handle of the stimulus samples; kept, owned by the caller
  * @param[in] bufsize capacity of each buffer; its value is copied [samples]
@@ -344,23 +399,32 @@ CORVANTIS_API int32_t ITCInit(uint16_t** inputBuffer, uint16_t** outputBuffer,
                               const int32_t* bufsize, int32_t deviceNumber);
 /**
  * Start the library without a device, for reading files. Prints nothing, sets no header defaults.
- * @param[in] inputBuffer handle of the acquired samples; released by #ITCFinishAnalysis
- * @param[in] outputBuffer handle of the stimulus samples; released by #ITCFinishAnalysis
+ * #ITCFinishAnalysis releases both handles and both buffers: each must be a block from #ITCMalloc,
+ * never an array of the caller, which would end the program there. #ITCInitializeAnalysis takes
+ * such blocks by itself; whoever has buffers of another kind ends with #ITCFinish instead.
+ * @param[in] inputBuffer handle of the acquired samples
+ * @param[in] outputBuffer handle of the stimulus samples
  * @param[in] bufsize capacity of each buffer; its value is copied [samples]
  * @return #ITC_SUCCESS; #ITC_OUT_OF_MEMORY, blocks taken so far stay
  */
 CORVANTIS_API int32_t ITCInitAnalysis(uint16_t** inputBuffer, uint16_t** outputBuffer,
                                       const int32_t* bufsize);
 /**
- * Close and re-open the device of an earlier #ITCInit and load its defaults; all other state stays.
+ * Close and re-open the device of an earlier #ITCInit and load its defaults: an interval of 10 µs
+ * in the device, and the sequence "0"/"0" in device and epoch header, so that #ITCSetSeq and
+ * #ITCSetAcqParams are due again. `samplingInterval`, `epochPoints`, all other fields, slots,
+ * buffers and the file stay. After a start-up that could not open the device this goes on for it:
+ * the library then counts as started and the file header has its defaults; sample buffers are those
+ * of a session before that was not ended, or none, and then #ITCInit is the way. Prints nothing.
  * @param[in] deviceNumber number of the interface, passed to the driver
  * @return #ITC_SUCCESS; #ITC_NOT_STARTED if there is no device or it fails
  */
 CORVANTIS_API int32_t ITCQuickReInit(int32_t deviceNumber);
 /**
  * End a start-up made by #ITCInit: close the device, free the headers and the position table.
- * The sample buffers, slot records and the data file stay; #InitFlag stays 1 and the pointers keep
- * their values. Only a new start-up may follow.
+ * The sample buffers, slot records, capacity cell and the data file stay, and from now on the
+ * library touches none of the first three; #InitFlag stays 1 and the pointers keep their values.
+ * Only a new start-up may follow.
  * @return #ITC_SUCCESS; #ITC_NOT_STARTED
  */
 CORVANTIS_API int32_t ITCFinish(void);
@@ -381,19 +445,24 @@ CORVANTIS_API int32_t ITCFree(void* block);
 /* ---- Acquisition ------------------------------------------------------------------------ */
 
 /**
- * Set the channel sequence in the epoch header and the device.
+ * Set the channel sequence in the epoch header and the device. Entry c takes its stimulus from slot
+ * c, whichever output it drives.
  * @param[in] inputs one character per sequence entry: '0' to '7', or 'D' for the digital input
  * @param[in] outputs as many characters: '0' to '3', or 'D' for the digital output
  * @return #ITC_SUCCESS; #ITC_BAD_ARGUMENT for unequal lengths or more than four entries, nothing
- * changed, or for a bad character, the header's sequence changed up to it; #ITC_NOT_STARTED, also
- * if the driver refuses the sequence. Empty texts set `sequenceLength` to 49152.
+ * changed, or for a bad character, the header's length and words changed up to it;
+ * #ITC_NOT_STARTED, also if there is no device or the driver refuses the sequence, which the header
+ * then keeps. Empty texts set `sequenceLength` to 49152.
  */
 CORVANTIS_API int32_t ITCSetSeq(const char* inputs, const char* outputs);
 /**
  * Set the sampling interval and the length of the coming epoch in the epoch header; the sequence
- * must have been set. Nothing changes on failure.
+ * must have been set. Nothing changes on failure. The device works with whole microseconds per
+ * entry: the interval divided by the entries, truncated. 100 µs of three entries are 33 µs each, so
+ * that a pass takes 99 µs where the file says 100: give a multiple of the entries.
  * @param[in] samplingInterval one pass of the sequence [µs, 4 to 65535 per entry]
- * @param[in] epochPoints points per sequence entry [samples, at most the buffers' capacity]
+ * @param[in] epochPoints points per sequence entry [samples, at most the buffers' capacity]; that
+ * all entries together fit too is not tested here, but by #ITCUpdateStm and #ITCSaveToFile
  * @param[in] acqSettingA stored as it is
  * @param[in] acqSettingB stored as it is
  * @return #ITC_SUCCESS; #ITC_NOT_STARTED; #ITC_BAD_ARGUMENT
@@ -401,7 +470,7 @@ CORVANTIS_API int32_t ITCSetSeq(const char* inputs, const char* outputs);
 CORVANTIS_API int32_t ITCSetAcqParams(int32_t samplingInterval, int32_t epochPoints,
                                       int8_t acqSettingA, int8_t acqSettingB);
 /**
- * Hand the per-entry sampling interval to the device and arm it.
+ * Hand the per-entry sampling interval, truncated, to the device and arm it.
  * @return #ITC_SUCCESS; #ITC_NOT_STARTED, also if the device cannot be armed; #ITC_TOO_LARGE if the
  * interval is refused, after printing "Fail-point (itc-code/ITCInitialize:436)"
  */
@@ -427,7 +496,7 @@ CORVANTIS_API void ITCInterleaveData(uint16_t* interleaved, uint16_t* const* per
 CORVANTIS_API void ITCSplitData(const uint16_t* interleaved, uint16_t* const* perEntry,
                                 int32_t entries, int32_t points);
 
-/* ---- Stimulus records of the output channels -------------------------------------------- */
+/* ---- Stimulus records of the sequence entries ------------------------------------------- */
 
 /**
  * Size of a stimulus type's record as the data file counts it.
@@ -439,11 +508,12 @@ CORVANTIS_API int32_t ITCStmParamsSize(uint32_t* size, uint32_t type);
 
 /**
  * @name Builders
- * Make a copy of the caller's record the stimulus of an output channel and set the channel's
- * `stimType`. The channel's previous record is released, with its components if it was a sum.
- * @param[in] channel output channel [0..3]
+ * Make a copy of the caller's record the stimulus of a slot, that of the sequence entry of the same
+ * number, and set its `stimType`. The slot's previous record is released, with its components if it
+ * was a sum.
+ * @param[in] channel stimulus slot [0..3]
  * @param[in] params the caller's record; copied, stays the caller's
- * @return #ITC_SUCCESS; #ITC_NOT_STARTED; #ITC_STIMULUS_ERROR for another channel or a null record;
+ * @return #ITC_SUCCESS; #ITC_NOT_STARTED; #ITC_STIMULUS_ERROR for another slot or a null record;
  * #ITC_BAD_ARGUMENT if prePoints + points + tailPoints is not the epoch's `epochPoints` (not tested
  * for file wave, sum, dynamic clamp, circle pulse and spatial); #ITC_OUT_OF_MEMORY, the slot is
  * then empty and `stimType` still holds the old type
@@ -475,7 +545,7 @@ CORVANTIS_API int32_t ITCAltVoltageParams(int32_t channel,
 CORVANTIS_API int32_t ITCSpatialParams(int32_t channel, const ITCSpatialStmParameters* params);
 /** @} */
 /**
- * Install a generic record on channel 0, as the other builders do.
+ * Install a generic record in slot 0, as the other builders do.
  * @param[in] params the caller's record; copied
  * @return as the builders
  */
@@ -483,7 +553,7 @@ CORVANTIS_API int32_t ITCGenericParams(const ITCGenericParameters* params);
 /**
  * Install a summed record without components, as the other builders do; the component adders fill
  * it. All component pointers of the caller's own record become null.
- * @param[in] channel output channel [0..3]
+ * @param[in] channel stimulus slot [0..3]
  * @param[in,out] params the caller's record: `count` says how many components may be added
  * @return as the builders
  */
@@ -491,7 +561,7 @@ CORVANTIS_API int32_t ITCSummedParams(int32_t channel, ITCSummedParameters* para
 /**
  * Install a dynamic-clamp record, as the other builders do, and set the header's `pointsLatency`.
  * The latency is tested before anything else; a bad one prints a line that names the limit.
- * @param[in] channel output channel [0..3]
+ * @param[in] channel stimulus slot [0..3]
  * @param[in] params the caller's record; copied
  * @param[in] pointsLatency latency [samples, 6 to 65535]; a negative one passes, its low 16 bits
  * count
@@ -501,20 +571,20 @@ CORVANTIS_API int32_t ITCGClampParams(int32_t channel, const ITCGClampParameters
                                       int32_t pointsLatency);
 
 /**
- * Release an output channel's record, with its components if it is a sum. The channel's `stimType`
- * stays. Before a start-up and for a channel outside 0 to 3 nothing happens.
- * @param[in] channel output channel [0..3]
+ * Release a slot's record, with its components if it is a sum. Its `stimType` stays. Before a
+ * start-up and for a slot outside 0 to 3 nothing happens.
+ * @param[in] channel stimulus slot [0..3]
  * @return #ITC_SUCCESS
  */
 CORVANTIS_API int32_t ITCFreeParams(uint32_t channel);
 
 /**
  * @name Component adders
- * Add a copy of the caller's record to the first free component of a channel's summed stimulus.
+ * Add a copy of the caller's record to the first free component of a slot's summed stimulus.
  * Lengths are not compared with the epoch.
- * @param[in] channel output channel [0..3], whose `stimType` is summed
+ * @param[in] channel stimulus slot [0..3], whose `stimType` is summed
  * @param[in] params the caller's record; copied, stays the caller's
- * @return #ITC_SUCCESS; #ITC_NOT_STARTED; #ITC_STIMULUS_ERROR if the channel holds no sum or all of
+ * @return #ITC_SUCCESS; #ITC_NOT_STARTED; #ITC_STIMULUS_ERROR if the slot holds no sum or all of
  * its `count` components are in use; #ITC_OUT_OF_MEMORY, `componentType` is then set already
  * @{
  */
@@ -547,7 +617,7 @@ CORVANTIS_API int32_t ITCAddAltVoltParams(uint32_t channel,
 /**
  * Give a new seed to a noise record in a slot; takes effect at the next calculation.
  * @param[in] newSeed 0 or above for a reproducible waveform
- * @param[in] channel output channel [0..3], of type 2, 9 or 10, or summed
+ * @param[in] channel stimulus slot [0..3], of type 2, 9 or 10, or summed
  * @param[in] component component of a summed stimulus, of type 2, 9 or 10; else ignored
  * @return #ITC_SUCCESS; #ITC_NOT_STARTED; #ITC_STIMULUS_ERROR if no such noise record is there
  */
@@ -687,24 +757,31 @@ CORVANTIS_API void ITCfft(int32_t isign, uint32_t nn, float* data);
 
 /**
  * Create the data file and write the current file header. The epoch count and positions are not
- * reset: a second file without a new start-up continues those of the first.
+ * reset: a second file without a new start-up continues those of the first, and one that is created
+ * after another was opened those of that. Positions that are missing then are where the new file
+ * ends. Until it is closed or left behind the file is locked, where the system has such locks, and
+ * other programs cannot create or empty it; programs that the application starts do not get it.
  * @param[in] pattern path; "~" and wildcards are expanded as by the shell when they match a file,
  * the first match is used, and the text itself is used when nothing matches
  * @param[in] overwrite not 0: replace an existing file
- * @return #ITC_SUCCESS; #ITC_FILE_ERROR, also if the file exists and may not be replaced
+ * @return #ITC_SUCCESS; #ITC_FILE_ERROR, also if the file exists and may not be replaced, or if
+ * another program records it
  */
 CORVANTIS_API int32_t ITCCreateFile(const char* pattern, int32_t overwrite);
 /**
  * Open a data file for reading and load its file header and table of epoch positions. A file that
- * is open already is left behind, not closed; a failure may leave this one open.
+ * is open already is left behind, not closed; a failure may leave this one open. Nothing can be
+ * saved into it.
  * @param[in] pattern path, expanded as by #ITCCreateFile
- * @return #ITC_SUCCESS; #ITC_OUT_OF_MEMORY; #ITC_FILE_ERROR; #ITC_VERSION_TOO_NEW, header and table
- * loaded
+ * @return #ITC_SUCCESS; #ITC_OUT_OF_MEMORY; #ITC_FILE_ERROR, also if the file ends inside of the
+ * table: the whole entries are then loaded, and their epochs can be read; #ITC_VERSION_TOO_NEW,
+ * header and table loaded
  */
 CORVANTIS_API int32_t ITCOpenFile(const char* pattern);
 /**
  * As #ITCOpenFile, in a mode that empties the file: always ends with #ITC_FILE_ERROR and an empty
- * file. Kept for old callers; never use it on data.
+ * file, which is open for saving; or with a file that stays as it is, because it cannot be opened
+ * or another program records it. Kept for old callers; never use it on data.
  * @param[in] pattern path, expanded as by #ITCCreateFile
  * @return #ITC_FILE_ERROR; #ITC_OUT_OF_MEMORY
  */
@@ -718,9 +795,11 @@ CORVANTIS_API int32_t ITCCloseFile(void);
  * Append the current epoch: header, stimulus records of every sequence entry, and the samples of
  * the input buffer; then the position table and the file header. Flushes the stream.
  * @return #ITC_SUCCESS; #ITC_NOT_STARTED; #ITC_OUT_OF_MEMORY; #ITC_FILE_ERROR before anything is
- * changed if no file is open for writing, the samples exceed the input buffer, the sequence is
- * impossible or the file would pass 4 GiB; #ITC_FILE_ERROR with the epoch counted already if a
- * stimulus is missing or a write fails: epochs saved before and after keep their right positions
+ * changed if no file is open for writing, the file was deleted, the samples exceed the input
+ * buffer, the sequence is impossible or the file would pass 4 GiB; #ITC_FILE_ERROR with the epoch
+ * counted already if a stimulus is missing or a write fails: the file is cut back to what it was,
+ * and epochs saved before and after keep their right positions. Counted or not, the epoch may be
+ * saved again
  */
 CORVANTIS_API int32_t ITCSaveToFile(void);
 /**
@@ -760,19 +839,19 @@ CORVANTIS_API int32_t ITCRetrieveEpoch(int32_t epoch);
  */
 CORVANTIS_API int32_t ITCRetrieveEpochStm(int32_t epoch);
 /**
- * As #ITCEpochParameters, then read a dynamic-clamp channel's conductances into #ExcitatoryG and
+ * As #ITCEpochParameters, then read a dynamic-clamp entry's conductances into #ExcitatoryG and
  * #InhibitoryG, which must hold the epoch's `epochPoints`. The arrays are found only in an epoch
  * with a single sequence entry.
  * @param[in] epoch [0..numEpochs - 1]
- * @param[in] channel output channel [0..3]
+ * @param[in] channel stimulus slot [0..3]
  * @return as #ITCEpochParameters; #ITC_TOO_LARGE as #ITCRetrieveEpoch, with line 815;
- * #ITC_STIMULUS_ERROR if the channel is no dynamic clamp or the arrays are null
+ * #ITC_STIMULUS_ERROR if the slot is no dynamic clamp or the arrays are null
  */
 CORVANTIS_API int32_t ITCRetrieveEpochStmGClamp(int32_t epoch, uint32_t channel);
 /**
  * Seed of the filtered-noise record in a slot.
  * @param[out] result the seed
- * @param[in] channel output channel [0..3]
+ * @param[in] channel stimulus slot [0..3]
  * @return #ITC_SUCCESS; #ITC_NOT_STARTED; #ITC_STIMULUS_ERROR if the type is not 2
  */
 CORVANTIS_API int32_t ITCRetrieveRandomSeed(int32_t* result, uint32_t channel);
@@ -955,11 +1034,11 @@ CORVANTIS_API double ITCGetOffset(void);
 /**
  * @name Current epoch header
  * They act on the header in memory; #ITCSaveToFile stores it and reading an epoch replaces it.
- * Before a start-up they act on a blank one. Outside the range of a channel or an index a writer
+ * Before a start-up they act on a blank one. Outside the range of an entry or an index a writer
  * stores nothing, and a reader gives 0 or an empty text. A unit name keeps its first 16 characters,
  * without terminator if it has 16; a comment its first 511. A null text stores nothing.
  * @param[in] text, value, gain, code, factor, mode what to store, with the unit of its field
- * @param[in] channel [0..3]
+ * @param[in] channel sequence entry [0..3], not the number of an input or output; of LEDs, the LED
  * @param[in] index user value [0..23]
  * @return the value, or a pointer to the stored text inside the header
  * @{
@@ -970,13 +1049,13 @@ CORVANTIS_API double ITCGetEpochTime(void);
 CORVANTIS_API char* ITCWriteEpochCom(const char* text);
 /** The comment of the epoch. */
 CORVANTIS_API char* ITCGetEpochCom(void);
-/** Store the unit name of an input. */
+/** Store the unit name of an entry's input. */
 CORVANTIS_API char* ITCWriteInputUnits(const char* text, int32_t channel);
-/** Store the unit name of an output. */
+/** Store the unit name of an entry's output. */
 CORVANTIS_API char* ITCWriteOutputUnits(const char* text, int32_t channel);
-/** Unit name of an input, at most 16 characters. */
+/** Unit name of an entry's input, at most 16 characters. */
 CORVANTIS_API char* ITCGetInputUnits(int32_t channel);
-/** Unit name of an output, at most 16 characters. */
+/** Unit name of an entry's output, at most 16 characters. */
 CORVANTIS_API char* ITCGetOutputUnits(int32_t channel);
 /** Entries of the channel sequence. */
 CORVANTIS_API int32_t ITCGetSegments(void);
@@ -984,15 +1063,15 @@ CORVANTIS_API int32_t ITCGetSegments(void);
 CORVANTIS_API int32_t ITCGetDataPts(void);
 /** One pass of the sequence [µs]. */
 CORVANTIS_API int32_t ITCGetSampInterval(void);
-/** Store gain [V per unit], second value and code of an amplifier. */
+/** Store gain [V per input unit], second value and code of an entry's amplifier. */
 CORVANTIS_API void ITCWriteAmpGain(float gain, float value, int8_t code, int32_t channel);
-/** Store an output's conversion factor [units per volt]. */
+/** Store an entry's conversion factor [output units per volt]. */
 CORVANTIS_API void ITCWriteConvFactor(float factor, int32_t channel);
-/** Conversion factor of an output [units per volt]. */
+/** Conversion factor of an entry [output units per volt]. */
 CORVANTIS_API double ITCGetConvFactor(int32_t channel);
-/** Store an amplifier's mode. */
+/** Store the mode of an entry's amplifier. */
 CORVANTIS_API void ITCWriteAmpMode(int8_t mode, int32_t channel);
-/** Store an output's mean level [DAC codes]. */
+/** Store an entry's mean output level [DAC codes]. */
 CORVANTIS_API void ITCWriteMeanOutput(int32_t value, int32_t channel);
 /** Store a neutral density filter. */
 CORVANTIS_API void ITCWriteNDF(float value, int32_t channel);
@@ -1006,13 +1085,13 @@ CORVANTIS_API void ITCWriteTemperature(float value);
 CORVANTIS_API void ITCWriteDigitalOutput(uint16_t value);
 /** Store the wavelength [nm]. */
 CORVANTIS_API void ITCWriteWavelength(uint16_t value);
-/** #ITCStimulusType of a channel, sign-extended. */
+/** #ITCStimulusType of an entry, sign-extended. */
 CORVANTIS_API int32_t ITCGetStimType(int32_t channel);
 /** @} */
 /**
- * Read a channel's three amplifier settings from the current epoch header.
- * @param[out] gain, value, code `ampGain`, `ampValue` and `ampCode` of the channel
- * @param[in] channel [0..3]; of another, all three are 0
+ * Read an entry's three amplifier settings from the current epoch header.
+ * @param[out] gain, value, code `ampGain`, `ampValue` and `ampCode` of the entry
+ * @param[in] channel sequence entry [0..3]; of another, all three are 0
  */
 CORVANTIS_API void ITCGetAmpSettings(float* gain, float* value, int8_t* code, int32_t channel);
 /**
@@ -1050,8 +1129,10 @@ CORVANTIS_API int32_t ITCOpenFileForEditing(const char* pattern);
  */
 CORVANTIS_API int32_t ITCCloseOpenFile(void);
 /**
- * Free the sample buffers and their handles, the headers, the position table and the slot records
- * (components of sums stay). Closes no file; pointers and #InitFlag keep their values.
+ * End a start-up for reading: free the sample buffers and their handles, which must be blocks from
+ * #ITCMalloc, the headers, the position table, the capacity and the slot records (components of
+ * sums stay). After #ITCInit, whose buffers are the caller's, use #ITCFinish. Closes no file;
+ * pointers and #InitFlag keep their values.
  * @return #ITC_SUCCESS
  */
 CORVANTIS_API int32_t ITCFinishAnalysis(void);
@@ -1078,13 +1159,14 @@ CORVANTIS_API int32_t ITCReadEpochStm(int32_t epoch, uint16_t* destination);
  */
 CORVANTIS_API int32_t ITCReadEpochComment(int32_t epoch, char* destination);
 /**
- * Read a dynamic-clamp channel's conductances, also into fresh #ExcitatoryG and #InhibitoryG
+ * Read a dynamic-clamp entry's conductances, also into fresh #ExcitatoryG and #InhibitoryG
  * arrays; arrays that these pointed to before are not freed.
  * @param[in] epoch [0..numEpochs - 1]
- * @param[in] channel output channel [0..3]
+ * @param[in] channel sequence entry [0..3]
  * @param[out] excitatory `epochPoints` values [nS]
  * @param[out] inhibitory `epochPoints` values [nS]
- * @return #ITC_FILE_ERROR if the epoch cannot be read or the channel is no dynamic clamp;
+ * @return #ITC_FILE_ERROR if the epoch cannot be read or the entry is no dynamic clamp;
+ * #ITC_TOO_LARGE if it has more samples than the buffers hold, whatever the file holds of it;
  * #ITC_OUT_OF_MEMORY; else as #ITCRetrieveEpochStmGClamp
  */
 CORVANTIS_API int32_t ITCReadEpochStmGClamp(int32_t epoch, uint32_t channel, float* excitatory,
@@ -1094,10 +1176,10 @@ CORVANTIS_API int32_t ITCReadEpochStmGClamp(int32_t epoch, uint32_t channel, flo
  * @name Epoch header fields by epoch number
  * Read the epoch's header and stimulus records, which become the current ones, and deliver a field.
  * @param[in] epoch [0..numEpochs - 1]
- * @param[in] channel [0..3]
+ * @param[in] channel sequence entry [0..3]; of LEDs, the LED
  * @param[in] index user value [0..23]
  * @param[out] result the field, in the unit of the header; untouched on failure
- * @return #ITC_SUCCESS; #ITC_NOT_STARTED; #ITC_BAD_ARGUMENT for a channel or index out of range;
+ * @return #ITC_SUCCESS; #ITC_NOT_STARTED; #ITC_BAD_ARGUMENT for an entry or index out of range;
  * #ITC_FILE_ERROR if the epoch cannot be read
  * @{
  */
@@ -1107,17 +1189,17 @@ CORVANTIS_API int32_t ITCGetEpochSegments(int32_t epoch, int32_t* result);
 CORVANTIS_API int32_t ITCGetEpochSize(int32_t epoch, int32_t* result);
 /** One pass of the sequence [µs]. */
 CORVANTIS_API int32_t ITCGetSamplingInterval(int32_t epoch, int32_t* result);
-/** Amplifier gain of a channel [V per unit]. */
+/** Amplifier gain of an entry [V per input unit]. */
 CORVANTIS_API int32_t ITCGetAmpGain(int32_t epoch, int32_t channel, float* result);
-/** Amplifier mode of a channel, a signed byte as a float. */
+/** Amplifier mode of an entry, a signed byte as a float. */
 CORVANTIS_API int32_t ITCGetAmpMode(int32_t epoch, int32_t channel, float* result);
-/** Mean output level of a channel [DAC codes]. */
+/** Mean output level of an entry [DAC codes]. */
 CORVANTIS_API int32_t ITCGetMeanOutput(int32_t epoch, int32_t channel, int32_t* result);
 /** A free value. */
 CORVANTIS_API int32_t ITCGetUserValue(int32_t epoch, int32_t index, float* result);
-/** LED setting of a channel. */
+/** Setting of an LED. */
 CORVANTIS_API int32_t ITCGetLEDSetting(int32_t epoch, int32_t channel, uint16_t* result);
-/** Neutral density filter of a channel. */
+/** Neutral density filter of an entry. */
 CORVANTIS_API int32_t ITCGetNDF(int32_t epoch, int32_t channel, float* result);
 /** Wavelength [nm]. */
 CORVANTIS_API int32_t ITCGetWavelength(int32_t epoch, uint16_t* result);
@@ -1177,19 +1259,20 @@ CORVANTIS_API int32_t ITCGetSegmentForInputChan(int32_t epoch, int32_t channel, 
 
 /**
  * @name Stimulus values by epoch number
- * Read the epoch's header and stimulus records and deliver a value of a channel's record, or of one
- * component when the channel's stimulus is a sum.
+ * Read the epoch's header and stimulus records and deliver a value of a slot's record, or of one
+ * component when it is a sum. A slot beyond the epoch's entries answers from the record that it
+ * holds already, if that is of the type which the header states for it.
  * @param[in] epoch [0..numEpochs - 1]
- * @param[in] channel output channel that the epoch's sequence has
+ * @param[in] channel stimulus slot [0..3], and so sequence entry
  * @param[in] component component of a sum [0..count - 1]; else ignored
  * @param[out] result type code, [DAC codes], [samples] or seed; untouched on failure
  * @return #ITC_SUCCESS; #ITC_FILE_ERROR if the epoch cannot be read, also before a start-up;
- * #ITC_STIMULUS_ERROR if the type has no such value (a seed: type 2 only), or for a channel or
- * component that the epoch has not
+ * #ITC_STIMULUS_ERROR if the type has no such value (a seed: type 2 only), or for a slot or
+ * component without a record
  * @{
  */
-/** #ITCStimulusType of the record; of channels [0..3] that the sequence has not, the header's type.
- */
+/** The header's #ITCStimulusType of any slot [0..3]; of a sum, any of the 256 stored component
+ * types, in use or not. */
 CORVANTIS_API int32_t ITCGetStmType(int32_t epoch, int32_t channel, int32_t component,
                                     int32_t* result);
 /** Amplitude [DAC codes]. */
@@ -1214,16 +1297,16 @@ CORVANTIS_API int32_t ITCGetSeed(int32_t epoch, int32_t channel, int32_t compone
 /**
  * Reversal potential of the excitatory conductance.
  * @param[in] epoch [0..numEpochs - 1]
- * @param[in] channel output channel that the epoch's sequence has
+ * @param[in] channel stimulus slot [0..3], as for the values above
  * @param[out] result [mV]; untouched on failure
  * @return #ITC_SUCCESS; #ITC_FILE_ERROR if the epoch cannot be read; #ITC_STIMULUS_ERROR if the
- * channel is no dynamic clamp
+ * slot holds no dynamic clamp
  */
 CORVANTIS_API int32_t ITCGetGClampERev(int32_t epoch, int32_t channel, float* result);
 /**
  * Reversal potential of the inhibitory conductance, as #ITCGetGClampERev.
  * @param[in] epoch [0..numEpochs - 1]
- * @param[in] channel output channel that the epoch's sequence has
+ * @param[in] channel stimulus slot [0..3], as for the values above
  * @param[out] result [mV]; untouched on failure
  * @return as #ITCGetGClampERev
  */
@@ -1243,7 +1326,8 @@ CORVANTIS_API int32_t ITCStartMsecTimer(void);
 CORVANTIS_API int32_t ITCReadMsecTimer(void);
 /**
  * Wait on the wall clock without sleeping; restarts the stopwatch.
- * @param[in] msec time to wait [ms]; 0 or less returns after one reading
+ * @param[in] msec time to wait [ms, at most 2147483]; 0 or less returns after one reading, and a
+ * time beyond 2147483 ms, which the stopwatch never shows, waits for ever
  * @return the time that ended the wait [ms]
  */
 CORVANTIS_API uint32_t ITCWaitMsec(int32_t msec);
@@ -1257,7 +1341,10 @@ CORVANTIS_API uint32_t ITCWaitMsec(int32_t msec);
 CORVANTIS_API int32_t timeval_subtract(struct timeval* result, const struct timeval* x,
                                        struct timeval* y);
 /**
- * Turn a colon-separated classic Mac path, volume first, into the POSIX path of the same file.
+ * Turn a colon-separated classic Mac path, volume first, into the POSIX path of the same file. On a
+ * Mac the system does it. Elsewhere a volume is looked for as the folder /Volumes/NAME, and one
+ * that is not there is taken as "/"; a path that begins with a colon is relative and has no volume,
+ * an empty name climbs one folder, and a "/" within a name becomes ":". The file need not exist.
  * @param[in] macPath path in Mac OS Roman
  * @param[out] unixPath the result in the same encoding
  * @param[in] size room in unixPath, terminator included [bytes]

@@ -135,11 +135,11 @@ typedef enum ITCStimulusType {
 typedef struct ITCSineParameters {
     int32_t amplitude;   /**< peak amplitude [DAC codes] */
     int32_t mean;        /**< holding level, about which the sine oscillates [DAC codes] */
-    int32_t period;      /**< [samples] */
+    int32_t period;      /**< period of the sine [samples] */
     int32_t phase;       /**< kept and stored; the calculation does not read it */
-    int32_t points;      /**< samples of the sine [samples] */
-    int32_t tailPoints;  /**< samples at the holding level after it [samples] */
-    int32_t prePoints;   /**< samples at the holding level before it [samples] */
+    int32_t points;      /**< length of the sine [samples] */
+    int32_t tailPoints;  /**< at the holding level behind it [samples] */
+    int32_t prePoints;   /**< at the holding level before it [samples] */
     int32_t reserved[3]; /**< kept in memory, zero on file */
 } ITCSineParameters;
 
@@ -151,9 +151,9 @@ typedef struct ITCNoiseParameters {
     int32_t amplitude;       /**< standard deviation [DAC codes] */
     int32_t mean;            /**< holding level [DAC codes] */
     int32_t seed;            /**< 0 or above reproduces its waveform; below 0 continues */
-    int32_t points;          /**< [samples] */
-    int32_t tailPoints;      /**< [samples] */
-    int32_t prePoints;       /**< [samples] */
+    int32_t points;          /**< length of the noise [samples] */
+    int32_t tailPoints;      /**< at the holding level behind it [samples] */
+    int32_t prePoints;       /**< at the holding level before it [samples] */
     int32_t smoothingPoints; /**< window of the older method's moving average [samples] */
     int32_t cutoffFrequency; /**< corner of the low-pass filter [Hz] */
     int32_t filterOrder;     /**< cascaded first-order sections of that filter [>= 0] */
@@ -164,8 +164,8 @@ typedef struct ITCPulseParameters {
     int32_t amplitude;   /**< added to the holding level during the pulse [DAC codes] */
     int32_t mean;        /**< holding level [DAC codes] */
     int32_t points;      /**< length of the pulse [samples] */
-    int32_t tailPoints;  /**< [samples] */
-    int32_t prePoints;   /**< [samples] */
+    int32_t tailPoints;  /**< at the holding level behind it [samples] */
+    int32_t prePoints;   /**< at the holding level before it [samples] */
     int32_t reserved[3]; /**< kept in memory, zero on file */
 } ITCPulseParameters;
 
@@ -174,8 +174,8 @@ typedef struct ITCRampParameters {
     int32_t amplitude;   /**< rise over the points [DAC codes] */
     int32_t mean;        /**< holding level, from which the ramp starts [DAC codes] */
     int32_t points;      /**< length of the ramp [samples] */
-    int32_t tailPoints;  /**< [samples] */
-    int32_t prePoints;   /**< [samples] */
+    int32_t tailPoints;  /**< at the holding level behind it [samples] */
+    int32_t prePoints;   /**< at the holding level before it [samples] */
     int32_t reserved[3]; /**< kept in memory, zero on file */
 } ITCRampParameters;
 
@@ -187,11 +187,11 @@ typedef struct ITCFilewaveParameters {
 
 /** Generic stimulus: stored with the epoch, not computed by the library. */
 typedef struct ITCGenericParameters {
-    int32_t amplitude;   /**< [DAC codes] */
-    int32_t mean;        /**< [DAC codes] */
-    int32_t points;      /**< [samples] */
-    int32_t tailPoints;  /**< [samples] */
-    int32_t prePoints;   /**< [samples] */
+    int32_t amplitude;   /**< as the application means it [DAC codes] */
+    int32_t mean;        /**< holding level [DAC codes] */
+    int32_t points;      /**< length of the stimulus [samples] */
+    int32_t tailPoints;  /**< at the holding level behind it [samples] */
+    int32_t prePoints;   /**< at the holding level before it [samples] */
     int32_t reserved[3]; /**< kept in memory, zero on file */
 } ITCGenericParameters;
 
@@ -218,9 +218,9 @@ typedef struct ITCSegmentedNoiseParameters {
     int32_t amplitude;     /**< standard deviation of the levels [DAC codes] */
     int32_t mean;          /**< holding level [DAC codes] */
     int32_t seed;          /**< 0 or above reproduces its waveform; below 0 continues */
-    int32_t points;        /**< [samples] */
-    int32_t tailPoints;    /**< [samples] */
-    int32_t prePoints;     /**< [samples] */
+    int32_t points;        /**< length of the noise [samples] */
+    int32_t tailPoints;    /**< at the holding level behind it [samples] */
+    int32_t prePoints;     /**< at the holding level before it [samples] */
     int32_t segmentPoints; /**< length of a segment [samples, not 0] */
     int32_t reserved[3];   /**< kept in memory, zero on file */
 } ITCSegmentedNoiseParameters;
@@ -230,9 +230,9 @@ typedef struct ITCBinaryNoiseParameters {
     int32_t amplitude;     /**< magnitude of the levels [DAC codes] */
     int32_t mean;          /**< holding level [DAC codes] */
     int32_t seed;          /**< 0 or above reproduces its waveform; below 0 continues */
-    int32_t points;        /**< [samples] */
-    int32_t tailPoints;    /**< [samples] */
-    int32_t prePoints;     /**< [samples] */
+    int32_t points;        /**< length of the noise [samples] */
+    int32_t tailPoints;    /**< at the holding level behind it [samples] */
+    int32_t prePoints;     /**< at the holding level before it [samples] */
     int32_t segmentPoints; /**< length of a segment [samples, not 0] */
     int32_t reserved[3];   /**< kept in memory, zero on file */
 } ITCBinaryNoiseParameters;
@@ -250,19 +250,19 @@ typedef struct ITCCirclePulseParameters {
     int32_t value2;     /**< kept as given */
     int32_t tripleA[3]; /**< kept as given */
     int32_t tripleB[3]; /**< kept as given */
-    int32_t points;     /**< [samples] */
-    int32_t tailPoints; /**< [samples] */
-    int32_t prePoints;  /**< [samples] */
+    int32_t points;     /**< length of the stimulus [samples] */
+    int32_t tailPoints; /**< at the holding level behind it [samples] */
+    int32_t prePoints;  /**< at the holding level before it [samples] */
 } ITCCirclePulseParameters;
 
 /** Alternating voltage: mean and mean + amplitude in turn, halfPeriod samples each. */
 typedef struct ITCAlternateVoltageParameters {
-    int32_t halfPeriod;  /**< samples at each level [samples, not 0] */
+    int32_t halfPeriod;  /**< at each level [samples, not 0] */
     int32_t amplitude;   /**< added to the mean on the second level [DAC codes] */
     int32_t mean;        /**< first level, and the holding level [DAC codes] */
-    int32_t points;      /**< [samples] */
-    int32_t tailPoints;  /**< [samples] */
-    int32_t prePoints;   /**< [samples] */
+    int32_t points;      /**< length of the alternation [samples] */
+    int32_t tailPoints;  /**< at the holding level behind it [samples] */
+    int32_t prePoints;   /**< at the holding level before it [samples] */
     int32_t reserved[3]; /**< kept in memory, zero on file */
 } ITCAlternateVoltageParameters;
 
@@ -279,12 +279,12 @@ typedef struct ITCFileHeader {
     int8_t version;                       /**< format version [1..8] */
     uint8_t padding0[3];                  /**< zero on file */
     int32_t fileLongA;                    /**< spare; kept as it stands */
-    char fileComment[ITC_COMMENT_LENGTH]; /**< text, terminated within the field */
+    char fileComment[ITC_COMMENT_LENGTH]; /**< comment on the whole file, terminated within */
     int8_t fileFlagA;                     /**< 1; kept as it stands */
     int8_t fileFlagB;                     /**< 2; kept as it stands */
     uint8_t padding1[2];                  /**< zero on file */
-    float inputScale;                     /**< 3200 [converter counts per volt] */
-    float outputScale;                    /**< 3200 [converter counts per volt] */
+    float inputScale;                     /**< scale of the inputs, 3200 [counts/V] */
+    float outputScale;                    /**< scale of the outputs, 3200 [counts/V] */
     int8_t pipelineDepth;                 /**< the device's pipeline length, 5 [samples] */
     uint8_t padding2[3];                  /**< zero on file */
     int32_t numEpochs;                    /**< epochs in the file */
@@ -300,34 +300,34 @@ typedef struct ITCFileHeader {
 
 /** An epoch's header: 912 bytes in memory and, big-endian, at the start of each epoch. */
 typedef struct ITCEpochHeader {
-    float epochTime;                        /**< time of the epoch, as the caller counts */
-    char epochComment[ITC_COMMENT_LENGTH];  /**< text, terminated within the field */
-    float ampGain[ITC_CHANNELS];            /**< amplifier gain per entry [V per input unit] */
-    float ampValue[ITC_CHANNELS];           /**< second amplifier value per entry */
-    float convFactor[ITC_CHANNELS];         /**< output units per volt, per entry */
-    int8_t ampCode[ITC_CHANNELS];           /**< amplifier code per entry */
-    int8_t acqSettingB;                     /**< second acquisition setting */
-    uint8_t padding0[3];                    /**< zero on file */
-    int32_t samplingInterval;               /**< one pass of the sequence [µs] */
-    int32_t epochPoints;                    /**< points per sequence entry [samples] */
-    int32_t sequenceLength;                 /**< entries of the channel sequence [1..4] */
-    uint32_t channelSequence[ITC_CHANNELS]; /**< device word of each sequence entry */
-    int8_t spareChannelBytes[ITC_CHANNELS]; /**< never set by the library */
-    int8_t acqSettingA;                     /**< first acquisition setting */
-    int8_t stimType[ITC_CHANNELS];          /**< #ITCStimulusType per entry */
-    char outputUnits[ITC_CHANNELS][ITC_UNITS_LENGTH]; /**< unit name of each entry's output */
-    char inputUnits[ITC_CHANNELS][ITC_UNITS_LENGTH];  /**< unit name of each entry's input */
-    int8_t ampMode[ITC_CHANNELS];                     /**< amplifier mode per entry */
+    float epochTime;                       /**< time of the epoch, as the application counts */
+    char epochComment[ITC_COMMENT_LENGTH]; /**< comment on the epoch, terminated within */
+    float ampGain[ITC_CHANNELS];           /**< amplifier gain of each entry's input [V/unit] */
+    float ampValue[ITC_CHANNELS];          /**< second amplifier value of each entry */
+    float convFactor[ITC_CHANNELS]; /**< conversion factor of each entry's output [units/V] */
+    int8_t ampCode[ITC_CHANNELS];   /**< amplifier code of each entry */
+    int8_t acqSettingB;             /**< second acquisition setting */
+    uint8_t padding0[3];            /**< zero on file */
+    int32_t samplingInterval;       /**< one pass of the sequence [µs] */
+    int32_t epochPoints;            /**< points of each sequence entry [samples] */
+    int32_t sequenceLength;         /**< length of the channel sequence [entries, 1..4] */
+    uint32_t channelSequence[ITC_CHANNELS];           /**< device word of each sequence entry */
+    int8_t spareChannelBytes[ITC_CHANNELS];           /**< never set by the library */
+    int8_t acqSettingA;                               /**< first acquisition setting */
+    int8_t stimType[ITC_CHANNELS];                    /**< #ITCStimulusType of each entry */
+    char outputUnits[ITC_CHANNELS][ITC_UNITS_LENGTH]; /**< unit name of each entry's stimulus */
+    char inputUnits[ITC_CHANNELS][ITC_UNITS_LENGTH];  /**< unit name of each entry's response */
+    int8_t ampMode[ITC_CHANNELS];                     /**< amplifier mode of each entry */
     uint8_t padding1[3];                              /**< zero on file */
-    int32_t meanOutput[ITC_CHANNELS];                 /**< mean output level [DAC codes] */
-    float temperature;                                /**< [°C] */
-    uint16_t digitalOutput;                           /**< digital output word */
-    uint16_t wavelength;                              /**< [nm] */
-    float ndf[ITC_CHANNELS];                          /**< neutral density filter per entry */
-    uint16_t ledSetting[ITC_CHANNELS];                /**< setting of each LED */
-    float userValue[ITC_USER_VALUES];                 /**< free values of the experimenter */
-    uint16_t pointsLatency;                           /**< dynamic-clamp latency [samples] */
-    uint8_t reserved[22];                             /**< zero on file */
+    int32_t meanOutput[ITC_CHANNELS];  /**< mean output level of each entry [DAC codes] */
+    float temperature;                 /**< temperature [°C] */
+    uint16_t digitalOutput;            /**< digital output word */
+    uint16_t wavelength;               /**< wavelength [nm] */
+    float ndf[ITC_CHANNELS];           /**< neutral density filter of each entry */
+    uint16_t ledSetting[ITC_CHANNELS]; /**< setting of each LED */
+    float userValue[ITC_USER_VALUES];  /**< free values of the experimenter */
+    uint16_t pointsLatency;            /**< dynamic-clamp latency [samples] */
+    uint8_t reserved[22];              /**< zero on file */
 } ITCEpochHeader;
 
 /* ---- State ------------------------------------------------------------------------------ */

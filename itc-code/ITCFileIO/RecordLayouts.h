@@ -28,7 +28,7 @@ constexpr void Describe(auto& visit, OneOf<ITCFileHeader> auto& r) {
     visit(r.version, {"version", kNoUnit, "format version"});
     visit.Zeros(3);
     visit(r.fileLongA, {"fileLongA", kNoUnit, "spare; kept as it stands"});
-    visit(r.fileComment, {"fileComment", kNoUnit, "comment on the whole file"});
+    visit(r.fileComment, {"fileComment", kNoUnit, "comment on the whole file, terminated within"});
     visit(r.fileFlagA, {"fileFlagA", kNoUnit, "1; kept as it stands"});
     visit(r.fileFlagB, {"fileFlagB", kNoUnit, "2; kept as it stands"});
     visit.Zeros(2);
@@ -50,7 +50,7 @@ constexpr void Describe(auto& visit, OneOf<ITCFileHeader> auto& r) {
 
 constexpr void Describe(auto& visit, OneOf<ITCEpochHeader> auto& r) {
     visit(r.epochTime, {"epochTime", kNoUnit, "time of the epoch, as the application counts"});
-    visit(r.epochComment, {"epochComment", kNoUnit, "comment on the epoch"});
+    visit(r.epochComment, {"epochComment", kNoUnit, "comment on the epoch, terminated within"});
     visit(r.ampGain, {"ampGain", "V/unit", "amplifier gain of each entry's input"});
     visit(r.ampValue, {"ampValue", kNoUnit, "second amplifier value of each entry"});
     visit(r.convFactor, {"convFactor", "units/V", "conversion factor of each entry's output"});
@@ -73,7 +73,7 @@ constexpr void Describe(auto& visit, OneOf<ITCEpochHeader> auto& r) {
     visit(r.digitalOutput, {"digitalOutput", kNoUnit, "digital output word"});
     visit(r.wavelength, {"wavelength", "nm", "wavelength"});
     visit(r.ndf, {"ndf", kNoUnit, "neutral density filter of each entry"});
-    visit(r.ledSetting, {"ledSetting", kNoUnit, "LED setting of each entry"});
+    visit(r.ledSetting, {"ledSetting", kNoUnit, "setting of each LED"});
     visit(r.userValue, {"userValue", kNoUnit, "free values of the experimenter"});
     visit(r.pointsLatency, {"pointsLatency", kSamples, "dynamic-clamp latency"});
     visit.Zeros(22);

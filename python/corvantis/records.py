@@ -12,7 +12,7 @@ class FileHeader:
 
     version: Int8  #: format version
     fileLongA: Int32  #: spare; kept as it stands
-    fileComment: Comment  #: comment on the whole file
+    fileComment: Comment  #: comment on the whole file, terminated within
     fileFlagA: Int8  #: 1; kept as it stands
     fileFlagB: Int8  #: 2; kept as it stands
     inputScale: Float  #: scale of the inputs, 3200 [counts/V]
@@ -32,7 +32,7 @@ class EpochHeader:
     """Header of one epoch; arrays of four are by entry."""
 
     epochTime: Float  #: time of the epoch, as the application counts
-    epochComment: Comment  #: comment on the epoch
+    epochComment: Comment  #: comment on the epoch, terminated within
     ampGain: Floats4  #: amplifier gain of each entry's input [V/unit]
     ampValue: Floats4  #: second amplifier value of each entry
     convFactor: Floats4  #: conversion factor of each entry's output [units/V]
@@ -53,7 +53,7 @@ class EpochHeader:
     digitalOutput: UInt16  #: digital output word
     wavelength: UInt16  #: wavelength [nm]
     ndf: Floats4  #: neutral density filter of each entry
-    ledSetting: UInt16s4  #: LED setting of each entry
+    ledSetting: UInt16s4  #: setting of each LED
     userValue: Floats24  #: free values of the experimenter
     pointsLatency: UInt16  #: dynamic-clamp latency [samples]
 

@@ -133,7 +133,8 @@ def declared_fields(header: str, record: str) -> dict[str, str]:
     body = re.search(rf"typedef struct {record} {{(.*?)}} {record};", header, re.DOTALL)
     found = re.findall(r"(\w+)(?:\[\w+\])*;\s*/\*\*<\s*(.*?)\s*\*/", body[1] if body else "",
                        re.DOTALL)
-    return {name: re.sub(r"\s+", " ", comment) for name, comment in found}
+    return {name: re.sub(r"\s+", " ", comment).replace("#ITCStimulusType", "stimulus type")
+            for name, comment in found}
 
 
 def check_header(described: Described) -> list[str]:

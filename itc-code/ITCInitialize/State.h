@@ -24,6 +24,10 @@ ITCEpochHeader& CurrentEpochHeader();
 bool HasFileHeader();
 bool HasEpochHeader();
 
+void SetFileHeaderDefaults(ITCFileHeader& header);
+// The same for a header that nobody has set: no file may say nothing of its version and scales.
+void FillBlankFileHeader();
+
 // A sample buffer of the caller, or null if there is none (any more).
 uint16_t* InputSamples();
 uint16_t* OutputSamples();

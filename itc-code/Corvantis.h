@@ -398,7 +398,8 @@ CORVANTIS_API extern const uint32_t pipelineLength;
 CORVANTIS_API int32_t ITCInit(uint16_t** inputBuffer, uint16_t** outputBuffer,
                               const int32_t* bufsize, int32_t deviceNumber);
 /**
- * Start the library without a device, for reading files. Prints nothing, sets no header defaults.
+ * Start the library without a device, for reading files. Prints nothing, sets no header defaults
+ * (#ITCCreateFile sets them in a file header that is still blank).
  * #ITCFinishAnalysis releases both handles and both buffers: each must be a block from #ITCMalloc,
  * never an array of the caller, which would end the program there. #ITCInitializeAnalysis takes
  * such blocks by itself; whoever has buffers of another kind ends with #ITCFinish instead.

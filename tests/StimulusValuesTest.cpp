@@ -109,7 +109,6 @@ TEST_F(AnalysisTest, StimulusValues) {
           EpochCase{1, 1, 2, -600, 32768, 41, 61, 51, -9},
           EpochCase{1, 4, 14, none, none, none, none, none, none},
           EpochCase{3, -7, 13, -3, 70000, 5, 7, 6, none},
-          EpochCase{1, 5, 0, {}, {}, {}, {}, {}, {}},
           EpochCase{1, 255, -128, {}, {}, {}, {}, {}, {}},
           EpochCase{1, 256, {}, {}, {}, {}, {}, {}, {}},
           EpochCase{1, -1, {}, {}, {}, {}, {}, {}, {}}, EpochCase{4, 0, {}, {}, {}, {}, {}, {}, {}},

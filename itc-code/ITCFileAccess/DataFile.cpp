@@ -195,6 +195,7 @@ void DiscardUnwritten(FILE* stream) {
 int32_t ITCCreateFile(const char* pattern, int32_t overwrite) {
     using namespace corvantis;
     if (!OpenPattern(pattern, overwrite == 0 ? kCreating : kReplacing)) return ITC_FILE_ERROR;
+    FillBlankFileHeader();
     // Flushed at once: a disk without room is known before the first epoch, not after it.
     if (!StoreFileHeader(ITCOpenFilePtr)) {
         ITCCloseFile();

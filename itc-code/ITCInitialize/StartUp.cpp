@@ -3,7 +3,6 @@
 
 #include "Corvantis.h"
 #include "ITC18.h"
-#include "ITCFileIO/StimulusTypes.h"
 #include "ITCInitialize/EpochTable.h"
 #include "ITCInitialize/SlotBlocks.h"
 #include "ITCInitialize/State.h"
@@ -13,7 +12,6 @@
 namespace corvantis {
 namespace {
 
-constexpr float kCountsPerVolt = 3200.0F;
 constexpr int32_t kDefaultDeviceInterval = 10;
 
 bool AllocateDevice() {
@@ -21,25 +19,6 @@ bool AllocateDevice() {
     if (structure == nullptr) return false;
     itc = structure;
     return true;
-}
-
-void SetFileHeaderDefaults(ITCFileHeader& header) {
-    header.version = ITC_FILE_VERSION;
-    header.fileFlagA = 1;
-    header.fileFlagB = 2;
-    header.inputScale = kCountsPerVolt;
-    header.outputScale = kCountsPerVolt;
-    header.pipelineDepth = static_cast<int8_t>(kPipelineLength);
-    header.numEpochs = 0;
-    header.offset = 0.0F;
-    header.fileFlagC = 2;
-    header.fileFlagD = 1;
-}
-
-// Before the device is opened, which may fail: no file may be made with a header that says nothing
-// of its version and scales.
-void FillBlankFileHeader() {
-    if (filehdr->version == 0 && filehdr->inputScale == 0.0F) SetFileHeaderDefaults(*filehdr);
 }
 
 bool RenewState() {

@@ -1,6 +1,7 @@
 // The exported state and the bookkeeping of its blocks.
 #include "ITCInitialize/State.h"
 
+#include "ITCFileIO/StimulusTypes.h"
 #include "ITCInitialize/EpochTable.h"
 #include "ITCInitialize/SlotBlocks.h"
 #include "ITCUtilities/Memory.h"
@@ -21,6 +22,8 @@ float* InhibitoryG = nullptr;
 
 namespace corvantis {
 namespace {
+
+constexpr float kCountsPerVolt = 3200.0F;
 
 // What a global still points to although the library has released it.
 const void* releasedFileHeader = nullptr;
@@ -65,6 +68,24 @@ void ReleaseSamples(uint16_t** handle, const void* released) { ITCFree(Samples(h
 
 bool HasFileHeader() { return IsLive(filehdr, releasedFileHeader); }
 bool HasEpochHeader() { return IsLive(epochhdr, releasedEpochHeader); }
+
+void SetFileHeaderDefaults(ITCFileHeader& header) {
+    header.version = ITC_FILE_VERSION;
+    header.fileFlagA = 1;
+    header.fileFlagB = 2;
+    header.inputScale = kCountsPerVolt;
+    header.outputScale = kCountsPerVolt;
+    header.pipelineDepth = static_cast<int8_t>(kPipelineLength);
+    header.numEpochs = 0;
+    header.offset = 0.0F;
+    header.fileFlagC = 2;
+    header.fileFlagD = 1;
+}
+
+void FillBlankFileHeader() {
+    ITCFileHeader& header = CurrentFileHeader();
+    if (header.version == 0 && header.inputScale == 0.0F) SetFileHeaderDefaults(header);
+}
 
 bool IsStarted() { return InitFlag != 0 && HasFileHeader() && HasEpochHeader(); }
 

@@ -27,6 +27,10 @@ bool HasEpochHeader();
 // What the current headers say about waveforms.
 EpochSettings CurrentEpochSettings();
 
+void SetFileHeaderDefaults(ITCFileHeader& header);
+// The same for a header that nobody has set: no file may say nothing of its version and scales.
+void FillBlankFileHeader();
+
 // A sample buffer of the caller, or null if there is none (any more).
 uint16_t* InputSamples();
 uint16_t* OutputSamples();

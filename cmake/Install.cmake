@@ -3,14 +3,17 @@ include(CMakePackageConfigHelpers)
 
 set(PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/Corvantis)
 set(INSTALLED_TARGETS Corvantis)
+set(PKGCONFIG_MODULES corvantis)
 if(NOT ITC18_DRIVER)
     list(APPEND INSTALLED_TARGETS ITC18)
+    list(APPEND PKGCONFIG_MODULES corvantis-simulator)
+    set_target_properties(ITC18 PROPERTIES EXPORT_NAME Simulator)
     install(FILES driver/ITC18.h driver/simulator/ITC18Simulator.h
             DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 endif()
 
 install(TARGETS ${INSTALLED_TARGETS} EXPORT CorvantisTargets
-        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library)
 install(FILES itc-code/Corvantis.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT CorvantisTargets NAMESPACE Corvantis:: DESTINATION ${PACKAGE_DIR})
 
@@ -25,8 +28,13 @@ install(FILES ${PROJECT_BINARY_DIR}/CorvantisConfig.cmake
 file(RELATIVE_PATH PKGCONFIG_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 cmake_path(APPEND PKGCONFIG_LIBDIR "\${prefix}" ${CMAKE_INSTALL_LIBDIR})
 cmake_path(APPEND PKGCONFIG_INCLUDEDIR "\${prefix}" ${CMAKE_INSTALL_INCLUDEDIR})
-configure_file(cmake/corvantis.pc.in corvantis.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/corvantis.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+foreach(module ${PKGCONFIG_MODULES})
+    configure_file(cmake/${module}.pc.in ${module}.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/${module}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()
+
+# Where Debian looks for it.
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/corvantis RENAME copyright)
 
 # For the system's own Python; a wheel carries the library inside instead.
 install(DIRECTORY python/corvantis DESTINATION lib/python3/dist-packages
@@ -36,7 +44,7 @@ install(PROGRAMS python/bin/corvantis-plot python/bin/corvantis-families
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME corvantis)
-set(CPACK_PACKAGE_CONTACT "Corvantis maintainers <maintainers@corvantis.invalid>")
+set(CPACK_PACKAGE_CONTACT "The Corvantis developers <maintainers@corvantis.invalid>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)

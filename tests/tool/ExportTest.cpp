@@ -22,7 +22,7 @@ class ExportTest : public ToolTest {
 // The pulse: 1000 counts for two points after one of -5.
 TEST_F(ExportTest, GivesSecondsWithVoltsCountsOrUnits) {
     const std::pair<std::string, std::string> exports[] = {
-        {" --stimulus",
+        {" --volts --stimulus",
          "time_s,response0_V,response1_V,stimulus0_V,stimulus1_V\n"
          "0,1,0.0003125,-0.0015625,-0.0015625\n"
          "0.0002,0,0.000625,0.3109375,0.3109375\n"
@@ -34,7 +34,7 @@ TEST_F(ExportTest, GivesSecondsWithVoltsCountsOrUnits) {
          "0.0002,0,2,995,995\n"
          "0.0004,-3200,3,995,995\n"
          "0.0006,1600,4,-5,-5\n"},
-        {" --units --stimulus",
+        {" --stimulus",
          "time_s,response0_mV,response1_V,stimulus0_pA,stimulus1_V\n"
          "0,2,0.0003125,-0.15625,-0.0015625\n"
          "0.0002,0,0.000625,31.093749999999996,0.3109375\n"

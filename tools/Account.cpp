@@ -9,6 +9,13 @@ namespace {
 
 constexpr int64_t kTablePiece = 4096;
 
+// Whether the epoch that the last value leads to ends where the table begins.
+bool LeadsTo(const DataFile& file, uint32_t last, int64_t table) {
+    EpochReading reading = ReadEpochAt(file, last);
+    const bool hasEnd = reading.condition <= Condition::kNoEntries;
+    return hasEnd ? reading.place.end == table : EndsAt(reading, table);
+}
+
 bool IsBefore(const Landmark& landmark, int64_t start) { return landmark.start < start; }
 
 }  // namespace
@@ -18,6 +25,7 @@ Account::Account(const DataFile& file)
     if (count_ == 0) place_ = kFirstEpoch;  // whatever the header of an empty file says
     hasPlace_ = count_ >= 0 && place_ >= kFirstEpoch && place_ <= file.Size();
     table_ = ReadTable(file);
+    if (table_.empty()) FindTableAtEnd(file);
     for (size_t i = 0; i < table_.size(); ++i) {
         landmarks_.push_back({table_[i], static_cast<int64_t>(i)});
     }
@@ -37,6 +45,30 @@ std::vector<uint32_t> Account::ReadTable(const DataFile& file) const {
         table.insert(table.end(), piece.begin(), piece.end());
     }
     return table;
+}
+
+// Backwards from the end of the file, for as long as its words can be values of a table.
+void Account::FindTableAtEnd(const DataFile& file) {
+    std::vector<uint32_t> backwards;
+    for (int64_t end = file.Size(); end >= kFirstEpoch;) {
+        const int64_t count = std::min((end - kFirstEpoch) / kPositionSize, kTablePiece);
+        end -= kPositionSize * count;
+        const std::vector<uint32_t> piece = file.Positions(end, count);
+        for (auto value = piece.rbegin(); value != piece.rend(); ++value) {
+            const bool fits = backwards.empty() || *value <= backwards.back();
+            if (!fits || *value < kFirstEpoch || *value >= file.Size()) return;
+            backwards.push_back(*value);
+            const auto entries = static_cast<int64_t>(backwards.size());
+            const int64_t place = file.Size() - kPositionSize * entries;
+            if (*value != kFirstEpoch || !LeadsTo(file, backwards.front(), place)) continue;
+            table_.assign(backwards.rbegin(), backwards.rend());
+            count_ = entries;
+            place_ = place;
+            hasPlace_ = true;
+            return;
+        }
+        if (count < kTablePiece) return;
+    }
 }
 
 std::optional<int64_t> Account::NumberAt(int64_t position, int64_t shift) const {

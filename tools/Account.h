@@ -21,7 +21,8 @@ class Account {
   public:
     explicit Account(const DataFile& file);
 
-    // Whether the header leads to a place within the file.
+    // Whether the header leads to a place within the file, or a whole table ends the file although
+    // the header leads elsewhere.
     bool HasPlace() const { return hasPlace_; }
     int64_t Place() const { return place_; }
     int64_t Count() const { return count_; }
@@ -39,6 +40,7 @@ class Account {
 
   private:
     std::vector<uint32_t> ReadTable(const DataFile& file) const;
+    void FindTableAtEnd(const DataFile& file);
 
     int64_t count_;
     int64_t place_;

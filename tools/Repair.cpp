@@ -191,6 +191,12 @@ Account WriteRepaired(const DataFile& file, const Survey& survey, const RepairOp
              fmt::format("an unfinished epoch, {} of {} points can be had: {}", last.wholePoints,
                          last.place.points, Why(last.mismatch))});
     }
+    if (const int64_t known = survey.numbers + (survey.unfinished ? 1 : 0);
+        known < NumbersOf(file, survey)) {
+        account.dropped.push_back({file.Size(), file.Size(),
+                                   fmt::format("the file ends before {} epochs that it counts",
+                                               NumbersOf(file, survey) - known)});
+    }
     output.Finish();
     return account;
 }

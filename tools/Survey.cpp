@@ -52,28 +52,29 @@ class Walk {
     int64_t NextNumber() const { return survey_.epochs.empty() ? 0 : LastNumber() + 1; }
     int64_t LastNumber() const { return survey_.epochs.back().number; }
 
-    // The usual file: the epochs end to end from the first to the place in the header, or to their
-    // whole table at the end of the file. Nothing that such epochs hold can lead astray.
+    // The usual file: the epochs end to end from the first to the table's place. Nothing that such
+    // epochs hold can lead astray.
     bool FollowAccount() {
-        while (!IsAtExactEnd()) {
-            if (account_.HasPlace() && position_ == account_.Place()) return IsAsCounted();
+        if (!account_.HasPlace()) return false;
+        while (position_ < account_.Place()) {
             progress_.Reach(position_);
             EpochReading reading = ReadEpochAt(file_, position_);
             if (account_.HasTable()) EndsAt(reading, account_.Next(position_, shift_).start);
-            if (IsUnreadable(reading)) return false;
+            if (IsUnreadable(reading) || IsBlank(reading)) return false;
             Keep(reading);
         }
-        account_.Number(survey_.epochs);
-        return true;
+        return position_ == account_.Place() && IsAsCounted();
+    }
+
+    // A lost block of zeros; an epoch has an interval, unless the table leads to it.
+    bool IsBlank(const EpochReading& reading) const {
+        return reading.condition == Condition::kNoEntries &&
+               reading.content.header.samplingInterval == 0 &&
+               !account_.NumberAt(position_, shift_);
     }
 
     static bool IsUnreadable(const EpochReading& reading) {
         return reading.condition > Condition::kUnknownType || reading.place.end == 0;
-    }
-
-    bool IsAtExactEnd() const {
-        return Count() > 0 && position_ + kPositionSize * Count() == file_.Size() &&
-               IsExactTable(file_, position_, survey_.epochs);
     }
 
     // While a save writes the header, its count or its place may be one save ahead of the other.
@@ -277,6 +278,8 @@ class Walk {
         const int64_t room = (file_.Size() - survey_.tablePosition) / kPositionSize;
         const bool believable = recordedHere && counted >= Count() && counted <= room;
         survey_.tableEntries = believable ? counted : Count();
+        const bool isAccounted = account_.HasTable() && position_ == account_.Place();
+        if (isAccounted) survey_.tableEntries = account_.Count();
         if (Count() == 1 && room > 1) SayIfInDoubt();
         const int64_t end = survey_.tablePosition + kPositionSize * survey_.tableEntries;
         if (end < file_.Size()) {

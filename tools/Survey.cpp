@@ -92,7 +92,7 @@ class Walk {
 
     bool IsAtTable() const {
         const bool isHere = account_.HasPlace() && position_ == account_.Place();
-        if (isHere && account_.HasTable()) return true;
+        if (account_.HasTable()) return isHere;
         if (isHere && Count() > 1 && (IsTable(file_, position_, Count()) || IsDamagedTable())) {
             return true;
         }
@@ -123,7 +123,7 @@ class Walk {
 
     // Where the next epoch begins, or the table.
     int64_t EndOfUnknown(const EpochReading& reading) const {
-        if (const auto next = NextSound()) return next->start;
+        if (NextSound()) return account_.Next(position_, shift_).start;
         const EpochPlace& place = reading.place;
         const int64_t least =
             position_ + kEpochHeaderSize + int64_t{2} * place.points * place.entries;

@@ -18,7 +18,7 @@ constexpr int64_t kLargeFile = 1'900'000'000;
 std::string Bytes(int64_t count) { return fmt::format("{} bytes", count); }
 
 void CompareHeader(const DataFile& file, const Survey& survey, Findings& findings) {
-    const auto count = static_cast<int64_t>(survey.epochs.size());
+    const int64_t count = survey.numbers;
     const ITCFileHeader& header = file.Header();
     if (header.numEpochs != count) {
         findings.push_back({offsetof(ITCFileHeader, numEpochs), "file header, numEpochs",
@@ -40,37 +40,42 @@ std::string Describe(int64_t found, int64_t expected, int64_t fileSize) {
 
 void CompareTable(const DataFile& file, const Survey& survey, Findings& findings) {
     const int64_t table = survey.tablePosition;
-    const size_t count = survey.epochs.size();
     if (!survey.tableIsWhole) {
         findings.push_back({table, "table of positions", "no whole table",
-                            fmt::format("the positions of {} epochs", count)});
+                            fmt::format("the positions of {} epochs", survey.numbers)});
         return;
     }
-    const std::vector<uint32_t> positions = file.Positions(table, static_cast<int64_t>(count));
-    for (size_t i = 0; i < count && i < positions.size(); ++i) {
-        const int64_t start = survey.epochs[i].start;
-        if (positions[i] == start) continue;
-        findings.push_back({table + kPositionSize * static_cast<int64_t>(i),
+    const std::vector<uint32_t> positions = file.Positions(table, survey.numbers);
+    for (const EpochPlace& epoch : survey.epochs) {
+        const auto i = static_cast<size_t>(epoch.number);
+        if (i >= positions.size() || positions[i] == epoch.start) continue;
+        findings.push_back({table + kPositionSize * epoch.number,
                             fmt::format("table of positions, epoch {}", i),
-                            Describe(positions[i], start, file.Size()),
-                            fmt::format("{}, the epoch's start", start)});
+                            Describe(positions[i], epoch.start, file.Size()),
+                            fmt::format("{}, the epoch's start", epoch.start)});
     }
-    if (survey.tableEntries > static_cast<int64_t>(count)) {
-        findings.push_back({table + kPositionSize * static_cast<int64_t>(count),
-                            "table of positions", fmt::format("{} entries", survey.tableEntries),
-                            fmt::format("{}, one an epoch", count)});
+    if (survey.tableEntries > survey.numbers) {
+        findings.push_back({table + kPositionSize * survey.numbers, "table of positions",
+                            fmt::format("{} entries", survey.tableEntries),
+                            fmt::format("{}, one an epoch", survey.numbers)});
     }
 }
 
 void ReportRest(const DataFile& file, const Survey& survey, Findings& findings) {
     for (const Stretch& stray : survey.strays) {
-        findings.push_back(
-            {stray.begin, fmt::format("{} that belong to nothing", Bytes(stray.end - stray.begin)),
-             stray.mismatch.found, stray.mismatch.expected});
+        const std::string bytes = Bytes(stray.end - stray.begin);
+        findings.push_back({stray.begin,
+                            stray.number ? fmt::format("epoch {}, {}", *stray.number, bytes)
+                                         : fmt::format("{} that belong to nothing", bytes),
+                            stray.mismatch.found, stray.mismatch.expected});
+    }
+    for (const Remark& remark : survey.remarks) {
+        findings.push_back({remark.offset, fmt::format("epoch {}", remark.number),
+                            remark.mismatch.found, remark.mismatch.expected, !remark.isDoubt});
     }
     if (survey.unfinished) {
         const UnfinishedEpoch& last = *survey.unfinished;
-        findings.push_back({last.place.start, fmt::format("epoch {}", survey.epochs.size()),
+        findings.push_back({last.place.start, fmt::format("epoch {}", survey.numbers),
                             fmt::format("{} ({} of {} points)", last.mismatch.found,
                                         last.wholePoints, last.place.points),
                             last.mismatch.expected});
@@ -79,6 +84,12 @@ void ReportRest(const DataFile& file, const Survey& survey, Findings& findings) 
         findings.push_back({kLargeFile, "file size", Bytes(file.Size()),
                             "less than 2 GB, or other readers may lose what lies beyond", true});
     }
+}
+
+void ReportRecording(const DataFile& file, Findings& findings) {
+    if (!file.IsBeingRecorded()) return;
+    findings.push_back({0, "file", "a program that is recording it",
+                        "a recording that is closed, or a save may be under way", true});
 }
 
 struct Outcome {
@@ -90,6 +101,7 @@ Outcome CheckFile(const std::string& path, const CheckOptions& options, const Te
     const DataFile file(path);
     const Survey survey = SurveyFile(file, terminal);
     Findings findings = CompareWithSurvey(file, survey);
+    ReportRecording(file, findings);
     if (options.stimulus) {
         const Findings more = CheckStimuli(file, survey.epochs, terminal);
         findings.insert(findings.end(), more.begin(), more.end());

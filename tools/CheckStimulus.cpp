@@ -3,6 +3,7 @@
 
 #include <fmt/core.h>
 
+#include "NoiseHistory.h"
 #include "Rebuild.h"
 #include "RecordLengths.h"
 #include "StimulusTypes.h"
@@ -33,9 +34,10 @@ class StimulusCheck {
     StimulusCheck(const DataFile& file, const std::vector<EpochPlace>& epochs)
         : file_(file), history_(file, epochs) {}
 
-    void CheckEpoch(size_t number, const EpochPlace& place) {
+    void CheckEpoch(size_t index, const EpochPlace& place) {
         const EpochContent content = ReadEpochAt(file_, place.start).content;
-        const std::string doubt = history_.Doubt(number);
+        const int64_t number = place.number;
+        const std::string doubt = history_.Doubt(index);
         if (!doubt.empty()) {
             findings_.push_back(
                 {place.start, fmt::format("epoch {}, stimulus", number), doubt, kExpected});
@@ -73,9 +75,9 @@ Findings CheckStimuli(const DataFile& file, const std::vector<EpochPlace>& epoch
                       const Terminal& terminal) {
     Progress progress(terminal, "recomputing stimuli", static_cast<int64_t>(epochs.size()));
     StimulusCheck check(file, epochs);
-    for (size_t number = 0; number < epochs.size(); ++number) {
-        progress.Reach(static_cast<int64_t>(number));
-        check.CheckEpoch(number, epochs[number]);
+    for (size_t index = 0; index < epochs.size(); ++index) {
+        progress.Reach(static_cast<int64_t>(index));
+        check.CheckEpoch(index, epochs[index]);
     }
     return check.Take();
 }

@@ -23,7 +23,7 @@ constexpr char kDescription[] = R"(Looks at, checks, repairs and exports data fi
 Epochs are counted from 0. Results go to standard output, messages to standard error.
 
 The exit status is 0 if all is well, 1 if check has findings, repair dropped something or export
-could not rebuild a stimulus, 2 if a file cannot be used or the command line is wrong.
+could not give an epoch or rebuild a stimulus, 2 if a file cannot be used or the command line is wrong.
 
 Any other sub-command X runs the program corvantis-X from the path.)";
 
@@ -32,7 +32,7 @@ constexpr char kExamplesHeading[] = "Examples:\n";
 constexpr char kExamples[] = R"(  $ corvantis info cell5.dat
   $ corvantis check *.dat
   $ corvantis repair cell5.dat -o cell5-repaired.dat
-  $ corvantis export cell5.dat -e 3 --stimulus --units -o a.csv)";
+  $ corvantis export cell5.dat -e 3 --stimulus -o a.csv)";
 
 constexpr char kInfoExamples[] = R"(  The file header and a line per epoch:
     $ corvantis info cell5.dat
@@ -49,12 +49,12 @@ constexpr char kRepairExamples[] = R"(  All complete epochs:
   And what there is of the last one:
     $ corvantis repair cell5.dat -o whole.dat --keep-partial)";
 
-constexpr char kExportExamples[] = R"(  Volts, as CSV on standard output:
+constexpr char kExportExamples[] = R"(  In mV and pA, as CSV on standard output:
     $ corvantis export cell5.dat -e 3
-  mV and pA, with the stimulus:
-    $ corvantis export cell5.dat -e 3 --stimulus --units -o a.csv
-  All epochs, as a-0.npy, a-1.npy and so on:
-    $ corvantis export cell5.dat --all --format npy -o a.npy)";
+  With the stimulus, as an array:
+    $ corvantis export cell5.dat -e 3 --stimulus -o a.npy
+  All epochs, in volts, as a-00.csv, a-01.csv and so on:
+    $ corvantis export cell5.dat --all --volts -o a.csv)";
 
 // Plain enough for people, and in the form that help2man takes for a manual page.
 class HelpFormatter : public CLI::Formatter {
@@ -143,7 +143,7 @@ void AddExport(CLI::App& app, Options& options) {
     ExportOptions& exported = options.exported;
     CLI::App* command = AddCommand(app, options, "export",
                                    "Write epochs as tables: time in seconds, then a column per "
-                                   "sequence entry in volts",
+                                   "sequence entry in its own units",
                                    kExportExamples);
     command->add_option("FILE", exported.file, "Data file")->required()->type_name("");
     auto* epochs =
@@ -151,16 +151,20 @@ void AddExport(CLI::App& app, Options& options) {
     command->add_flag("--all", exported.all, "All epochs")->excludes(epochs);
     command
         ->add_option("--format", exported.format,
-                     "csv, which is the default, or npy, an array of doubles")
+                     "csv, or npy, an array of doubles; else the ending of OUT says which")
         ->check(CLI::IsMember({"csv", "npy"}).description(""))
         ->type_name("FORMAT");
     command
         ->add_option("-o,--output", exported.output,
-                     "File to write; of several epochs each gets one, such as OUT-3.csv")
+                     "File to write, - for standard output; of several epochs each gets one, "
+                     "such as OUT-03.csv")
         ->type_name("OUT");
-    auto* raw = command->add_flag("--raw", exported.raw, "Converter counts instead of volts");
-    command->add_flag("--units", exported.units, "The entries' own units, where the epoch has them")
-        ->excludes(raw);
+    auto* raw = command->add_flag("--raw,--counts", exported.raw, "Converter counts");
+    auto* volts = command->add_flag("--volts", exported.volts, "Volts at the converter");
+    auto* units = command->add_flag("--units")->description(
+        "The entries' own units, as without any of these; volts where there are none");
+    raw->excludes(volts)->excludes(units);
+    volts->excludes(units);
     command->add_flag("--stimulus", exported.stimulus,
                       "Also the recomputed stimuli; of dynamic clamp the conductances");
     command->add_flag("--force", exported.force, "Replace files that exist");

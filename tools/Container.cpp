@@ -40,8 +40,11 @@ class EpochWalk {
         if (Stopped stopped = ReadHeader()) return stopped;
         EpochPlace& place = reading_.place;
         for (int32_t entry = 0; entry < place.entries; ++entry) {
-            if (Stopped stopped = ReadEntry(static_cast<size_t>(entry))) return stopped;
+            Stopped stopped = ReadEntry(static_cast<size_t>(entry));
+            if (stopped && stopped->condition == Condition::kUnknownType) AddUnread();
+            if (stopped) return stopped;
         }
+        if (place.entries == 0) reading_.condition = Condition::kNoEntries;
         place.samples = position_;
         place.end = position_ + int64_t{2} * place.points * place.entries;
         if (place.end > file_.Size()) return Cut(file_, place.start, "its samples");
@@ -59,14 +62,23 @@ class EpochWalk {
         if (header.epochPoints < 0) {
             return Impossible(fmt::format("epochPoints {}", header.epochPoints), "0 or more");
         }
-        // None at all, as in a lost block of zeros, would let the walk wander on.
-        if (header.sequenceLength < 1 || header.sequenceLength > ITC_CHANNELS) {
+        if (header.sequenceLength < 0 || header.sequenceLength > ITC_CHANNELS) {
             return Impossible(fmt::format("sequenceLength {}", header.sequenceLength), "1 to 4");
         }
         reading_.place.points = header.epochPoints;
         reading_.place.entries = header.sequenceLength;
         position_ += kEpochHeaderSize;
         return std::nullopt;
+    }
+
+    // So that there is a stimulus for each entry, even if nothing but its type is known.
+    void AddUnread() {
+        std::vector<Stimulus>& stimuli = reading_.content.stimuli;
+        while (stimuli.size() < static_cast<size_t>(reading_.place.entries)) {
+            Stimulus unread;
+            unread.type = reading_.content.header.stimType[stimuli.size()];
+            stimuli.push_back(unread);
+        }
     }
 
     Stopped ReadEntry(size_t entry) {
@@ -80,6 +92,7 @@ class EpochWalk {
             reading_.place.conductances[entry] = position_;
             position_ += int64_t{2} * static_cast<int64_t>(sizeof(float)) * reading_.place.points;
         }
+        stimulus.isRead = true;
         reading_.content.stimuli.push_back(std::move(stimulus));
         return std::nullopt;
     }
@@ -99,6 +112,7 @@ class EpochWalk {
             component.type = summed.componentType[k];
             const std::string name = fmt::format("componentType[{}]", k);
             if (Stopped stopped = ReadRecord(component, name)) return stopped;
+            component.isRead = true;
             stimulus.components.push_back(component);
         }
         return std::nullopt;
@@ -106,6 +120,11 @@ class EpochWalk {
 
     Stopped ReadRecord(Stimulus& stimulus, const std::string& name) {
         const int32_t type = stimulus.type;
+        if (type > ITC_STIMULUS_SPATIAL) {
+            return Stop{Condition::kUnknownType,
+                        {fmt::format("{} {}: stimulus type {} is not known", name, type, type),
+                         "a type from 1 to 14"}};
+        }
         if (!IsSimpleType(type)) {
             return Impossible(fmt::format("{} {}", name, type), "a type from 1 to 14");
         }
@@ -133,8 +152,20 @@ EpochReading ReadEpochAt(const DataFile& file, int64_t start) {
     if (Stopped stopped = EpochWalk(file, reading).Follow()) {
         reading.condition = stopped->condition;
         reading.mismatch = stopped->mismatch;
+    } else if (reading.condition == Condition::kNoEntries) {
+        reading.mismatch = {"sequenceLength 0", "1 to 4"};
     }
     return reading;
+}
+
+bool EndsAt(EpochReading& reading, int64_t end) {
+    EpochPlace& place = reading.place;
+    const int64_t samples = end - int64_t{2} * place.points * place.entries;
+    if (reading.condition != Condition::kUnknownType) return false;
+    if (samples < place.start + kEpochHeaderSize) return false;
+    place.samples = samples;
+    place.end = end;
+    return true;
 }
 
 }  // namespace corvantis

@@ -13,6 +13,8 @@
 namespace corvantis {
 
 struct EpochPlace {
+    // In the table of positions, whatever became of the epochs before it.
+    int64_t number = 0;
     int64_t start = 0;
     int64_t samples = 0;
     int64_t end = 0;
@@ -27,6 +29,7 @@ struct EpochPlace {
 // A stimulus record of any type but the sum; of a sum its components.
 struct Stimulus {
     int32_t type = 0;
+    bool isRead = false;  // not behind a record of unknown length
     alignas(std::max_align_t) std::array<std::byte, 64> record = {};
     std::vector<Stimulus> components;
 };
@@ -43,18 +46,24 @@ struct Mismatch {
 
 enum class Condition {
     kWhole,
-    kCut,        // the file ends before the epoch does
-    kImpossible  // no epoch, or a damaged one
+    kNoEntries,    // whole, or a lost block of zeros: only what accounts for it can tell
+    kUnknownType,  // its end is not known from its own bytes
+    kCut,          // the file ends before the epoch does
+    kImpossible    // no epoch, or a damaged one
 };
 
 struct EpochReading {
     Condition condition = Condition::kWhole;
-    // Of a cut epoch samples and end are 0 if the file ends before they can be known.
+    // Samples and end are 0 where they cannot be known.
     EpochPlace place;
     Mismatch mismatch;  // unless whole
     EpochContent content;
 };
 
 EpochReading ReadEpochAt(const DataFile& file, int64_t start);
+
+// An epoch of unknown type is whole if it ends there: its samples are the last of its bytes. False
+// if they have no room, or for any other epoch.
+bool EndsAt(EpochReading& reading, int64_t end);
 
 }  // namespace corvantis

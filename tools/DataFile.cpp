@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <fmt/core.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -43,10 +44,36 @@ DataFile::DataFile(std::string path) : path_(std::move(path)) {
     }
 }
 
+struct stat DataFile::Status() const {
+    struct stat status = {};
+    if (fstat(fileno(stream_.get()), &status) != 0) throw SystemFailure(path_);
+    return status;
+}
+
 bool DataFile::IsSame(const std::string& path) const {
-    struct stat own = {}, other = {};
-    if (stat(path.c_str(), &other) != 0 || fstat(fileno(stream_.get()), &own) != 0) return false;
+    struct stat other = {};
+    if (stat(path.c_str(), &other) != 0) return false;
+    const struct stat own = Status();
     return own.st_dev == other.st_dev && own.st_ino == other.st_ino;
+}
+
+// A recording program holds an exclusive lock from creating the file until it closes it.
+bool DataFile::IsBeingRecorded() const {
+    const int descriptor = fileno(stream_.get());
+    if (flock(descriptor, LOCK_SH | LOCK_NB) != 0) return errno == EWOULDBLOCK;
+    flock(descriptor, LOCK_UN);
+    return false;
+}
+
+// The stream believes that it knows where its descriptor stands, so that is put back.
+int64_t DataFile::NextData(int64_t position) const {
+    const int descriptor = fileno(stream_.get());
+    const off_t before = lseek(descriptor, 0, SEEK_CUR);
+    const off_t data = lseek(descriptor, position, SEEK_DATA);
+    const bool isHole = data < 0 && errno == ENXIO;  // up to the end
+    lseek(descriptor, before, SEEK_SET);
+    if (isHole) return size_;
+    return data < 0 ? position : int64_t{data};
 }
 
 FILE* DataFile::At(int64_t position) const {

@@ -1,6 +1,8 @@
 // An open data file: its bytes at any offset, and its file header.
 #pragma once
 
+#include <sys/stat.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -31,6 +33,11 @@ class DataFile {
         return static_cast<uint32_t>(header_.epochTablePosition);
     }
     bool IsSame(const std::string& path) const;
+    // Whether another program holds it open for recording.
+    bool IsBeingRecorded() const;
+    // The first offset from there on that is not in a hole; the file's size if there is none.
+    int64_t NextData(int64_t position) const;
+    struct stat Status() const;
 
     // The stream, positioned for one of the codecs.
     FILE* At(int64_t position) const;

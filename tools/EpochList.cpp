@@ -4,6 +4,7 @@
 #include <fmt/core.h>
 
 #include <charconv>
+#include <set>
 #include <string_view>
 
 #include "Failure.h"
@@ -26,11 +27,11 @@ class ListReader {
     }
     bool AtEnd() const { return rest_.empty(); }
 
-    size_t Number(size_t epochsInFile) {
-        size_t number = 0;
+    int64_t Number(int64_t epochsInFile) {
+        int64_t number = 0;
         const auto [end, error] =
             std::from_chars(rest_.data(), rest_.data() + rest_.size(), number);
-        if (end == rest_.data()) throw Malformed(text_);
+        if (end == rest_.data() || number < 0) throw Malformed(text_);
         rest_.remove_prefix(static_cast<size_t>(end - rest_.data()));
         if (error != std::errc() || number >= epochsInFile) {
             throw Failure(fmt::format("--epoch {}: the file has {} epochs, counted from 0", text_,
@@ -46,17 +47,16 @@ class ListReader {
 
 }  // namespace
 
-std::vector<size_t> ParseEpochList(const std::string& text, size_t epochsInFile) {
-    std::vector<size_t> numbers;
-    std::vector<bool> isChosen(epochsInFile);
+std::vector<int64_t> ParseEpochList(const std::string& text, int64_t epochsInFile) {
+    std::vector<int64_t> numbers;
+    std::set<int64_t> chosen;
     ListReader reader(text);
     do {
-        const size_t first = reader.Number(epochsInFile);
-        const size_t last = reader.Take('-') ? reader.Number(epochsInFile) : first;
+        const int64_t first = reader.Number(epochsInFile);
+        const int64_t last = reader.Take('-') ? reader.Number(epochsInFile) : first;
         if (last < first) throw Malformed(text);
-        for (size_t number = first; number <= last; ++number) {
-            if (!isChosen[number]) numbers.push_back(number);
-            isChosen[number] = true;
+        for (int64_t number = first; number <= last; ++number) {
+            if (chosen.insert(number).second) numbers.push_back(number);
         }
     } while (reader.Take(','));
     if (!reader.AtEnd()) throw Malformed(text);

@@ -12,7 +12,6 @@ namespace {
 
 constexpr int64_t kSmallestBlock = 1 << 12;  // the next epoch is mostly near
 constexpr int64_t kLargestBlock = 1 << 20;
-constexpr int32_t kShortestInterval = 4;  // that the interface takes [µs]
 
 bool IsZero(std::span<const uint8_t> header, size_t offset, size_t size) {
     const auto bytes = header.subspan(offset, size);
@@ -38,7 +37,7 @@ std::optional<int64_t> SoundEnd(const DataFile& file, int64_t position) {
     }
     const EpochReading reading = ReadEpochAt(file, position);
     if (reading.condition != Condition::kWhole) return std::nullopt;
-    if (reading.content.header.samplingInterval < kShortestInterval) return std::nullopt;
+    if (reading.content.header.samplingInterval < 1) return std::nullopt;
     return reading.place.end;
 }
 
@@ -49,24 +48,41 @@ bool IsEpoch(const DataFile& file, int64_t position) {
     return isLast || SoundEnd(file, *end).has_value();
 }
 
+// A header has bytes that are not zero, so none begins where a hole holds all of it.
+int64_t BehindHole(const DataFile& file, int64_t position) {
+    return std::max(position, (file.NextData(position) - kEpochHeaderSize) & ~int64_t{1});
+}
+
+std::optional<size_t> FindHeader(std::span<const uint8_t> bytes, size_t from) {
+    for (; from + kEpochHeaderSize <= bytes.size(); from += 2) {
+        if (CanBeHeader(bytes.subspan(from, kEpochHeaderSize))) return from;
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
-std::optional<int64_t> FindEpoch(const DataFile& file, int64_t from, const Terminal& terminal) {
+std::optional<int64_t> FindEpoch(const DataFile& file, int64_t from, int64_t until,
+                                 const Terminal& terminal) {
     Progress progress(terminal, "searching", file.Size());
     int64_t size = kSmallestBlock;
-    for (int64_t begin = from; begin < file.Size(); begin += size) {
+    for (int64_t begin = BehindHole(file, from); begin < until;
+         begin = BehindHole(file, begin + size)) {
         progress.Reach(begin);
         size = std::min(2 * size, kLargestBlock);
-        const std::vector<uint8_t> block = file.Bytes(begin, size + kEpochHeaderSize);
-        const std::span<const uint8_t> bytes(block);
-        for (size_t i = 0; i < static_cast<size_t>(size) && i + kEpochHeaderSize <= bytes.size();
-             i += 2) {
-            if (!CanBeHeader(bytes.subspan(i, kEpochHeaderSize))) continue;
-            const int64_t position = begin + static_cast<int64_t>(i);
-            if (IsEpoch(file, position)) return position;
+        // Headers that begin in this block, up to its last byte but one.
+        const std::vector<uint8_t> block = file.Bytes(begin, size + kEpochHeaderSize - 2);
+        for (auto at = FindHeader(block, 0); at; at = FindHeader(block, *at + 2)) {
+            const int64_t position = begin + static_cast<int64_t>(*at);
+            if (position < until && IsEpoch(file, position)) return position;
         }
     }
     return std::nullopt;
+}
+
+int64_t EndOfSoundEpochs(const DataFile& file, int64_t position, int64_t until) {
+    while (position < until && IsEpoch(file, position)) position = *SoundEnd(file, position);
+    return position;
 }
 
 }  // namespace corvantis

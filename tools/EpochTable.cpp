@@ -99,20 +99,32 @@ class ConductanceColumn : public Column {
 
 class TableBuilder {
   public:
-    TableBuilder(const DataFile& file, const EpochPlace& place, Values values)
+    TableBuilder(const DataFile& file, const EpochPlace& place, Values values, EpochTable& table)
         : file_(file),
           place_(place),
           content_(ReadEpochAt(file, place.start).content),
-          values_(values) {}
+          values_(values),
+          table_(table) {}
 
-    EpochTable Build(const NoiseStart* start) {
+    void AddResponses() {
         table_.points = place_.points;
         Add<TimeColumn>(content_.header.samplingInterval);
         for (size_t entry = 0; entry < Entries(); ++entry) {
             Add<SampleColumn>(file_, place_, entry, ResponseConversion(entry));
         }
-        if (start != nullptr) AddStimuli(*start);
-        return std::move(table_);
+    }
+
+    void AddStimuli() {
+        RebuiltStimulus rebuilt = RebuildStimulus(file_, place_, content_).front();
+        for (size_t entry = 0; entry < Entries(); ++entry) {
+            if (place_.conductances[entry] != 0) {
+                AddConductances(entry);
+                continue;
+            }
+            Remark(entry, rebuilt.entries[entry].empty());
+            Add<StimulusColumn>(std::move(rebuilt.entries[entry]), entry,
+                                StimulusConversion(entry));
+        }
     }
 
   private:
@@ -135,21 +147,6 @@ class TableBuilder {
         if (values_ == Values::kVolts)
             return StimulusInVolts(file_.Header(), content_.header, entry);
         return StimulusInUnits(file_.Header(), content_.header, entry);
-    }
-
-    void AddStimuli(const NoiseStart& start) {
-        if (!start.doubt.empty()) table_.remarks.push_back("doubtful stimulus: " + start.doubt);
-        RebuiltStimulus rebuilt = RebuildStimulus(file_, place_, content_, 1, start).front();
-        for (size_t entry = 0; entry < Entries(); ++entry) {
-            const int32_t type = content_.stimuli[entry].type;
-            if (type == ITC_STIMULUS_DYNAMIC_CLAMP) {
-                AddConductances(entry);
-                continue;
-            }
-            Remark(entry, rebuilt.entries[entry].empty());
-            Add<StimulusColumn>(std::move(rebuilt.entries[entry]), entry,
-                                StimulusConversion(entry));
-        }
     }
 
     // Its computed output is zero throughout, which nobody wants to see.
@@ -175,14 +172,19 @@ class TableBuilder {
     EpochPlace place_;
     EpochContent content_;
     Values values_;
-    EpochTable table_;
+    EpochTable& table_;
 };
 
 }  // namespace
 
-EpochTable MakeEpochTable(const DataFile& file, const EpochPlace& place, Values values,
-                          const NoiseStart* start) {
-    return TableBuilder(file, place, values).Build(start);
+EpochTable MakeEpochTable(const DataFile& file, const EpochPlace& place, Values values) {
+    EpochTable table;
+    TableBuilder(file, place, values, table).AddResponses();
+    return table;
+}
+
+void AddStimulus(const DataFile& file, const EpochPlace& place, Values values, EpochTable& table) {
+    TableBuilder(file, place, values, table).AddStimuli();
 }
 
 }  // namespace corvantis

@@ -10,11 +10,10 @@
 
 #include "Container.h"
 #include "DataFile.h"
-#include "Rebuild.h"
 
 namespace corvantis {
 
-enum class Values { kVolts, kCounts, kUnits };
+enum class Values { kUnits, kVolts, kCounts };
 
 // A run of consecutive points of one column.
 class Column {
@@ -31,9 +30,10 @@ struct EpochTable {
     std::vector<std::string> remarks;
 };
 
-// The table reads from the file, which must outlive it. With a start of its noise it has the
-// stimulus too.
-EpochTable MakeEpochTable(const DataFile& file, const EpochPlace& place, Values values,
-                          const NoiseStart* start);
+// The table reads from the file, which must outlive it.
+EpochTable MakeEpochTable(const DataFile& file, const EpochPlace& place, Values values);
+
+// Adds the stimulus, whose noise begins where this process's generators stand.
+void AddStimulus(const DataFile& file, const EpochPlace& place, Values values, EpochTable& table);
 
 }  // namespace corvantis

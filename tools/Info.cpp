@@ -64,21 +64,33 @@ std::string ShownValue(const Json& value) {
     return text;
 }
 
+// Levels also in the unit of their entry, to the digits of a single-precision factor.
+std::string InUnits(double level, const Conversion& conversion) {
+    if (conversion.isWord || conversion.unit == "counts") return "";
+    return fmt::format(" ({:.6g} {})", conversion.Level(level), conversion.unit);
+}
+
 template <class Record>
-void PrintFields(const Record& record, const std::string& indent, const Terminal& terminal) {
+void PrintFields(const Record& record, const std::string& indent, const Terminal& terminal,
+                 const Conversion& conversion = Words()) {
     VisitFields(record, [&](const char* name, const auto& value, const char* unit) {
-        const std::string line =
+        std::string line =
             fmt::format("{}{:<19} {} {}", indent, name, ShownValue(ValueOf(value)), unit);
+        if constexpr (std::is_arithmetic_v<std::decay_t<decltype(value)>>) {
+            if (unit == std::string_view("DAC codes")) line += InUnits(value, conversion);
+        }
         terminal.Print("{}\n", line.substr(0, line.find_last_not_of(' ') + 1));
     });
 }
 
-void PrintStimulus(const Stimulus& stimulus, const std::string& indent, const Terminal& terminal) {
-    PrintFields(stimulus, indent, terminal);
+void PrintStimulus(const Stimulus& stimulus, const Conversion& conversion,
+                   const Terminal& terminal) {
+    const std::string indent = "    ";
+    PrintFields(stimulus, indent, terminal, conversion);
     for (size_t k = 0; k < stimulus.components.size(); ++k) {
         const Stimulus& component = stimulus.components[k];
         terminal.Print("{}component {}: {}\n", indent, k, TypeName(component.type));
-        PrintFields(component, indent + "  ", terminal);
+        PrintFields(component, indent + "  ", terminal, conversion);
     }
 }
 
@@ -105,19 +117,22 @@ class Report {
     void PrintTable() const {
         terminal_.Print("\n{:>6} {:>10} {:>8} {:>7} {:>8}  {:<20} {}\n", "epoch", "position",
                         "points", "entries", "µs", "stimuli", "comment");
-        for (size_t number = 0; number < survey_.epochs.size(); ++number) {
-            const EpochContent content = Content(number);
+        size_t next = 0;
+        for (const EpochPlace& epoch : survey_.epochs) {
+            next = PrintDamaged(next, epoch.start);
+            const EpochContent content = ReadEpochAt(file_, epoch.start).content;
             const ITCEpochHeader& header = content.header;
-            terminal_.Print("{:>6} {:>10} {:>8} {:>7} {:>8}  {:<20} {}\n", number,
-                            survey_.epochs[number].start, header.epochPoints, header.sequenceLength,
+            terminal_.Print("{:>6} {:>10} {:>8} {:>7} {:>8}  {:<20} {}\n", epoch.number,
+                            epoch.start, header.epochPoints, header.sequenceLength,
                             header.samplingInterval, StimulusNames(content),
                             ShownValue(ValueOf(header.epochComment)));
         }
+        PrintDamaged(next, file_.Size());
     }
 
-    void PrintEpoch(size_t number) const {
-        const EpochContent content = Content(number);
-        const EpochPlace& place = survey_.epochs[number];
+    void PrintEpoch(const EpochPlace& place) const {
+        const int64_t number = place.number;
+        const EpochContent content = ReadEpochAt(file_, place.start).content;
         terminal_.Print("epoch {}: bytes {} to {}, samples from {}\n", number, place.start,
                         place.end, place.samples);
         PrintFields(content.header, "  ", terminal_);
@@ -128,7 +143,8 @@ class Report {
                             ResponseFormula(file_.Header(), content.header, entry));
             terminal_.Print("    stimulus = {}\n",
                             StimulusFormula(file_.Header(), content.header, entry));
-            PrintStimulus(stimulus, "    ", terminal_);
+            PrintStimulus(stimulus, StimulusInUnits(file_.Header(), content.header, entry),
+                          terminal_);
         }
     }
 
@@ -138,16 +154,15 @@ class Report {
                 {"header", FieldsOf(file_.Header())}};
     }
 
-    Json EpochJson(size_t number) const {
-        const EpochContent content = Content(number);
+    Json EpochJson(const EpochPlace& place) const {
+        const EpochContent content = ReadEpochAt(file_, place.start).content;
         Json entries = Json::array();
         for (size_t entry = 0; entry < content.stimuli.size(); ++entry) {
             entries.push_back({{"response", ResponseFormula(file_.Header(), content.header, entry)},
                                {"stimulus", StimulusFormula(file_.Header(), content.header, entry)},
                                {"parameters", StimulusOf(content.stimuli[entry])}});
         }
-        const EpochPlace& place = survey_.epochs[number];
-        return {{"epoch", number},
+        return {{"epoch", place.number},
                 {"position", place.start},
                 {"samples", place.samples},
                 {"end", place.end},
@@ -156,8 +171,15 @@ class Report {
     }
 
   private:
-    EpochContent Content(size_t number) const {
-        return ReadEpochAt(file_, survey_.epochs[number].start).content;
+    // Those in front of an offset, from one of the stretches on.
+    size_t PrintDamaged(size_t next, int64_t until) const {
+        for (; next < survey_.strays.size() && survey_.strays[next].begin < until; ++next) {
+            const Stretch& stray = survey_.strays[next];
+            if (!stray.number) continue;
+            terminal_.Print("{:>6} {:>10}  damaged: found {}, expected {}\n", *stray.number,
+                            stray.begin, stray.mismatch.found, stray.mismatch.expected);
+        }
+        return next;
     }
 
     const DataFile& file_;
@@ -165,20 +187,31 @@ class Report {
     const Terminal& terminal_;
 };
 
-std::vector<size_t> AllEpochs(size_t count) {
-    std::vector<size_t> numbers(count);
-    for (size_t i = 0; i < count; ++i) numbers[i] = i;
-    return numbers;
+// Throws a Failure for a number that only a damaged or missing epoch has.
+std::vector<EpochPlace> ChosenEpochs(const DataFile& file, const Survey& survey,
+                                     const std::string& list) {
+    if (list.empty()) return survey.epochs;
+    std::vector<EpochPlace> chosen;
+    for (const int64_t number : ParseEpochList(list, NumbersOf(file, survey))) {
+        const EpochPlace* epoch = FindNumber(survey, number);
+        if (epoch == nullptr) {
+            throw Failure(file.Path(), fmt::format("epoch {} cannot be shown: {}", number,
+                                                   WhyMissing(survey, number)));
+        }
+        chosen.push_back(*epoch);
+    }
+    return chosen;
 }
 
 // One epoch at a time, so that a long file does not have to fit into memory.
-void PrintJson(const Report& report, const std::vector<size_t>& numbers, const Terminal& terminal) {
+void PrintJson(const Report& report, const std::vector<EpochPlace>& epochs,
+               const Terminal& terminal) {
     std::string head = report.FileJson().dump();
     head.pop_back();
     terminal.Print("{},\n \"epochs\": [", head);
     const char* separator = "\n";
-    for (const size_t number : numbers) {
-        terminal.Print("{}{}", separator, report.EpochJson(number).dump());
+    for (const EpochPlace& epoch : epochs) {
+        terminal.Print("{}{}", separator, report.EpochJson(epoch).dump());
         separator = ",\n";
     }
     terminal.Print("]}}\n");
@@ -190,16 +223,14 @@ int RunInfo(const InfoOptions& options, const Terminal& terminal) {
     const DataFile file(options.file);
     const Survey survey = SurveyFile(file, terminal);
     const Report report(file, survey, terminal);
-    const size_t count = survey.epochs.size();
-    const bool all = options.epochs.empty();
-    const auto numbers = all ? AllEpochs(count) : ParseEpochList(options.epochs, count);
+    const std::vector<EpochPlace> epochs = ChosenEpochs(file, survey, options.epochs);
     if (options.json) {
-        PrintJson(report, numbers, terminal);
-    } else if (all) {
+        PrintJson(report, epochs, terminal);
+    } else if (options.epochs.empty()) {
         report.PrintFile();
         report.PrintTable();
     } else {
-        for (const size_t number : numbers) report.PrintEpoch(number);
+        for (const EpochPlace& epoch : epochs) report.PrintEpoch(epoch);
     }
     if (HasFault(CompareWithSurvey(file, survey)) && !terminal.quiet) {
         terminal.Say(

@@ -4,9 +4,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <csignal>
 #include <cstdlib>
+#include <iterator>
 #include <memory>
 
 #include "Failure.h"
@@ -50,25 +52,54 @@ void RefuseUnlessFile(const std::string& path) {
     if (!S_ISREG(status.st_mode)) throw Failure(path, "is not a regular file");
 }
 
-// The name that an interruption removes: of the one new file at a time.
+// The name that a signal removes: of the one new file at a time, in the process that made it.
 std::atomic<const char*> unfinished = nullptr;
+std::atomic<pid_t> owner = 0;
 static_assert(std::atomic<const char*>::is_always_lock_free);
 
+// A second signal waits until this is done: reset by the system before it blocks the signal, as
+// SA_RESETHAND has it, the default action would come first.
 extern "C" void RemoveUnfinished(int signal) {
-    if (const char* name = unfinished.load()) unlink(name);
-    raise(signal);  // whose action is the default one again
+    const char* name = unfinished.load();
+    if (name != nullptr && owner == getpid()) unlink(name);
+    std::signal(signal, SIG_DFL);
+    raise(signal);  // comes once this has returned
 }
 
-// A signal that is ignored, as nohup has it, stays so.
+bool EndsProgram(int signal) {
+    constexpr int others[] = {SIGKILL, SIGSTOP, SIGTSTP, SIGTTIN, SIGTTOU,
+                              SIGCONT, SIGCHLD, SIGURG,  SIGWINCH};
+    return std::find(std::begin(others), std::end(others), signal) == std::end(others);
+}
+
+// A signal that is ignored, as nohup has it, or handled, stays so.
 void CatchInterruptions() {
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    for (int signal = 1; signal <= SIGRTMAX; ++signal) {
         struct sigaction action = {};
-        sigaction(signal, nullptr, &action);
-        if (action.sa_handler == SIG_IGN) continue;
+        if (!EndsProgram(signal) || sigaction(signal, nullptr, &action) != 0) continue;
+        if (action.sa_handler != SIG_DFL) continue;
+        action = {};
         action.sa_handler = RemoveUnfinished;
-        action.sa_flags = static_cast<int>(SA_RESETHAND);
+        sigfillset(&action.sa_mask);
         sigaction(signal, &action, nullptr);
     }
+}
+
+// A file of that name, of which signals know from its first moment.
+int MakeTemporary(std::string& name) {
+    sigset_t all, before;
+    sigfillset(&all);
+    sigprocmask(SIG_BLOCK, &all, &before);
+    const int descriptor = mkstemp(name.data());
+    const int error = errno;
+    if (descriptor >= 0) {
+        owner = getpid();
+        unfinished = name.c_str();
+        CatchInterruptions();
+    }
+    sigprocmask(SIG_SETMASK, &before, nullptr);
+    errno = error;
+    return descriptor;
 }
 
 // mkstemp makes files for their owner alone.
@@ -84,12 +115,18 @@ NewFile::NewFile(const std::string& path, bool replace)
     : path_(TargetOf(path)), temporary_(TemporaryName(path_)), replace_(replace) {
     RefuseUnlessFile(path_);
     if (!replace_ && Exists(path_)) throw Failure(path_, kExists);
-    const int descriptor = mkstemp(temporary_.data());
+    const int descriptor = MakeTemporary(temporary_);
     if (descriptor < 0) throw SystemFailure(path_);
-    unfinished = temporary_.c_str();
-    CatchInterruptions();
     GiveUsualRights(descriptor);
     stream_.reset(fdopen(descriptor, "w+b"));
+}
+
+void NewFile::TakeRights(const struct stat& other) {
+    const int descriptor = fileno(stream_.get());
+    // Rights of another group would be another group's.
+    const bool isSameGroup = fchown(descriptor, static_cast<uid_t>(-1), other.st_gid) == 0;
+    const mode_t mode = other.st_mode & (isSameGroup ? 0777U : 0707U);
+    if (fchmod(descriptor, mode) != 0) throw SystemFailure(path_);
 }
 
 NewFile::~NewFile() {

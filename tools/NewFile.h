@@ -9,10 +9,12 @@ namespace corvantis {
 
 class NewFile {
   public:
-    // Opens a file of a temporary name beside the path, which SIGINT, SIGTERM and SIGHUP remove;
-    // only one at a time. Throws a Failure, also if the path exists and may not be replaced, or is
-    // no regular file.
+    // Opens a file of a temporary name beside the path, which any signal that ends the program
+    // removes; only one at a time. Throws a Failure, also if the path exists and may not be
+    // replaced, or is no regular file.
     NewFile(const std::string& path, bool replace);
+    // Nobody may do with the file what they may not with the other one.
+    void TakeRights(const struct stat& other);
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
     // Removes what was not committed.

@@ -76,6 +76,22 @@ bool Continues(const std::vector<Draws>& noise, bool isSpareHeld) {
            !std::all_of(noise.begin(), noise.end(), Restarts);
 }
 
+// The library's own spare deviate, which is the process's.
+bool isSpareInLibrary = false;
+
+void Draw(const Draws& draws) {
+    int32_t state = StateWord(draws.seed);
+    ITCSeedRandom(&state);
+    const auto draw = draws.areNormal ? ITCNormalDeviate : ran2;
+    for (int64_t i = 0; i < draws.count; ++i) draw(&state);
+    isSpareInLibrary = LeavesSpare({draws}, isSpareInLibrary);
+}
+
+// The value of a spare that is held first does not matter: the draws to come use it up.
+void SetSpare(bool isHeld) {
+    if (isSpareInLibrary != isHeld) Draw({.areNormal = true, .count = 1});
+}
+
 }  // namespace
 
 NoiseHistory::NoiseHistory(const DataFile& file, std::span<const EpochPlace> epochs) {
@@ -83,39 +99,63 @@ NoiseHistory::NoiseHistory(const DataFile& file, std::span<const EpochPlace> epo
     for (const EpochPlace& place : epochs) {
         const EpochContent content = ReadEpochAt(file, place.start).content;
         Epoch epoch = std::exchange(next, {});
-        bool isCertain = true;
-        for (const Stimulus* record : RecordsOf(content)) {
-            const bool fits = StaysWithin(*record, place.points);
-            isCertain &= fits && !IsApplications(*record);
-            const std::optional<Draws> draws = DrawsOf(*record, file.Header().version);
-            if (fits && draws) epoch.draws.push_back(*draws);
+        epoch.number = place.number;
+        if (IsBehindGap(place)) {  // what is missing may have drawn any number
+            epoch.uncertain = static_cast<size_t>(place.number - 1);
+            epoch.isParityKnown = false;
         }
+        bool isCertain = true, isRead = true;
+        for (const Stimulus* record : RecordsOf(content)) {
+            isRead &= record->isRead;
+            const bool fits = record->isRead && StaysWithin(*record, place.points);
+            isCertain &= fits && !IsApplications(*record);
+            if (!fits) continue;
+            const std::optional<Draws> draws = DrawsOf(*record, file.Header().version);
+            if (draws) epoch.draws.push_back(*draws);
+        }
+        next.isParityKnown = epoch.isParityKnown && isRead;
         next.isSpareHeld = LeavesSpare(epoch.draws, epoch.isSpareHeld);
-        if (next.isSpareHeld && epoch.isSpareHeld) next.uncertain = epoch.uncertain;
-        const bool isDoubtful = !isCertain && !epoch.draws.empty();
-        if (next.isSpareHeld && isDoubtful && !next.uncertain) next.uncertain = epochs_.size();
+        const bool goesOn = (next.isSpareHeld && epoch.isSpareHeld) || !next.isParityKnown;
+        if (goesOn) next.uncertain = epoch.uncertain;
+        const bool isDoubtful = !isCertain && !epoch.draws.empty() && next.isSpareHeld;
+        if ((isDoubtful || !isRead) && !next.uncertain) {
+            next.uncertain = static_cast<size_t>(place.number);
+        }
+        next.settled = Settles(epoch.draws) ? epochs_.size() : epoch.settled;
         epochs_.push_back(std::move(epoch));
     }
 }
 
-NoiseStart NoiseHistory::Before(size_t number) const {
-    if (!Continues(epochs_[number].draws, epochs_[number].isSpareHeld)) return {};
-    size_t first = number;
-    while (first > 0 && (first == number || !Settles(epochs_[first].draws))) --first;
-    NoiseStart start = {epochs_[first].isSpareHeld, {}, Doubt(number)};
-    for (; first < number; ++first) {
-        const std::vector<Draws>& draws = epochs_[first].draws;
-        start.draws.insert(start.draws.end(), draws.begin(), draws.end());
-    }
-    return start;
+bool NoiseHistory::IsBehindGap(const EpochPlace& place) const {
+    if (epochs_.empty()) return place.start != kFirstEpoch;
+    return place.number != epochs_.back().number + 1;
 }
 
-std::string NoiseHistory::Doubt(size_t number) const {
-    if (!epochs_[number].isSpareHeld || !DrawsNormal(epochs_[number].draws)) return {};
-    const std::optional<size_t> uncertain = epochs_[number].uncertain;
+size_t NoiseHistory::FirstNeeded(size_t index) const {
+    const Epoch& epoch = epochs_[index];
+    return Continues(epoch.draws, epoch.isSpareHeld) ? epoch.settled : index;
+}
+
+void NoiseHistory::Begin(std::span<const size_t> indices) {
+    reached_ = indices.empty() ? 0 : indices.front();
+    for (const size_t index : indices) reached_ = std::min(reached_, FirstNeeded(index));
+    if (!indices.empty()) SetSpare(epochs_[reached_].isSpareHeld);
+}
+
+void NoiseHistory::BringGeneratorsTo(size_t index) {
+    for (; reached_ < index; ++reached_) {
+        for (const Draws& draws : epochs_[reached_].draws) Draw(draws);
+    }
+}
+
+std::string NoiseHistory::Doubt(size_t index) const {
+    const Epoch& epoch = epochs_[index];
+    const bool dependsOnSpare = epoch.isSpareHeld || !epoch.isParityKnown;
+    if (!dependsOnSpare || !DrawsNormal(epoch.draws)) return {};
     return "its noise begins with a deviate that an earlier epoch left, and is right only if the "
            "epochs before it were computed once each, in this order" +
-           (uncertain ? fmt::format(", and epoch {} cannot be recomputed", *uncertain) : "");
+           (epoch.uncertain ? fmt::format(", and epoch {} cannot be recomputed", *epoch.uncertain)
+                            : "");
 }
 
 }  // namespace corvantis

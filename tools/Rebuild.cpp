@@ -10,6 +10,7 @@
 #include <limits>
 
 #include "Failure.h"
+#include "NoiseHistory.h"
 #include "RecordLengths.h"
 #include "StimulusTypes.h"
 
@@ -76,24 +77,10 @@ void BlankEntriesWithoutWaveform(const EpochContent& content) {
     }
 }
 
-void DrawAgain(const Draws& draws) {
-    int32_t state = StateWord(draws.seed);
-    ITCSeedRandom(&state);
-    const auto draw = draws.areNormal ? ITCNormalDeviate : ran2;
-    for (int64_t i = 0; i < draws.count; ++i) draw(&state);
-}
-
-// The value of a spare held before these draws does not matter: the first of them uses it up.
-void BringTo(const NoiseStart& start) {
-    if (start.isSpareHeld) DrawAgain({.areNormal = true, .count = 1});
-    for (const Draws& draws : start.draws) DrawAgain(draws);
-}
-
 void Compute(const DataFile& file, const EpochPlace& place, const EpochContent& content,
-             const SharedSamples& shared, size_t times, const NoiseStart& start) {
+             const SharedSamples& shared, size_t times) {
     if (OpenAsOnlyEpoch(file, place) != ITC_SUCCESS) return;
     BlankEntriesWithoutWaveform(content);
-    BringTo(start);
     const size_t samples = static_cast<size_t>(place.points) * static_cast<size_t>(place.entries);
     for (size_t time = 0; time < times; ++time) {
         if (ITCUpdateStm() != ITC_SUCCESS) return;
@@ -103,11 +90,11 @@ void Compute(const DataFile& file, const EpochPlace& place, const EpochContent& 
 }
 
 void RunChild(const DataFile& file, const EpochPlace& place, const EpochContent& content,
-              const SharedSamples& shared, size_t times, const NoiseStart& start) {
+              const SharedSamples& shared, size_t times) {
     const pid_t child = fork();
     if (child < 0) throw SystemFailure("fork");
     if (child == 0) {
-        Compute(file, place, content, shared, times, start);
+        Compute(file, place, content, shared, times);
         _exit(0);  // nothing that the parent has buffered is written twice
     }
     int status = 0;
@@ -147,6 +134,7 @@ std::string WhySegments(const ITCSegmentedNoiseParameters& record) {
 }  // namespace
 
 bool HasWaveform(const Stimulus& stimulus) {
+    if (!stimulus.isRead) return false;
     switch (stimulus.type) {
         case ITC_STIMULUS_FILEWAVE:
         case ITC_STIMULUS_GENERIC:
@@ -159,6 +147,10 @@ bool HasWaveform(const Stimulus& stimulus) {
 }
 
 std::string WhyNotRebuilt(const ITCFileHeader& file, const Stimulus& stimulus) {
+    if (stimulus.type > ITC_STIMULUS_SPATIAL) {
+        return fmt::format("stimulus type {} is not known", stimulus.type);
+    }
+    if (!stimulus.isRead) return "its parameters lie behind some of a type that is not known";
     switch (stimulus.type) {
         case ITC_STIMULUS_FILEWAVE:
             return "the wave was the application's and is not stored";
@@ -187,8 +179,7 @@ std::string WhyNotRebuilt(const ITCFileHeader& file, const Stimulus& stimulus) {
 }
 
 std::vector<RebuiltStimulus> RebuildStimulus(const DataFile& file, const EpochPlace& place,
-                                             const EpochContent& content, size_t times,
-                                             const NoiseStart& start) {
+                                             const EpochContent& content, size_t times) {
     std::vector<RebuiltStimulus> rebuilt(times);
     const int64_t samples = int64_t{place.points} * place.entries;
     // Neither the library's buffers nor its offsets reach further.
@@ -196,7 +187,7 @@ std::vector<RebuiltStimulus> RebuildStimulus(const DataFile& file, const EpochPl
                       place.start <= std::numeric_limits<uint32_t>::max();
     if (!fits || samples == 0) return rebuilt;
     const SharedSamples shared(times, static_cast<size_t>(samples));
-    RunChild(file, place, content, shared, times, start);
+    RunChild(file, place, content, shared, times);
     for (size_t time = 0; time < times && *shared.Flag(time) == 1; ++time) {
         rebuilt[time] = Split(place, content, shared.Samples(time));
     }

@@ -1,7 +1,7 @@
 // Computing an epoch's stimulus again, as the library does, in a process of its own.
 //
 // The noise generators keep state from one waveform to the next. In a process of its own every
-// epoch gets a start that the file alone determines, and a damaged file cannot harm the caller.
+// epoch gets the start that it is given, and a damaged file cannot harm the caller.
 #pragma once
 
 #include <array>
@@ -11,7 +11,6 @@
 
 #include "Container.h"
 #include "DataFile.h"
-#include "NoiseHistory.h"
 
 namespace corvantis {
 
@@ -20,11 +19,10 @@ struct RebuiltStimulus {
     std::array<std::vector<int16_t>, ITC_CHANNELS> entries;
 };
 
-// The stimulus as a fresh process computes it from there the first and, if asked, the following
-// times.
+// The stimulus as a process computes it, whose generators stand where this one's do, the first and,
+// if asked, the following times.
 std::vector<RebuiltStimulus> RebuildStimulus(const DataFile& file, const EpochPlace& place,
-                                             const EpochContent& content, size_t times = 1,
-                                             const NoiseStart& start = {});
+                                             const EpochContent& content, size_t times = 1);
 
 // Why an entry's waveform is not, or not surely, the one that was played; empty if nothing is known
 // to be against it.

@@ -63,6 +63,8 @@ struct Account {
     size_t uncounted = 0;  // of these, not in the header's count
     std::optional<UnfinishedEpoch> cut;
     std::vector<Dropped> dropped;
+    std::vector<Remark> doubts;
+    bool IsWhole() const { return dropped.empty() && doubts.empty() && !cut; }
 };
 
 class OutputFile {
@@ -165,7 +167,11 @@ Account WriteRepaired(const DataFile& file, const Survey& survey, const RepairOp
                       OutputFile& output) {
     Account account;
     for (const Stretch& stray : survey.strays) {
-        account.dropped.push_back({stray.begin, stray.end, Why(stray.mismatch)});
+        const std::string what = stray.number ? fmt::format("epoch {}: ", *stray.number) : "";
+        account.dropped.push_back({stray.begin, stray.end, what + Why(stray.mismatch)});
+    }
+    for (const Remark& remark : survey.remarks) {
+        if (remark.isDoubt) account.doubts.push_back(remark);
     }
     for (const EpochPlace& epoch : survey.epochs) {
         if (output.HasRoom(epoch.end - epoch.start)) {
@@ -184,6 +190,12 @@ Account WriteRepaired(const DataFile& file, const Survey& survey, const RepairOp
             {last.place.start, file.Size(),
              fmt::format("an unfinished epoch, {} of {} points can be had: {}", last.wholePoints,
                          last.place.points, Why(last.mismatch))});
+    }
+    if (const int64_t known = survey.numbers + (survey.unfinished ? 1 : 0);
+        known < NumbersOf(file, survey)) {
+        account.dropped.push_back({file.Size(), file.Size(),
+                                   fmt::format("the file ends before {} epochs that it counts",
+                                               NumbersOf(file, survey) - known)});
     }
     output.Finish();
     return account;
@@ -206,6 +218,10 @@ void PrintAccount(const DataFile& file, const Account& account, const RepairOpti
         terminal.Print("{}: dropped bytes {} to {}: {}\n", DisplayText(options.output),
                        dropped.begin, dropped.end, dropped.reason);
     }
+    for (const Remark& doubt : account.doubts) {
+        terminal.Print("{}: in doubt at byte {} of {}: {}\n", DisplayText(options.output),
+                       doubt.offset, DisplayText(file.Path()), Why(doubt.mismatch));
+    }
 }
 
 nlohmann::json ToJson(const DataFile& file, const Account& account, const RepairOptions& options) {
@@ -213,11 +229,13 @@ nlohmann::json ToJson(const DataFile& file, const Account& account, const Repair
     for (const Dropped& piece : account.dropped) {
         dropped.push_back({{"begin", piece.begin}, {"end", piece.end}, {"reason", piece.reason}});
     }
-    nlohmann::json json = {{"file", DisplayText(file.Path())},
-                           {"output", DisplayText(options.output)},
-                           {"kept", account.kept},
-                           {"uncounted", account.uncounted},
-                           {"dropped", dropped}};
+    nlohmann::json doubts = nlohmann::json::array();
+    for (const Remark& doubt : account.doubts) {
+        doubts.push_back({{"offset", doubt.offset}, {"reason", Why(doubt.mismatch)}});
+    }
+    nlohmann::json json = {{"file", DisplayText(file.Path())},      {"doubts", doubts},
+                           {"output", DisplayText(options.output)}, {"kept", account.kept},
+                           {"uncounted", account.uncounted},        {"dropped", dropped}};
     if (account.cut) json["cutToPoints"] = account.cut->wholePoints;
     return json;
 }
@@ -229,16 +247,21 @@ int RunRepair(const RepairOptions& options, const Terminal& terminal) {
     if (file.IsSame(options.output)) {
         throw Failure(options.output, "is the file to repair; name another one");
     }
+    if (file.IsBeingRecorded()) {
+        terminal.Say("corvantis: {}: is being recorded; repaired is what it holds at this moment\n",
+                     DisplayText(options.file));
+    }
     NewFile repaired(options.output, options.force);
+    repaired.TakeRights(file.Status());
     const Survey survey = SurveyFile(file, terminal);
     OutputFile output(file, repaired, terminal);
     const Account account = WriteRepaired(file, survey, options, output);
     if (options.json) {
         terminal.Print("{}\n", ToJson(file, account, options).dump(2));
-    } else if (!terminal.quiet || !account.dropped.empty()) {
+    } else if (!terminal.quiet || !account.IsWhole()) {
         PrintAccount(file, account, options, terminal);
     }
-    return account.dropped.empty() && !account.cut ? kFine : kFindings;
+    return account.IsWhole() ? kFine : kFindings;
 }
 
 }  // namespace corvantis

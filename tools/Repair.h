@@ -15,7 +15,7 @@ struct RepairOptions {
     bool json = false;
 };
 
-// 0 if everything was kept, 1 if something was dropped.
+// 0 if everything was kept, 1 if something was dropped or is in doubt.
 int RunRepair(const RepairOptions& options, const Terminal& terminal);
 
 }  // namespace corvantis

@@ -17,6 +17,15 @@ struct Stretch {
     int64_t begin = 0;
     int64_t end = 0;
     Mismatch mismatch;
+    std::optional<int64_t> number = std::nullopt;  // of a damaged epoch that the table leads to
+};
+
+// What can be read in two ways, or is odd though it can be read.
+struct Remark {
+    int64_t offset = 0;
+    int64_t number = 0;  // of the epoch
+    Mismatch mismatch;
+    bool isDoubt = false;  // else an epoch of unknown type, which is no fault
 };
 
 // An epoch at the end of the file that is not, or not provably, complete.
@@ -28,7 +37,9 @@ struct UnfinishedEpoch {
 
 struct Survey {
     std::vector<EpochPlace> epochs;  // all complete ones, in file order
+    int64_t numbers = 0;             // all epochs' numbers are below this, damaged ones' too
     std::vector<Stretch> strays;
+    std::vector<Remark> remarks;
     std::optional<UnfinishedEpoch> unfinished;
     // Where the walk ended, and where the table is or would be.
     int64_t tablePosition = 0;
@@ -39,8 +50,23 @@ struct Survey {
 
 Survey SurveyFile(const DataFile& file, const Terminal& terminal);
 
+// Nothing if that epoch is not there, or damaged.
+const EpochPlace* FindNumber(const Survey& survey, int64_t number);
+
+// Why it is not there.
+std::string WhyMissing(const Survey& survey, int64_t number);
+
+// How many epochs the file should hold: beyond those that are there, what the header of a truncated
+// file counts.
+int64_t NumbersOf(const DataFile& file, const Survey& survey);
+
 // Whether a table of at least so many positions begins there.
 bool IsTable(const DataFile& file, int64_t position, int64_t entries);
+
+// Whether a table of these epochs begins there, with their recorded or their real places.
+bool IsExactTable(const DataFile& file, int64_t position, const std::vector<EpochPlace>& epochs);
+// Whether at least every other value of such a table stands there.
+bool HasHalfOfTable(const DataFile& file, int64_t position, const std::vector<EpochPlace>& epochs);
 
 // The table that the library writes for these epochs: beyond their real starts after types that
 // count bytes without having any.

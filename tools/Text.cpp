@@ -1,18 +1,61 @@
-// Converting texts with the C library's iconv.
+// Texts by their own rules of UTF-8, and Mac OS Roman by the C library's iconv.
 #include "Text.h"
 
 #include <iconv.h>
 
-#include <algorithm>
+#include <cstdint>
+#include <optional>
 
 namespace corvantis {
 namespace {
 
-// Empty if the bytes are no text of that encoding.
-std::string ToUtf8(std::string_view bytes, const char* encoding) {
-    iconv_t converter = iconv_open("UTF-8", encoding);
+struct Character {
+    uint32_t code = 0;
+    size_t size = 1;  // [bytes]
+};
+
+bool IsContinuation(char byte) { return (byte & 0xC0) == 0x80; }
+
+// The first character, if it is one: none is written longer than need be, half of a pair, or
+// beyond the last.
+std::optional<Character> FirstOf(std::string_view text) {
+    constexpr uint32_t least[] = {0, 0, 0x80, 0x800, 0x10000};
+    const auto lead = static_cast<uint8_t>(text.front());
+    if (lead < 0x80) return Character{lead, 1};
+    const size_t size = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+    if (lead < 0xC0 || lead >= 0xF8 || text.size() < size) return std::nullopt;
+    uint32_t code = lead & (0x7FU >> size);
+    for (size_t i = 1; i < size; ++i) {
+        if (!IsContinuation(text[i])) return std::nullopt;
+        code = code << 6 | (static_cast<uint8_t>(text[i]) & 0x3FU);
+    }
+    const bool isSurrogate = code >= 0xD800 && code < 0xE000;
+    if (code < least[size] || isSurrogate || code > 0x10FFFF) return std::nullopt;
+    return Character{code, size};
+}
+
+bool IsControl(uint32_t code) {
+    const bool separatesOrTurnsLines = code >= 0x2028 && code <= 0x202E;
+    const bool isolates = code >= 0x2066 && code <= 0x2069;
+    return code < 0x20 || (code >= 0x7F && code < 0xA0) || separatesOrTurnsLines || isolates;
+}
+
+// Nothing if the text is no UTF-8.
+std::optional<std::string> WithoutControls(std::string_view text) {
+    std::string clean;
+    while (!text.empty()) {
+        const std::optional<Character> character = FirstOf(text);
+        if (!character) return std::nullopt;
+        clean += IsControl(character->code) ? " " : text.substr(0, character->size);
+        text.remove_prefix(character->size);
+    }
+    return clean;
+}
+
+std::string FromMacRoman(std::string_view bytes) {
+    iconv_t converter = iconv_open("UTF-8", "MACINTOSH");
     if (converter == reinterpret_cast<iconv_t>(-1)) return {};
-    std::string from(bytes), to(3 * bytes.size(), '\0');  // Mac OS Roman takes up to 3 bytes
+    std::string from(bytes), to(3 * bytes.size(), '\0');
     char* in = from.data();
     char* out = to.data();
     size_t inLeft = from.size(), outLeft = to.size();
@@ -23,40 +66,18 @@ std::string ToUtf8(std::string_view bytes, const char* encoding) {
 }
 
 std::string ToAscii(std::string_view bytes) {
-    std::string text(bytes);
-    std::replace_if(
-        text.begin(), text.end(), [](char c) { return (c & 0x80) != 0; }, '?');
+    std::string text;
+    for (const char c : bytes) text += (c & 0x80) != 0 ? '?' : IsControl(uint32_t(c)) ? ' ' : c;
     return text;
-}
-
-bool IsControl(char c) { return (c >= 0 && c < ' ') || c == '\x7F'; }
-
-// U+0080 to U+009F, which terminals take for commands as well, in UTF-8.
-bool IsLongControl(const std::string& text, size_t i) {
-    return text[i] == '\xC2' && i + 1 < text.size() &&
-           static_cast<unsigned char>(text[i + 1]) < 0xA0;
-}
-
-std::string WithoutControls(const std::string& text) {
-    std::string clean;
-    for (size_t i = 0; i < text.size(); ++i) {
-        const bool isLong = IsLongControl(text, i);
-        clean.push_back(isLong || IsControl(text[i]) ? ' ' : text[i]);
-        if (isLong) ++i;
-    }
-    return clean;
 }
 
 }  // namespace
 
 std::string DisplayText(std::string_view bytes) {
     const std::string_view text = bytes.substr(0, bytes.find('\0'));
-    for (const char* encoding : {"UTF-8", "MACINTOSH"}) {
-        if (const std::string utf8 = ToUtf8(text, encoding); !utf8.empty()) {
-            return WithoutControls(utf8);
-        }
-    }
-    return WithoutControls(ToAscii(text));
+    if (const auto clean = WithoutControls(text)) return *clean;
+    const auto clean = WithoutControls(FromMacRoman(text));
+    return clean && !clean->empty() ? *clean : ToAscii(text);
 }
 
 }  // namespace corvantis

@@ -7,7 +7,8 @@
 namespace corvantis {
 
 // The text up to its first 0 byte as UTF-8: taken as UTF-8 if it is that, else as Mac OS Roman.
-// Control characters become spaces, so that no file can steer a terminal.
+// Control characters, and those that reverse a line, become spaces, so that no file can steer a
+// terminal.
 std::string DisplayText(std::string_view bytes);
 
 }  // namespace corvantis

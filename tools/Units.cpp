@@ -21,8 +21,6 @@ Conversion InVolts(float countsPerVolt) {
     return {.countsPerVolt = static_cast<double>(countsPerVolt), .unit = "V"};
 }
 
-Conversion Words() { return {.unit = "word", .isWord = true}; }
-
 // A full unit name has no terminator.
 std::string UnitName(const char (&name)[ITC_UNITS_LENGTH]) {
     return DisplayText({name, ITC_UNITS_LENGTH});
@@ -34,6 +32,8 @@ bool HasUnits(const Conversion& volts, const std::string& unit, float factor) {
 }
 
 }  // namespace
+
+Conversion Words() { return {.unit = "word", .isWord = true}; }
 
 Conversion ResponseInVolts(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t entry) {
     if ((epoch.channelSequence[entry] & kDigitalInput) != 0) return Words();

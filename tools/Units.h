@@ -22,9 +22,14 @@ struct Conversion {
     bool isWord = false;
     double operator()(int16_t counts) const {
         // The digital port's samples are 16 lines, not a potential.
-        return isWord ? static_cast<uint16_t>(counts) : counts / countsPerVolt / gain * factor;
+        return isWord ? static_cast<uint16_t>(counts) : Level(counts);
     }
+    // Of a parameter, which need not fit the converter.
+    double Level(double counts) const { return counts / countsPerVolt / gain * factor; }
 };
+
+// Of the digital port.
+Conversion Words();
 
 // Volts, or words of the digital port; counts of a file whose scale is no number above 0 stay
 // counts.

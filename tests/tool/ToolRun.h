@@ -48,17 +48,15 @@ inline ToolRun RunTool(const std::string& line) {
     for (std::string& argument : arguments) argv.push_back(argument.data());
     const Stream results = StreamOver(), messages = StreamOver();
     corvantis::Terminal terminal{results.get(), messages.get()};
-    ToolRun run;
-    run.code = corvantis::RunCommandLine(static_cast<int>(argv.size()), argv.data(), terminal);
-    run.results = TextOf(results.get());
-    run.messages = TextOf(messages.get());
-    return run;
+    const int code =
+        corvantis::RunCommandLine(static_cast<int>(argv.size()), argv.data(), terminal);
+    return {code, TextOf(results.get()), TextOf(messages.get())};
 }
 
-// A shell's command line; only standard output is kept.
+// A shell's command line, in which $C is the program; only standard output is kept.
 inline ToolRun RunShell(const std::string& command) {
     ToolRun run;
-    FILE* pipe = popen(command.c_str(), "r");
+    FILE* pipe = popen(("C=" CORVANTIS_PROGRAM "; " + command).c_str(), "r");
     if (pipe == nullptr) return run;
     for (int c = fgetc(pipe); c != EOF; c = fgetc(pipe))
         run.results.push_back(static_cast<char>(c));
@@ -67,20 +65,12 @@ inline ToolRun RunShell(const std::string& command) {
     return run;
 }
 
-inline ToolRun RunProgram(const std::string& arguments) {
-    return RunShell(CORVANTIS_PROGRAM " " + arguments);
+inline nlohmann::json FindingsOf(const std::string& file, const std::string& options = "") {
+    return nlohmann::json::parse(RunTool("check --json " + file + options).results)[0]["findings"];
 }
 
-// Where and what, of each finding about a file's stimuli.
-inline std::vector<std::string> StimulusFindings(const std::string& file) {
-    std::vector<std::string> found;
-    const auto json = nlohmann::json::parse(RunTool("check --stimulus --json " + file).results);
-    for (const auto& finding : json[0]["findings"]) {
-        const std::string where = finding["where"];
-        if (where.starts_with("epoch"))
-            found.push_back(where + ": " + std::string(finding["found"]));
-    }
-    return found;
+inline bool Contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
 }
 
 }  // namespace corvantis_test

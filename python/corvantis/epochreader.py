@@ -3,7 +3,6 @@ from __future__ import annotations
 
 import ctypes
 import warnings
-from functools import cached_property
 
 import numpy as np
 from numpy.typing import NDArray
@@ -12,13 +11,15 @@ from .epochplaces import Place, find_epochs, make_current, position_table
 from .errors import FILE_ERROR, STIMULUS_ERROR, CorvantisError
 from .headers import EpochHeader, FileHeader
 from .layout import from_address, from_bytes
+from .lazy import lazy
 from .library import Library, guarded
-from .session import Deviates, OpenFile, forget_spare_deviates, reading, release
-from .stimuli import (TYPES, Conductance, DynamicClamp, Noise, SegmentedNoise, Stimulus, Summed,
-                      SummedRecord)
+from .noise import NOISES, NoiseHistory, Share, behind, share_of
+from .session import OpenFile, reading, release
+from .stimuli import TYPES, Conductance, DynamicClamp, Stimulus, Summed, SummedRecord
 
 Counts = NDArray[np.int16]
 DIGITAL_INPUT, DIGITAL_OUTPUT = 8, 4
+DRAWING = {Summed.type, *(noise.type for noise in NOISES)}
 
 
 class CorvantisWarning(UserWarning):
@@ -38,7 +39,7 @@ class EpochReader:
         """Let go of the file; `end` also gives back the library's buffers."""
         release(self.file, end)
 
-    @cached_property
+    @lazy
     def places(self) -> list[Place]:
         """Every epoch's place, found when first asked for."""
         with reading(self.file) as lib:
@@ -96,21 +97,18 @@ class EpochReader:
     def played(self, epoch: int, header: EpochHeader) -> Counts:
         """The recomputed stimulus, shape (points, entries), as if computed in the file's order.
 
-        Noise can begin with a number left over from the noise before it, in another epoch. So the
-        noise of earlier epochs is computed first, once each and in their order: what is returned
-        is what was played if the recording program did the same. Where one of them cannot be
-        computed, a CorvantisWarning names it.
+        Noise can continue the noise before it, in another epoch. So what the noise of earlier
+        epochs drew is drawn first: what is returned is what was played if the recording program
+        computed each epoch once, in order. Where one of them, or what the program did before the
+        file's first epoch, is not known but matters, a CorvantisWarning says so.
         """
-        with guarded() as lib:
+        with guarded():
             self._check_sums(epoch, header)
-            if not self.noise_types(epoch, header):
+            if epoch not in self._noise.places:
                 return self._samples(epoch, header, "ITCReadEpochStm")
-            earlier = [each for each in self._history if each < epoch]
-            self._replay(lib, earlier)
-            Deviates.file, Deviates.epochs = None, 0
-            samples = self._samples(epoch, header, "ITCReadEpochStm")
-            Deviates.file, Deviates.epochs = self.file, len(earlier) + (epoch in self._history)
-            return samples
+            self._warn_of_doubts(epoch)
+            with behind(self._noise, epoch):
+                return self._samples(epoch, header, "ITCReadEpochStm")
 
     def _check_sums(self, epoch: int, header: EpochHeader) -> None:
         """Refuse sums with a wave that is not stored: the library would compute them without it."""
@@ -120,38 +118,29 @@ class EpochReader:
         if reason:
             raise self.failure(STIMULUS_ERROR, epoch, reason)
 
-    def _replay(self, lib: Library, earlier: list[int]) -> None:
-        """Bring the library to where it was after computing these epochs one after the other."""
-        done = Deviates.epochs if Deviates.file is self.file else len(earlier) + 1
-        if done > len(earlier):
-            forget_spare_deviates(lib)
-            done = 0
-        for each in earlier[done:]:
-            try:
-                self._samples(each, self.epoch_header(each), "ITCReadEpochStm")
-            except CorvantisError:
-                self._warn(f"epoch {each} cannot be recomputed: noise behind it may begin wrongly")
+    def _warn_of_doubts(self, epoch: int) -> None:
+        uncertain = self._noise.uncertain(epoch)
+        if uncertain is not None:
+            self._warn(f"epoch {uncertain} cannot be recomputed: the noise of epoch {epoch}, "
+                       "behind it, may be another one than was played")
+        elif self._noise.precedes_the_file(epoch):
+            self._warn(f"the noise of epoch {epoch} continues noise before the file's first: it is "
+                       "as played if the recording program had computed none")
 
-    def noise_types(self, epoch: int, header: EpochHeader) -> set[int]:
-        """Types of Gaussian noise among an epoch's stimuli and their components."""
-        codes = set(header.stimType[:header.sequenceLength])
-        if Summed.type in codes:
-            codes |= {component.type for stimulus in self.stimuli(epoch, header)
-                      if isinstance(stimulus, Summed) for component in stimulus.components}
-        return codes & {Noise.type, SegmentedNoise.type}
+    @lazy
+    def _noise(self) -> NoiseHistory:
+        """What the noise of the file draws; a damaged epoch may have drawn anything."""
+        shares = [self._share(epoch, place) for epoch, place in enumerate(self.places)]
+        return NoiseHistory([share for share in shares if share.draws or not share.certain])
 
-    @cached_property
-    def _history(self) -> list[int]:
-        """Epochs with Gaussian noise from the first on that may leave a number over.
-
-        Segmented noise draws as many as it has segments, and so did noise up to version 4; newer
-        noise draws an even number.
-        """
-        noisy = [(epoch, self.noise_types(epoch, from_bytes(EpochHeader, place.header)))
-                 for epoch, place in enumerate(self.places) if place.header is not None]
-        odd = {SegmentedNoise.type} | ({Noise.type} if self.header.version <= 4 else set())
-        first = next((epoch for epoch, types in noisy if types & odd), len(self.places))
-        return [epoch for epoch, types in noisy if types and epoch >= first]
+    def _share(self, epoch: int, place: Place) -> Share:
+        if place.header is None:
+            return Share(epoch, [], certain=False)
+        header = from_bytes(EpochHeader, place.header)
+        if not DRAWING.isdisjoint(header.stimType[:header.sequenceLength]):
+            return share_of(epoch, self.stimuli(epoch, header), self.header.version,
+                            header.epochPoints)
+        return Share(epoch, [])
 
     def channel(self, epoch: int, word: int, entry: int, direction: str) -> int:
         """Number of the input or output that a sequence word names; -1 if it names none.

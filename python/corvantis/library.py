@@ -8,6 +8,8 @@ from __future__ import annotations
 
 import ctypes
 import os
+import shutil
+import tempfile
 import threading
 from collections.abc import Iterator
 from contextlib import contextmanager
@@ -53,11 +55,18 @@ def _standard_output(libc: ctypes.CDLL) -> ctypes.c_void_p:
         return ctypes.c_void_p.in_dll(libc, "__stdoutp")
 
 
+class Place(ctypes.Structure):
+    """Where a function is loaded: the dynamic loader's answer."""
+
+    _fields_ = [("file", ctypes.c_char_p), ("base", ctypes.c_void_p),
+                ("name", ctypes.c_char_p), ("address", ctypes.c_void_p)]
+
+
 class Library:
     """The library's functions (`functions`), the variables that we use, and its streams."""
 
-    def __init__(self) -> None:
-        self.functions = find_library()
+    def __init__(self, functions: ctypes.CDLL, copied: Library | None = None) -> None:
+        self.functions = functions
         self._libc = libc = ctypes.CDLL(None)
         self._file = ctypes.c_void_p.in_dll(self.functions, "ITCOpenFilePtr")
         self._stdout = _standard_output(libc)
@@ -68,8 +77,22 @@ class Library:
         self._read_header = self.functions.Read_ITCEpochHeader
         self._read_floats.restype = self._read_header.restype = ctypes.c_bool
         libc.fopen.restype = ctypes.c_void_p
-        self._null = ctypes.c_void_p(libc.fopen(os.fsencode(os.devnull), b"w"))
+        self._null: ctypes.c_void_p = copied._null if copied else \
+            ctypes.c_void_p(libc.fopen(os.fsencode(os.devnull), b"w"))
+        self.is_copy = copied is not None
+        self.path: str = copied.path if copied else self._find_path()
         self.random, self.seed_random = libc.rand, libc.srand
+
+    def _find_path(self) -> str:
+        """The file that the loader took the library from."""
+        place = Place()
+        self._libc.dladdr(ctypes.cast(self.functions.ITCCloseFile, ctypes.c_void_p),
+                          ctypes.byref(place))
+        return os.path.abspath(os.fsdecode(place.file))
+
+    def unload(self) -> None:
+        """Take the library out of memory; nothing of it may be called any more."""
+        self._libc.dlclose(ctypes.c_void_p(self.functions._handle))
 
     def pointer(self, name: str) -> int:
         """The value of one of the library's exported pointers."""
@@ -96,10 +119,13 @@ class Library:
         header = ctypes.c_void_p(self.pointer("epochhdr"))
         return bool(self._read_header(self._file, header, version))
 
-    def silence(self) -> int | None:
-        """Point C's standard output at the null device; what it was before is handed back."""
-        before, self._stdout.value = self._stdout.value, self._null.value
-        return before
+    def output(self) -> int | None:
+        """What C's standard output is."""
+        return self._stdout.value
+
+    def silence(self) -> None:
+        """Point C's standard output at the null device."""
+        self._stdout.value = self._null.value
 
     def restore(self, before: int | None) -> None:
         """Undo `silence`."""
@@ -121,10 +147,24 @@ def guarded() -> Iterator[Library]:
     """The library, for this thread alone and silent."""
     global _loaded
     with lock:
-        if _loaded is None:
-            _loaded = Library()
-        before = _loaded.silence()
+        library = _loaded = _loaded or Library(find_library())
+        before = library.output()
         try:
-            yield _loaded
+            library.silence()
+            yield library
         finally:
-            _loaded.restore(before)
+            library.restore(before)
+
+
+def exchange() -> None:
+    """From now on use another copy of the library, in the state in which it is loaded.
+
+    The loader takes another file for another library. What the used one holds must have been given
+    back.
+    """
+    global _loaded
+    with guarded() as used:
+        with tempfile.TemporaryDirectory() as folder:
+            _loaded = Library(ctypes.CDLL(shutil.copy(used.path, folder)), used)
+        if used.is_copy:
+            used.unload()

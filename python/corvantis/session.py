@@ -5,14 +5,13 @@ and this one opened again, which costs about as much as reading a few epochs' he
 """
 from __future__ import annotations
 
-import ctypes
 import os
 import re
 from collections.abc import Iterator
 from contextlib import contextmanager
 
 from .errors import FILE_ERROR, CorvantisError
-from .library import Library, guarded, lock
+from .library import Library, exchange, guarded, lock
 
 SMALLEST_BUFFER = 1 << 16
 LARGEST_BUFFER = (1 << 31) - 1
@@ -43,13 +42,6 @@ class _State:
 
     owner: OpenFile | None = None
     capacity: int = 0
-
-
-class Deviates:
-    """Whose noise the library computed last, and how many epochs of that file's history."""
-
-    file: OpenFile | None = None
-    epochs: int = 0
 
 
 def _quoted(path: str) -> bytes:
@@ -116,28 +108,17 @@ def release(file: OpenFile, end: bool) -> None:
                 _stop(lib)
 
 
+def load_anew() -> None:
+    """Exchange the library for a new one: no call takes its generators back to their beginning."""
+    with guarded() as lib:
+        _stop(lib)
+        exchange()
+
+
 def free_slots(lib: Library) -> None:
     """Empty the stimulus slots: reading over a sum would leave its components behind."""
     for slot in range(4):
         lib.ITCFreeParams(slot)
-
-
-def forget_spare_deviates(lib: Library) -> None:
-    """Drop Gaussian deviates left over from earlier noise, of either generator.
-
-    They are made in pairs, and the second one begins the next noise. A call that leaves its source
-    of uniform numbers alone has handed out a left-over; any other has made one.
-    """
-    state = ctypes.c_int32(-1)
-    lib.ITCNormalDeviate(ctypes.byref(state))
-    if state.value != -1:
-        lib.ITCNormalDeviate(ctypes.byref(state))
-    lib.seed_random(1)
-    first = lib.random()
-    lib.seed_random(1)
-    lib.V4ITCNormalDeviate()
-    if lib.random() != first:
-        lib.V4ITCNormalDeviate()
 
 
 def _leave_to_parent() -> None:

@@ -45,3 +45,12 @@ def compiled(tmp_path):
                         "-o", tmp_path / "program"], input=text, text=True, check=True)
         return tmp_path / "program"
     return build
+
+
+@pytest.fixture
+def tool():
+    """tool(arguments...) runs the command-line tool of the library's build."""
+    def run(*arguments):
+        program = Path(find_library()._name).resolve().parent.parent / "tools" / "corvantis"
+        return subprocess.run([program, *arguments], capture_output=True, text=True)
+    return run

@@ -4,6 +4,7 @@ The package reads through the library that records here, and the library has one
 played and acquired goes to FILE.npz, so that nothing is compared with what the library reads.
 """
 import ctypes
+import random
 import sys
 
 import numpy as np
@@ -186,6 +187,29 @@ def lost(rig):
     rig.epoch([segmented])
 
 
+def history(rig, seed, version=8):
+    """Noise of every kind and seed, alone and in sums, over one to four entries."""
+    choose = random.Random(seed)
+    ctypes.c_int8.from_address(ctypes.c_void_p.in_dll(rig.lib, "filehdr").value).value = version
+
+    def noise():
+        points = choose.choice((60, 63, 64, 128, 300))
+        runs = choose.choice((0, 5, -7, -9, -2**31, 12)), points, 321 - points, 80
+        kind = choose.choice((stimuli.Noise, stimuli.SegmentedNoise, stimuli.BinaryNoise))
+        if kind is stimuli.Noise:
+            return kind(500, 7, *runs, choose.choice((4, 5)), 1000, 1)
+        return kind(500, 7, *runs, choose.choice((5, 20, 60, 100)))
+
+    def entry():
+        components = stimuli.Summed((noise(), pulse(9, 401), noise()))
+        return choose.choice((noise(), noise(), components, pulse(80, 401)))
+
+    rig.epoch([stimuli.Noise(500, 7, -seed, 300, 21, 80, 4, 1000, 1)], points=401)
+    for _ in range(40):
+        played = [entry() for _ in range(choose.choice((1, 1, 1, 2, 4)))]
+        rig.epoch(played, "0123"[:len(played)], points=401)
+
+
 def odd(rig):
     """Epochs without points, without usable factors, and of another text encoding."""
     rig.epoch([pulse(0, 0)], points=0)
@@ -207,5 +231,6 @@ def many(rig):
 
 if __name__ == "__main__":
     rig = Rig(sys.argv[2])
-    globals()[sys.argv[1]](rig)
+    name, *numbers = sys.argv[1].split("-")
+    globals()[name](rig, *map(int, numbers))
     rig.close()

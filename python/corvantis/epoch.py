@@ -67,8 +67,9 @@ class Epoch:
 
     @lazy
     def time(self) -> Samples:
-        """Time of each point from the epoch's start, shape (points,) [s]."""
-        return np.arange(self.points, dtype=np.float64) * self.header.samplingInterval / 1e6
+        """Time of each point from the epoch's start, shape (points,) [s]; empty without entries."""
+        points = self.points if self.header.sequenceLength else 0
+        return np.arange(points, dtype=np.float64) * self.header.samplingInterval / 1e6
 
     # ---- Samples --------------------------------------------------------------------------
 

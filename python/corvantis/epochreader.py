@@ -7,19 +7,18 @@ import warnings
 import numpy as np
 from numpy.typing import NDArray
 
-from .epochplaces import Place, find_epochs, make_current, position_table
-from .errors import FILE_ERROR, STIMULUS_ERROR, CorvantisError
+from .epochplaces import Place, current_epoch_header, find_epochs, point_at, position_table
+from .errors import BAD_ARGUMENT, FILE_ERROR, STIMULUS_ERROR, CorvantisError
 from .headers import EpochHeader, FileHeader
 from .layout import from_address, from_bytes
 from .lazy import lazy
 from .library import Library, guarded
-from .noise import NOISES, NoiseHistory, Share, behind, share_of
-from .session import OpenFile, reading, release
+from .noise import DRAWING, NoiseHistory, Share, behind, share_of
+from .session import OpenFile, free_slots, reading, release
 from .stimuli import TYPES, Conductance, DynamicClamp, Stimulus, Summed, SummedRecord
 
 Counts = NDArray[np.int16]
 DIGITAL_INPUT, DIGITAL_OUTPUT = 8, 4
-DRAWING = {Summed.type, *(noise.type for noise in NOISES)}
 
 
 class CorvantisWarning(UserWarning):
@@ -65,19 +64,28 @@ class EpochReader:
             raise self.failure(FILE_ERROR, epoch)
         return from_bytes(EpochHeader, block)
 
-    def _point(self, lib: Library, epoch: int) -> None:
-        """Make an epoch the current one, wherever the file's own table says that it begins."""
+    def _ask(self, lib: Library, function: str, epoch: int, *arguments: object) -> int:
+        """The result of a function that reads an epoch, wherever the file's own table says that it
+        begins, and finds the header there that was found before."""
+        place = self.places[epoch]
         if epoch >= len(position_table(lib)):
             raise self.failure(FILE_ERROR, epoch)
-        result = make_current(lib, epoch, self.places[epoch].offset)
+        point_at(lib, epoch, place.offset)
+        result = int(getattr(lib, function)(epoch, *arguments))
+        if result == 0 and current_epoch_header(lib) != place.header:
+            raise self.file.changed()
+        return result
+
+    def _point(self, lib: Library, epoch: int) -> None:
+        """Make an epoch the current one."""
+        result = self._ask(lib, "ITCEpochParameters", epoch)
         if result != 0:
             raise self.failure(result, epoch)
 
     def _samples(self, epoch: int, header: EpochHeader, function: str) -> Counts:
         samples = np.empty((header.epochPoints, header.sequenceLength), dtype=np.int16)
         with reading(self.file, samples.size) as lib:
-            self._point(lib, epoch)
-            result = getattr(lib, function)(epoch, samples.ctypes.data_as(ctypes.c_void_p))
+            result = self._ask(lib, function, epoch, samples.ctypes.data_as(ctypes.c_void_p))
         if result != 0:
             raise self.failure(result, epoch, self._reason(epoch, header, result))
         return samples
@@ -148,11 +156,13 @@ class EpochReader:
         The library reads the epoch for this, so a word is asked about only once.
         """
         if (direction, word) not in self._channels:
-            result = ctypes.c_int32(-1)
+            channel = ctypes.c_int32(-1)
             with reading(self.file) as lib:
-                self._point(lib, epoch)
-                getattr(lib, f"ITCGet{direction}Chan")(epoch, entry, ctypes.byref(result))
-            self._channels[direction, word] = result.value
+                result = self._ask(lib, f"ITCGet{direction}Chan", epoch, entry,
+                                   ctypes.byref(channel))
+            if result not in (0, BAD_ARGUMENT):
+                raise self.failure(result, epoch)
+            self._channels[direction, word] = channel.value
         return self._channels[direction, word]
 
     def stimuli(self, epoch: int, header: EpochHeader) -> tuple[Stimulus, ...]:
@@ -173,6 +183,7 @@ class EpochReader:
 
         Reading an entry's parameters leaves the file behind its arrays.
         """
+        free_slots(lib)
         lib.seek(self.places[epoch].offset)
         lib.read_epoch_header(self.header.version)
         for each in range(entry + 1):

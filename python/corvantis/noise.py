@@ -19,7 +19,7 @@ from .library import Library, guarded
 from .session import load_anew
 from .stimuli import BinaryNoise, CirclePulse, Generic, Noise, SegmentedNoise, Stimulus, Summed
 
-NOISES: tuple[type[Stimulus], ...] = (Noise, SegmentedNoise, BinaryNoise)
+DRAWING = {Noise.type, SegmentedNoise.type, BinaryNoise.type, Summed.type}
 LAST_VERSION_ON_PLATFORM = 4    # filtered noise of these files draws from the C library's rand
 
 RESTARTING_WORD = -(1 << 31)    # the one seed below 0 whose negative is not above it
@@ -64,7 +64,7 @@ def _draws(stimulus: Stimulus, version: int) -> list[Draws]:
 
 
 def _fits(stimulus: Stimulus, points: int) -> bool:
-    if not isinstance(stimulus, NOISES):
+    if not isinstance(stimulus, (Noise, SegmentedNoise)):
         return True
     total = stimulus.prePoints + stimulus.points + stimulus.tailPoints
     return 0 <= stimulus.points <= points and total <= points

@@ -128,8 +128,10 @@ class Library:
         self._stdout.value = self._null.value
 
     def restore(self, before: int | None) -> None:
-        """Undo `silence`."""
-        self._stdout.value = before
+        """Undo `silence`, but for one within another, which an interruption can leave to be undone
+        behind that."""
+        if before != self._null.value:
+            self._stdout.value = before
 
     @staticmethod
     def check(result: int, filename: str | None, detail: str = "") -> None:
@@ -164,7 +166,12 @@ def exchange() -> None:
     """
     global _loaded
     with guarded() as used:
-        with tempfile.TemporaryDirectory() as folder:
-            _loaded = Library(ctypes.CDLL(shutil.copy(used.path, folder)), used)
+        descriptor, copy = tempfile.mkstemp()
+        try:
+            os.close(descriptor)
+            shutil.copyfile(used.path, copy)
+            _loaded = Library(ctypes.CDLL(copy), used)
+        finally:
+            os.unlink(copy)
         if used.is_copy:
             used.unload()

@@ -9,6 +9,7 @@ from __future__ import annotations
 import ctypes
 import os
 import shutil
+import sysconfig
 import tempfile
 import threading
 from collections.abc import Iterator
@@ -27,21 +28,30 @@ _loaded: Library | None = None
 
 
 def _open_shared(folder: Path) -> ctypes.CDLL:
-    """The library of a wheel. Its driver is loaded first, so that the loader need not look."""
+    """The library in a folder. Its driver is loaded first, so that the loader need not look."""
     driver = folder / DRIVER
     if driver.exists():
         ctypes.CDLL(str(driver))
     return ctypes.CDLL(str(folder / SONAME))
 
 
+def _folders() -> list[Path]:
+    """Where the package's own library may be: a wheel has it inside, an installation above, for
+    instance in lib/ of lib/python3/dist-packages/corvantis."""
+    package = Path(__file__).resolve().parent
+    multiarch = sysconfig.get_config_var("MULTIARCH") or "."
+    return [package] + [above / name for above in package.parents[1:4]
+                        for name in ("lib", "lib64", Path("lib") / multiarch)]
+
+
 def find_library() -> ctypes.CDLL:
     """Load what CORVANTIS_LIBRARY names, else the package's own library, else the system's."""
     named = os.environ.get(VARIABLE)
-    folder = Path(__file__).parent
     try:
         if named:
             return ctypes.CDLL(named)
-        return _open_shared(folder) if (folder / SONAME).exists() else ctypes.CDLL(SONAME)
+        own = next((folder for folder in _folders() if (folder / SONAME).exists()), None)
+        return _open_shared(own) if own else ctypes.CDLL(SONAME)
     except OSError as error:
         raise CorvantisError(1, named, f"no library: {error}; set {VARIABLE} to its path") \
             from error

@@ -185,7 +185,7 @@ def _dress_bars(panels: Panels, sweeps: list[Sweep], stack: bool) -> None:
 def _name_rows(axes: Axes, sweeps: list[Sweep], curves: list[Samples], unit: str) -> None:
     """Stacked sweeps bear their numbers, and the level that each begins with."""
     low, high = axes.get_ylim()
-    room = 0.06 * (high - low) * (1 - 1 / len(curves))      # what there is for the rows together
+    room = 0.05 * (high - low) * (1 - 1 / len(curves))     # that of all rows, made for one
     axes.set_ylim(low + room, high - room)
     for sweep, curve in zip(sweeps, curves):
         if curve.size:

@@ -39,4 +39,5 @@ class CorvantisError(Exception):
 
     def __str__(self) -> str:
         about = [text for text in (self.filename, self.detail) if text]
-        return ": ".join([*about, f"{self.meaning} (result code {self.code})"])
+        text = ": ".join([*about, f"{self.meaning} (result code {self.code})"])
+        return "".join(each if each.isprintable() else ascii(each)[1:-1] for each in text)

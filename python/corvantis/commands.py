@@ -5,7 +5,9 @@ import argparse
 import os
 import signal
 import sys
-from collections.abc import Callable, Sequence
+import threading
+from collections.abc import Callable, Iterator, Sequence
+from contextlib import contextmanager
 from typing import TYPE_CHECKING
 
 from .epoch import Epoch
@@ -133,14 +135,26 @@ def _end(number: int, _: object) -> None:
     sys.exit(128 + number)
 
 
+@contextmanager
+def _ended_by_signals() -> Iterator[None]:
+    before = {}
+    if threading.current_thread() is threading.main_thread():
+        before = {number: signal.signal(number, _end)
+                  for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP)
+                  if signal.getsignal(number) not in (signal.SIG_IGN, None)}
+    try:
+        yield
+    finally:
+        for number, handler in before.items():
+            signal.signal(number, handler)
+
+
 def _run(work: Callable[[argparse.Namespace], None], options: argparse.Namespace,
          name: str) -> int:
-    for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
-        if signal.getsignal(number) is not signal.SIG_IGN:
-            signal.signal(number, _end)
     try:
-        _check_output(options)
-        work(options)
+        with _ended_by_signals():
+            _check_output(options)
+            work(options)
     except (CorvantisError, OSError, ValueError) as error:
         print(f"corvantis {name}: {error}", file=sys.stderr)
         return UNUSABLE

@@ -39,9 +39,9 @@ def _folders() -> list[Path]:
     """Where the package's own library may be: a wheel has it inside, an installation above, for
     instance in lib/ of lib/python3/dist-packages/corvantis."""
     package = Path(__file__).resolve().parent
-    multiarch = sysconfig.get_config_var("MULTIARCH") or "."
+    multiarch = sysconfig.get_config_var("MULTIARCH") or ""
     return [package] + [above / name for above in package.parents[1:4]
-                        for name in ("lib", "lib64", Path("lib") / multiarch)]
+                        for name in ("lib", "lib64", f"lib/{multiarch}")]
 
 
 def find_library() -> ctypes.CDLL:

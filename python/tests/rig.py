@@ -27,7 +27,7 @@ class Rig:
         self.lib, self.simulator = find_library(), ctypes.CDLL("libITC18.so.1")
         self.buffers = [np.zeros(CAPACITY, dtype=np.int16) for _ in range(2)]
         self.addresses = [ctypes.c_void_p(buffer.ctypes.data) for buffer in self.buffers]
-        self.kept, self.log = [], {}
+        self.log = {}
         self.do("ITCInit", *map(ctypes.byref, self.addresses),
                 ctypes.byref(ctypes.c_int32(CAPACITY)), 0)
         self.do("ITCCreateFile", path.encode(), 1)
@@ -56,8 +56,7 @@ class Rig:
         points = self.header.epochPoints
         block = ctypes.create_string_buffer(4096)
         if isinstance(stimulus, stimuli.FileWave):
-            self.kept.append(np.arange(100, 100 + points, dtype=np.int16))
-            return (ctypes.c_void_p * 2)(self.kept[-1].ctypes.data, points)
+            return (ctypes.c_void_p * 2)(self.buffers[0].ctypes.data, points)
         if isinstance(stimulus, stimuli.TriggerSeries):
             return (ctypes.c_int32 * 9)(0, 1000, 10, points, 0, 0)
         if isinstance(stimulus, stimuli.Summed):
@@ -80,29 +79,25 @@ class Rig:
         for slot, stimulus in enumerate(played):
             self.install(slot, stimulus)
         for name, value in fields.items():
-            self.set_field(name, value)
+            self.set(name, value)
         if computed:
             self.do("ITCUpdateStm")
         if computed and points:
             self.do("ITCInitAcq")
-            assert self.simulator.ITC18Simulator_Play(self.pointer("itc"), *self.addresses[::-1],
-                                                      points) == 0
+            self.simulator.ITC18Simulator_Play(self.pointer("itc"), *self.addresses[::-1], points)
         number = len(self.log) // 2
         for name, buffer in zip(("acquired", "played"), self.buffers):
             samples = buffer[:points * len(inputs)].reshape(points, len(inputs))
             self.log[f"{name}{number}"] = samples.copy()
         self.do("ITCSaveToFile")
 
-    def set_field(self, name, value):
+    def set(self, name, value):
         """Set a header field, or the first elements of one that is an array."""
         if not isinstance(value, list):
-            setattr(self.header, name, value)
-            return
-        for place, each in enumerate(value):
-            if isinstance(each, bytes):
-                getattr(self.header, name)[place].value = each
-            else:
-                getattr(self.header, name)[place] = each
+            return setattr(self.header, name, value)
+        field = getattr(self.header, name)
+        field[:len(value)] = [(ctypes.c_char * 16)(*each) if isinstance(each, bytes) else each
+                              for each in value]
 
 
 CLAMP = {"ampGain": [0.01] * 4, "convFactor": [400] * 4, "inputUnits": [b"mV"] * 4,

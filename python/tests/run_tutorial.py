@@ -1,13 +1,12 @@
 """Runs a tutorial: its shell and Python blocks in order, in a clean virtual environment.
 
-    run_tutorial.py TUTORIAL --wheel WHEEL --recording FILE --images FOLDER [--update]
+    run_tutorial.py TUTORIAL WHEEL RECORDING IMAGES [update]
 
 Blocks run in a folder that holds the wheel and the recording, as `demo.dat`. A `text` block must be
 what the block before it prints. A Python block knows what the ones before it have defined. Every
-picture that the page shows must come from the run and look like the one in FOLDER; `--update` puts
+picture that the page shows must come from the run and look like the one in IMAGES; `update` puts
 it there instead.
 """
-import argparse
 import re
 import shutil
 import subprocess
@@ -33,9 +32,9 @@ def run_blocks(page, folder):
             if [line.rstrip() for line in printed.splitlines()] != code.splitlines():
                 sys.exit(f"the page shows\n{code}\nbut the block before it prints\n{printed}")
             continue
-        command = ["bash", "-euo", "pipefail", "-c", code]
+        command = "bash", "-euo", "pipefail", "-c", code
         if language == "python":
-            command = ["python3", "-W", "error", "-c", QUIETLY + earlier + code]
+            command = "python3", "-W", "error", "-c", QUIETLY + earlier + code
             earlier += re.sub("^", "    ", code, flags=re.MULTILINE) + "\n"
         done = subprocess.run(command, cwd=folder, env=environment, capture_output=True, text=True)
         if done.returncode != 0:
@@ -58,15 +57,9 @@ def check_pictures(page, folder, images, update):
             sys.exit(f"{kept} is not the picture that the page's blocks make")
 
 
-parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-parser.add_argument("tutorial", type=Path)
-for option in ("wheel", "recording", "images"):
-    parser.add_argument(f"--{option}", type=Path, required=True)
-parser.add_argument("--update", action="store_true")
-options = parser.parse_args()
+tutorial, wheel, recording, images, *update = map(Path, sys.argv[1:])
 with tempfile.TemporaryDirectory() as folder:
-    shutil.copy(options.wheel, folder)
-    shutil.copy(options.recording, Path(folder, "demo.dat"))
-    page = options.tutorial.read_text()
-    run_blocks(page, folder)
-    check_pictures(page, folder, options.images, options.update)
+    shutil.copy(wheel, folder)
+    shutil.copy(recording, Path(folder, "demo.dat"))
+    run_blocks(tutorial.read_text(), folder)
+    check_pictures(tutorial.read_text(), folder, images, update)

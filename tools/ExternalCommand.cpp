@@ -3,12 +3,24 @@
 
 #include <unistd.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "Failure.h"
 
 namespace corvantis {
+namespace {
+
+// An installation that is not in the path finds its own programs all the same.
+std::string BesideThisProgram(const std::string& program, const char* calledAs) {
+    std::error_code none;
+    std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", none);
+    if (none) self = calledAs;
+    return (self.parent_path() / program).string();
+}
+
+}  // namespace
 
 void RunExternalCommand(int argc, char** argv) {
     const std::string name = argv[1];
@@ -18,11 +30,13 @@ void RunExternalCommand(int argc, char** argv) {
         std::vector<char*> arguments(argv + 1, argv + argc);
         arguments[0] = program.data();
         arguments.push_back(nullptr);
+        const std::string beside = BesideThisProgram(program, argv[0]);
+        if (beside.find('/') != std::string::npos) execv(beside.c_str(), arguments.data());
         execvp(program.c_str(), arguments.data());
         if (errno != ENOENT) throw SystemFailure(program);
     }
     throw Failure("no sub-command '" + name + "', and no program " + program +
-                  " in the path; see corvantis --help");
+                  " beside this one or in the path; see corvantis --help");
 }
 
 }  // namespace corvantis

@@ -3,8 +3,11 @@ from __future__ import annotations
 
 import argparse
 import os
+import signal
 import sys
-from collections.abc import Callable, Sequence
+import threading
+from collections.abc import Callable, Iterator, Sequence
+from contextlib import contextmanager
 from typing import TYPE_CHECKING
 
 from .epoch import Epoch
@@ -14,7 +17,8 @@ from .recording import Recording, open_recording
 if TYPE_CHECKING:
     from matplotlib.figure import Figure
 
-FORMATS = ("png", "svg", "pdf")
+FIGURES = ("png", "svg", "pdf")
+TABLE = "csv"
 UNUSABLE = 2    # exit status for a file or arguments that cannot be used
 
 
@@ -37,25 +41,31 @@ def chosen_epochs(text: str | None, count: int) -> list[int]:
     return numbers
 
 
-def _arguments(name: str, purpose: str) -> argparse.ArgumentParser:
+def _arguments(name: str, purpose: str, endings: Sequence[str], output: str,
+               ) -> argparse.ArgumentParser:
     parser = argparse.ArgumentParser(prog=f"corvantis {name}", description=purpose)
+    parser.set_defaults(endings=endings)
     parser.add_argument("file", help="data file")
     parser.add_argument("-e", "--epoch", metavar="0,3-7", help="epochs, counted from 0 (all)")
     parser.add_argument("-c", "--channel", type=int, default=0, metavar="ENTRY",
                         help="entry of the channel sequence, counted from 0 (0)")
-    parser.add_argument("-o", "--output", metavar="NAME",
-                        help="figure to write, by its ending as png, svg or pdf (a window)")
+    parser.add_argument("-o", "--output", metavar="NAME", help=output)
     parser.add_argument("--axes", action="store_true", help="axes instead of scale bars")
-    parser.add_argument("--force", action="store_true", help="replace an existing figure")
+    parser.add_argument("--force", action="store_true", help="replace an existing file")
     return parser
+
+
+def _ending(name: str) -> str:
+    return name.rsplit(".", 1)[-1].lower()
 
 
 def _check_output(options: argparse.Namespace) -> None:
     name: str | None = options.output
     if name is None:
         return
-    if name.rsplit(".", 1)[-1].lower() not in FORMATS:
-        raise ValueError(f"{name}: a figure's name ends in .png, .svg or .pdf")
+    if _ending(name) not in options.endings:
+        *most, last = (f".{ending}" for ending in options.endings)
+        raise ValueError(f"{name}: a name ends in {', '.join(most)} or {last}")
     if os.path.exists(name) and not options.force:
         raise ValueError(f"{name} exists; --force replaces it")
     if os.path.exists(name) and os.path.samefile(name, options.file):
@@ -96,26 +106,55 @@ def _deliver(figure: Figure, output: str | None) -> None:
 
 
 def _plot(options: argparse.Namespace) -> None:
-    from .plotting import plot_epochs
+    from .plotting import CLEAR_OVER_EACH_OTHER, plot_epochs
     with open_recording(options.file) as recording:
         epochs = _epochs(recording, options)
-        _deliver(plot_epochs(epochs, options.channel, options.axes), options.output)
+        if len(epochs) > CLEAR_OVER_EACH_OTHER and not options.stack:
+            print(f"corvantis plot: {len(epochs)} epochs over each other; --stack draws them one "
+                  "below the other, -e 0,3-7 chooses some", file=sys.stderr)
+        figure = plot_epochs(epochs, options.channel, options.axes, stack=options.stack)
+        _deliver(figure, options.output)
 
 
 def _families(options: argparse.Namespace) -> None:
     from .families import as_text, find_family, plot_family
+    from .plotting import write_whole
     with open_recording(options.file) as recording:
         family = find_family(_epochs(recording, options), options.channel, options.threshold)
         print("\n".join(as_text(family)))
-        if options.output is not None:
+        if options.output is None:
+            return
+        if _ending(options.output) == TABLE:
+            write_whole(options.output, "\n".join([*as_text(family, ","), ""]).encode())
+        else:
             _deliver(plot_family(family, options.axes), options.output)
+
+
+def _end(number: int, _: object) -> None:
+    """End as a signal wants it, but tidily."""
+    sys.exit(128 + number)
+
+
+@contextmanager
+def _ended_by_signals() -> Iterator[None]:
+    before = {}
+    if threading.current_thread() is threading.main_thread():
+        before = {number: signal.signal(number, _end)
+                  for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP)
+                  if signal.getsignal(number) not in (signal.SIG_IGN, None)}
+    try:
+        yield
+    finally:
+        for number, handler in before.items():
+            signal.signal(number, handler)
 
 
 def _run(work: Callable[[argparse.Namespace], None], options: argparse.Namespace,
          name: str) -> int:
     try:
-        _check_output(options)
-        work(options)
+        with _ended_by_signals():
+            _check_output(options)
+            work(options)
     except (CorvantisError, OSError, ValueError) as error:
         print(f"corvantis {name}: {error}", file=sys.stderr)
         return UNUSABLE
@@ -123,15 +162,22 @@ def _run(work: Callable[[argparse.Namespace], None], options: argparse.Namespace
 
 
 def plot(arguments: Sequence[str] | None = None) -> int:
-    """`corvantis plot`: draw epochs over each other, response above stimulus."""
-    parser = _arguments("plot", "Draw epochs: the response above, its stimulus below.")
+    """`corvantis plot`: draw epochs, response above stimulus."""
+    parser = _arguments("plot", "Draw epochs: the response above, its stimulus below.", FIGURES,
+                        "figure to write, by its ending as png, svg or pdf (a window)")
+    parser.add_argument("--stack", action="store_true", help="responses one below the other")
     return _run(_plot, parser.parse_args(arguments), "plot")
 
 
 def families(arguments: Sequence[str] | None = None) -> int:
     """`corvantis families`: measure a family of steps; print and draw its curves."""
-    parser = _arguments("families", "Measure a family of steps: print current-voltage and "
-                                    "spike-rate curves, and draw them with -o.")
+    parser = _arguments("families", "Measure the largest family of steps of the same timing: print "
+                        "current-voltage and spike-rate curves, and write them with -o.",
+                        [*FIGURES, TABLE], "figure (png, svg, pdf) or table for a spreadsheet "
+                        "(csv) to write, by its ending")
+    parser.epilog = ("steady: mean of the step's last fifth. rate: spikes by the step's length. "
+                     "Input resistance: slope of the line through rest that fits the steady states "
+                     "best, of steps that end without spikes.")
     parser.add_argument("--threshold", type=float, default=-20.0, metavar="MV",
                         help="a spike crosses it upwards (-20)")
     return _run(_families, parser.parse_args(arguments), "families")

@@ -1,13 +1,13 @@
 """One epoch of a recording: its settings at once, its samples when they are asked for."""
 from __future__ import annotations
 
-from functools import cached_property
 from typing import TYPE_CHECKING, Any
 
 import numpy as np
 
 from .epochreader import DIGITAL_INPUT, DIGITAL_OUTPUT
 from .headers import EpochHeader
+from .lazy import lazy
 from .stimuli import Stimulus
 from .units import WORD, Counts, Samples, Scale, Units, response_scale, stimulus_scale
 
@@ -65,33 +65,34 @@ class Epoch:
         """Length of the epoch [s]."""
         return self.points * self.header.samplingInterval / 1e6
 
-    @cached_property
+    @lazy
     def time(self) -> Samples:
-        """Time of each point from the epoch's start, shape (points,) [s]."""
-        return np.arange(self.points, dtype=np.float64) * self.header.samplingInterval / 1e6
+        """Time of each point from the epoch's start, shape (points,) [s]; empty without entries."""
+        points = self.points if self.header.sequenceLength else 0
+        return np.arange(points, dtype=np.float64) * self.header.samplingInterval / 1e6
 
     # ---- Samples --------------------------------------------------------------------------
 
-    @cached_property
+    @lazy
     def raw(self) -> Counts:
         """Acquired samples, shape (points, entries) [signed converter counts], read-only."""
         counts = self.recording.reader.acquired(self.number, self.header)
         counts.setflags(write=False)
         return counts
 
-    @cached_property
+    @lazy
     def raw_stimulus(self) -> Counts:
         """Recomputed stimulus, shape (points, entries) [signed converter counts], read-only."""
         counts = self.recording.reader.played(self.number, self.header)
         counts.setflags(write=False)
         return counts
 
-    @cached_property
+    @lazy
     def response(self) -> Samples:
         """Acquired samples, shape (points, entries) [units.response]."""
         return _scaled(self.raw, self.response_scales)
 
-    @cached_property
+    @lazy
     def stimulus(self) -> Samples:
         """Recomputed stimulus, shape (points, entries) [units.stimulus].
 
@@ -102,7 +103,7 @@ class Epoch:
         """
         return _scaled(self.raw_stimulus, self.stimulus_scales)
 
-    @cached_property
+    @lazy
     def stimuli(self) -> tuple[Stimulus, ...]:
         """Stimulus record of each sequence entry, with components and conductances."""
         return self.recording.reader.stimuli(self.number, self.header)
@@ -114,12 +115,12 @@ class Epoch:
         return [self.recording.reader.channel(self.number, word, entry, direction)
                 for entry, word in enumerate(words)]
 
-    @cached_property
+    @lazy
     def input_channels(self) -> list[int]:
         """Input of each sequence entry: 0 to 7, 8 for the digital input, -1 for none."""
         return self._channels("Input")
 
-    @cached_property
+    @lazy
     def output_channels(self) -> list[int]:
         """Output of each sequence entry: 0 to 3, 4 for the digital output, -1 for none."""
         return self._channels("Output")
@@ -134,14 +135,14 @@ class Epoch:
         """Name of each entry's output, such as "output 0"."""
         return [_name("output", channel, DIGITAL_OUTPUT) for channel in self.output_channels]
 
-    @cached_property
+    @lazy
     def response_scales(self) -> list[Scale]:
         """Scale of each entry's response, with its formula."""
         return [WORD if channel == DIGITAL_INPUT
                 else response_scale(self.recording.header, self.header, entry)
                 for entry, channel in enumerate(self.input_channels)]
 
-    @cached_property
+    @lazy
     def stimulus_scales(self) -> list[Scale]:
         """Scale of each entry's stimulus, with its formula."""
         return [WORD if channel == DIGITAL_OUTPUT

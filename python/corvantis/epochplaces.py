@@ -37,27 +37,41 @@ def position_table(lib: Library) -> ctypes.Array[ctypes.c_uint32]:
     return table
 
 
-def make_current(lib: Library, epoch: int, offset: int) -> int:
-    """Read header and stimulus records of the epoch at an offset; the library's result code."""
+def current_epoch_header(lib: Library) -> bytes:
+    """The library's epoch header, as it lies in memory."""
+    return ctypes.string_at(lib.pointer("epochhdr"), ctypes.sizeof(EPOCH_HEADER))
+
+
+def point_at(lib: Library, epoch: int, offset: int) -> None:
+    """Have the library look for an epoch at an offset, with empty slots for its records."""
     free_slots(lib)
     position_table(lib)[epoch] = offset
-    return int(lib.ITCEpochParameters(epoch))
 
 
 def _read(lib: Library, epoch: int, offset: int, limit: int) -> tuple[Place, int]:
     """An epoch and where it ends, which is at 0 for one that cannot be read or ends too late."""
-    if make_current(lib, epoch, offset) == 0:
-        header = EPOCH_HEADER.from_address(lib.pointer("epochhdr"))
+    point_at(lib, epoch, offset)
+    if lib.ITCEpochParameters(epoch) == 0:
+        block = current_epoch_header(lib)
+        header = EPOCH_HEADER.from_buffer_copy(block)
         points, entries = header.epochPoints, header.sequenceLength
         end = lib.tell() + 2 * points * entries
         if points >= 0 and 0 <= entries <= 4 and end <= limit:
-            return Place(offset, bytes(header)), end
+            return Place(offset, block), end
     return Place(offset, None), 0
 
 
 def find_epochs(lib: Library) -> list[Place]:
     """Every epoch of the open file, up to its table of positions."""
     recorded = list(position_table(lib))
+    try:
+        return _walk(lib, recorded)
+    finally:
+        # Or a walk that was interrupted would lead the next one astray.
+        position_table(lib)[:] = recorded
+
+
+def _walk(lib: Library, recorded: list[int]) -> list[Place]:
     limit = current_file_header(lib).epochTablePosition % (1 << 32)
     offset = ctypes.sizeof(FILE_HEADER)
     places: list[Place] = []

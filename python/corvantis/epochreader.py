@@ -3,19 +3,19 @@ from __future__ import annotations
 
 import ctypes
 import warnings
-from functools import cached_property
 
 import numpy as np
 from numpy.typing import NDArray
 
-from .epochplaces import Place, find_epochs, make_current, position_table
-from .errors import FILE_ERROR, STIMULUS_ERROR, CorvantisError
+from .epochplaces import Place, current_epoch_header, find_epochs, point_at, position_table
+from .errors import BAD_ARGUMENT, FILE_ERROR, STIMULUS_ERROR, CorvantisError
 from .headers import EpochHeader, FileHeader
 from .layout import from_address, from_bytes
+from .lazy import lazy
 from .library import Library, guarded
-from .session import Deviates, OpenFile, forget_spare_deviates, reading, release
-from .stimuli import (TYPES, Conductance, DynamicClamp, Noise, SegmentedNoise, Stimulus, Summed,
-                      SummedRecord)
+from .noise import DRAWING, NoiseHistory, Share, behind, share_of
+from .session import OpenFile, free_slots, reading, release
+from .stimuli import TYPES, Conductance, DynamicClamp, Stimulus, Summed, SummedRecord
 
 Counts = NDArray[np.int16]
 DIGITAL_INPUT, DIGITAL_OUTPUT = 8, 4
@@ -38,7 +38,7 @@ class EpochReader:
         """Let go of the file; `end` also gives back the library's buffers."""
         release(self.file, end)
 
-    @cached_property
+    @lazy
     def places(self) -> list[Place]:
         """Every epoch's place, found when first asked for."""
         with reading(self.file) as lib:
@@ -64,19 +64,28 @@ class EpochReader:
             raise self.failure(FILE_ERROR, epoch)
         return from_bytes(EpochHeader, block)
 
-    def _point(self, lib: Library, epoch: int) -> None:
-        """Make an epoch the current one, wherever the file's own table says that it begins."""
+    def _ask(self, lib: Library, function: str, epoch: int, *arguments: object) -> int:
+        """The result of a function that reads an epoch, wherever the file's own table says that it
+        begins, and finds the header there that was found before."""
+        place = self.places[epoch]
         if epoch >= len(position_table(lib)):
             raise self.failure(FILE_ERROR, epoch)
-        result = make_current(lib, epoch, self.places[epoch].offset)
+        point_at(lib, epoch, place.offset)
+        result = int(getattr(lib, function)(epoch, *arguments))
+        if result == 0 and current_epoch_header(lib) != place.header:
+            raise self.file.changed()
+        return result
+
+    def _point(self, lib: Library, epoch: int) -> None:
+        """Make an epoch the current one."""
+        result = self._ask(lib, "ITCEpochParameters", epoch)
         if result != 0:
             raise self.failure(result, epoch)
 
     def _samples(self, epoch: int, header: EpochHeader, function: str) -> Counts:
         samples = np.empty((header.epochPoints, header.sequenceLength), dtype=np.int16)
         with reading(self.file, samples.size) as lib:
-            self._point(lib, epoch)
-            result = getattr(lib, function)(epoch, samples.ctypes.data_as(ctypes.c_void_p))
+            result = self._ask(lib, function, epoch, samples.ctypes.data_as(ctypes.c_void_p))
         if result != 0:
             raise self.failure(result, epoch, self._reason(epoch, header, result))
         return samples
@@ -96,21 +105,18 @@ class EpochReader:
     def played(self, epoch: int, header: EpochHeader) -> Counts:
         """The recomputed stimulus, shape (points, entries), as if computed in the file's order.
 
-        Noise can begin with a number left over from the noise before it, in another epoch. So the
-        noise of earlier epochs is computed first, once each and in their order: what is returned
-        is what was played if the recording program did the same. Where one of them cannot be
-        computed, a CorvantisWarning names it.
+        Noise can continue the noise before it, in another epoch. So what the noise of earlier
+        epochs drew is drawn first: what is returned is what was played if the recording program
+        computed each epoch once, in order. Where one of them, or what the program did before the
+        file's first epoch, is not known but matters, a CorvantisWarning says so.
         """
-        with guarded() as lib:
+        with guarded():
             self._check_sums(epoch, header)
-            if not self.noise_types(epoch, header):
+            if epoch not in self._noise.places:
                 return self._samples(epoch, header, "ITCReadEpochStm")
-            earlier = [each for each in self._history if each < epoch]
-            self._replay(lib, earlier)
-            Deviates.file, Deviates.epochs = None, 0
-            samples = self._samples(epoch, header, "ITCReadEpochStm")
-            Deviates.file, Deviates.epochs = self.file, len(earlier) + (epoch in self._history)
-            return samples
+            self._warn_of_doubts(epoch)
+            with behind(self._noise, epoch):
+                return self._samples(epoch, header, "ITCReadEpochStm")
 
     def _check_sums(self, epoch: int, header: EpochHeader) -> None:
         """Refuse sums with a wave that is not stored: the library would compute them without it."""
@@ -120,38 +126,29 @@ class EpochReader:
         if reason:
             raise self.failure(STIMULUS_ERROR, epoch, reason)
 
-    def _replay(self, lib: Library, earlier: list[int]) -> None:
-        """Bring the library to where it was after computing these epochs one after the other."""
-        done = Deviates.epochs if Deviates.file is self.file else len(earlier) + 1
-        if done > len(earlier):
-            forget_spare_deviates(lib)
-            done = 0
-        for each in earlier[done:]:
-            try:
-                self._samples(each, self.epoch_header(each), "ITCReadEpochStm")
-            except CorvantisError:
-                self._warn(f"epoch {each} cannot be recomputed: noise behind it may begin wrongly")
+    def _warn_of_doubts(self, epoch: int) -> None:
+        uncertain = self._noise.uncertain(epoch)
+        if uncertain is not None:
+            self._warn(f"epoch {uncertain} cannot be recomputed: the noise of epoch {epoch}, "
+                       "behind it, may be another one than was played")
+        elif self._noise.precedes_the_file(epoch):
+            self._warn(f"the noise of epoch {epoch} continues noise before the file's first: it is "
+                       "as played if the recording program had computed none")
 
-    def noise_types(self, epoch: int, header: EpochHeader) -> set[int]:
-        """Types of Gaussian noise among an epoch's stimuli and their components."""
-        codes = set(header.stimType[:header.sequenceLength])
-        if Summed.type in codes:
-            codes |= {component.type for stimulus in self.stimuli(epoch, header)
-                      if isinstance(stimulus, Summed) for component in stimulus.components}
-        return codes & {Noise.type, SegmentedNoise.type}
+    @lazy
+    def _noise(self) -> NoiseHistory:
+        """What the noise of the file draws; a damaged epoch may have drawn anything."""
+        shares = [self._share(epoch, place) for epoch, place in enumerate(self.places)]
+        return NoiseHistory([share for share in shares if share.draws or not share.certain])
 
-    @cached_property
-    def _history(self) -> list[int]:
-        """Epochs with Gaussian noise from the first on that may leave a number over.
-
-        Segmented noise draws as many as it has segments, and so did noise up to version 4; newer
-        noise draws an even number.
-        """
-        noisy = [(epoch, self.noise_types(epoch, from_bytes(EpochHeader, place.header)))
-                 for epoch, place in enumerate(self.places) if place.header is not None]
-        odd = {SegmentedNoise.type} | ({Noise.type} if self.header.version <= 4 else set())
-        first = next((epoch for epoch, types in noisy if types & odd), len(self.places))
-        return [epoch for epoch, types in noisy if types and epoch >= first]
+    def _share(self, epoch: int, place: Place) -> Share:
+        if place.header is None:
+            return Share(epoch, [], certain=False)
+        header = from_bytes(EpochHeader, place.header)
+        if not DRAWING.isdisjoint(header.stimType[:header.sequenceLength]):
+            return share_of(epoch, self.stimuli(epoch, header), self.header.version,
+                            header.epochPoints)
+        return Share(epoch, [])
 
     def channel(self, epoch: int, word: int, entry: int, direction: str) -> int:
         """Number of the input or output that a sequence word names; -1 if it names none.
@@ -159,11 +156,13 @@ class EpochReader:
         The library reads the epoch for this, so a word is asked about only once.
         """
         if (direction, word) not in self._channels:
-            result = ctypes.c_int32(-1)
+            channel = ctypes.c_int32(-1)
             with reading(self.file) as lib:
-                self._point(lib, epoch)
-                getattr(lib, f"ITCGet{direction}Chan")(epoch, entry, ctypes.byref(result))
-            self._channels[direction, word] = result.value
+                result = self._ask(lib, f"ITCGet{direction}Chan", epoch, entry,
+                                   ctypes.byref(channel))
+            if result not in (0, BAD_ARGUMENT):
+                raise self.failure(result, epoch)
+            self._channels[direction, word] = channel.value
         return self._channels[direction, word]
 
     def stimuli(self, epoch: int, header: EpochHeader) -> tuple[Stimulus, ...]:
@@ -184,6 +183,7 @@ class EpochReader:
 
         Reading an entry's parameters leaves the file behind its arrays.
         """
+        free_slots(lib)
         lib.seek(self.places[epoch].offset)
         lib.read_epoch_header(self.header.version)
         for each in range(entry + 1):

@@ -4,9 +4,10 @@ from __future__ import annotations
 import os
 from typing import Union
 
-PathLike = Union[str, "os.PathLike[str]"]
+PathLike = Union[str, bytes, "os.PathLike[str]", "os.PathLike[bytes]"]
 
 STIMULUS_ERROR = 2
+BAD_ARGUMENT = 6
 FILE_ERROR = 7
 
 MEANINGS = {
@@ -29,13 +30,14 @@ class CorvantisError(Exception):
         filename: the data file, or None where no file is concerned.
     """
 
-    def __init__(self, code: int, filename: PathLike | None = None, detail: str = "") -> None:
+    def __init__(self, code: int, filename: str | None = None, detail: str = "") -> None:
         self.code = code
         self.meaning = MEANINGS.get(code, "unknown result")
-        self.filename = None if filename is None else os.fspath(filename)
+        self.filename = filename
         self.detail = detail
         super().__init__(code, self.filename, detail)
 
     def __str__(self) -> str:
         about = [text for text in (self.filename, self.detail) if text]
-        return ": ".join([*about, f"{self.meaning} (result code {self.code})"])
+        text = ": ".join([*about, f"{self.meaning} (result code {self.code})"])
+        return "".join(each if each.isprintable() else ascii(each)[1:-1] for each in text)

@@ -11,8 +11,10 @@ from matplotlib.axes import Axes
 from matplotlib.figure import Figure
 
 from .epoch import Epoch
-from .plotting import (RESPONSE_LABELS, STIMULUS_LABELS, STYLE, draw_panels, label, read_sweep)
+from .plotting import (RESPONSE_LABELS, STIMULUS_LABELS, STYLE, draw_key, draw_panels, in_ranges,
+                       label, read_sweep)
 from .progress import progress
+from .recording import Recording
 from .stimuli import Pulse
 from .units import Samples
 
@@ -32,7 +34,8 @@ class Step:
         steady: mean response over the last fifth of the step [response unit].
         settled: whether that last part is free of spikes.
         spikes: upward crossings of the threshold during the step; 0 in voltage clamp.
-        rate: spikes per second of the step [Hz].
+        rate: spikes divided by the step's length [Hz]; one over the mean interval between spikes
+            differs, as the time before the first and behind the last one does not count there.
     """
 
     epoch: int
@@ -70,7 +73,10 @@ class Family:
     def input_resistance(self) -> float | None:
         """Slope of the line through the resting point that fits the steady states best [MOhm].
 
-        None in voltage clamp and in other units than pA and mV.
+        Sum of (current * shift) over sum of (current squared), of all steps that end in a steady
+        state: the current from the holding level, the shift from the step's own baseline. It
+        depends on the steps where the membrane rectifies. None in voltage clamp and in other units
+        than pA and mV.
         """
         if (self.stimulus_unit, self.response_unit) != ("pA", "mV"):
             return None
@@ -123,15 +129,15 @@ def measure(epoch: Epoch, channel: int = 0, threshold: float = THRESHOLD) -> Ste
                 spikes * epoch.sampling_rate / pulse.points)
 
 
-def find_family(epochs: Iterable[Epoch], channel: int = 0,
+def find_family(epochs: Iterable[Epoch] | Recording, channel: int = 0,
                 threshold: float = THRESHOLD) -> Family:
-    """The largest group of epochs with steps of the same timing, measured.
+    """The largest group of epochs, or of a recording's, with steps of the same timing, measured.
 
     Raises:
         ValueError: if no two epochs have steps of the same timing and different levels.
     """
     groups: dict[tuple[object, ...], list[Epoch]] = defaultdict(list)
-    for epoch in epochs:
+    for epoch in epochs.epochs if isinstance(epochs, Recording) else epochs:
         pulse = _pulse(epoch, channel)
         if pulse is not None:
             key = (pulse.prePoints, pulse.points, pulse.mean, epoch.header.samplingInterval,
@@ -160,8 +166,9 @@ def _voltage_panel(axes: Axes, family: Family) -> None:
     axes.set_xlabel(label(STIMULUS_LABELS, family.stimulus_unit, "Stimulus"))
     axes.set_ylabel(label(RESPONSE_LABELS, family.response_unit, "Response", "\n"))
     if family.input_resistance is not None:
-        axes.text(0.05, 0.97, f"input resistance {family.input_resistance:.0f} "
-                  "M\N{GREEK CAPITAL LETTER OMEGA}", transform=axes.transAxes, va="top", fontsize=8)
+        resistance = f"{family.input_resistance:.0f} M\N{GREEK CAPITAL LETTER OMEGA}"
+        axes.set_title(f"input resistance {resistance}\n(line through rest, {len(levels)} steps)",
+                       fontsize=8)
 
 
 def _rate_panel(axes: Axes, family: Family) -> None:
@@ -182,26 +189,29 @@ def plot_family(family: Family, axes: bool = False) -> Figure:
     sweeps = [read_sweep(epoch, family.channel) for epoch in shown]
     with matplotlib.rc_context(STYLE):
         figure = Figure(figsize=(8.4, 4.0))
-        left = figure.add_gridspec(2, 1, left=0.09, right=0.57, bottom=0.14, top=0.94,
+        left = figure.add_gridspec(2, 1, left=0.09, right=0.57, bottom=0.14, top=0.9,
                                    height_ratios=[3, 1], hspace=0.1)
         draw_panels(figure, [left[0], left[1]], shown, sweeps, family.channel, axes)
         panels = [_voltage_panel] + [_rate_panel] * family.counts_spikes
-        right = figure.add_gridspec(len(panels), 1, left=0.76, right=0.98, bottom=0.14, top=0.95,
+        right = figure.add_gridspec(len(panels), 1, left=0.76, right=0.98, bottom=0.14, top=0.9,
                                     hspace=0.55)
-        if len(shown) < len(family.epochs):
-            figure.text(0.09, 0.965, f"{len(shown)} of {len(family.epochs)} epochs", fontsize=9)
+        numbers = [epoch.number for epoch in shown]
+        count = f"{len(shown)} of {len(family.epochs)}" if len(shown) < len(family.epochs) else \
+            str(len(shown))
+        figure.text(0.09, 0.975, f"{count} epochs: {in_ranges(numbers)}", fontsize=9)
+        draw_key(figure, numbers, 0.09, 0.955)
         for row, draw in enumerate(panels):
             draw(figure.add_subplot(right[row]), family)
         return figure
 
 
-def as_text(family: Family) -> Sequence[str]:
-    """The measurements as lines of a table, tab-separated."""
+def as_text(family: Family, separator: str = "\t") -> Sequence[str]:
+    """The measurements as lines of a table."""
     stimulus, response = family.stimulus_unit, family.response_unit
-    lines = [f"epoch\tlevel_{stimulus}\tbaseline_{response}\tpeak_{response}\tsteady_{response}"
-             + "\tspikes\trate_Hz" * family.counts_spikes]
-    for step in family.steps:
-        line = (f"{step.epoch}\t{step.level:.6g}\t{step.baseline:.6g}\t{step.peak:.6g}"
-                f"\t{step.steady:.6g}")
-        lines.append(line + f"\t{step.spikes}\t{step.rate:.4g}" * family.counts_spikes)
-    return lines
+    names = ["epoch", f"level_{stimulus}", f"baseline_{response}", f"peak_{response}",
+             f"steady_{response}"] + ["spikes", "rate_Hz"] * family.counts_spikes
+    rows = [[str(step.epoch), *(f"{value:.6g}" for value in (step.level, step.baseline, step.peak,
+                                                             step.steady)),
+             *[str(step.spikes), f"{step.rate:.4g}"] * family.counts_spikes]
+            for step in family.steps]
+    return [separator.join(row) for row in [names, *rows]]

@@ -1,6 +1,9 @@
 """Figures of epochs: the response above, the recomputed stimulus below, on one time axis."""
 from __future__ import annotations
 
+import contextlib
+import io
+import os
 import textwrap
 from collections.abc import Sequence
 from dataclasses import dataclass
@@ -10,20 +13,27 @@ import numpy as np
 from matplotlib.axes import Axes
 from matplotlib.colors import to_hex
 from matplotlib.figure import Figure
+from matplotlib.lines import Line2D
 
 from . import scalebars
 from .epoch import Epoch
 from .errors import STIMULUS_ERROR, CorvantisError
 from .progress import progress
+from .recording import Recording
 from .stimuli import DynamicClamp
 from .units import Samples
 
 LINE_WIDTH = 0.8            # [pt]
 LONGEST_IN_MILLISECONDS = 2.0   # [s]
 MOST_BINS = 4000                # drawn of a curve, far more than a figure has dots across
+MOST_IN_KEY = 8                 # epochs that are named beside their colour
+CLEAR_OVER_EACH_OTHER = 10      # sweeps; more of them hide one another
+ROW_HEIGHT = 0.45               # of a stacked sweep [inches]
+TALLEST = 30.0                  # [inches]
 STYLE = {"svg.fonttype": "none", "svg.hashsalt": "corvantis", "pdf.fonttype": 42, "font.size": 9,
          "font.family": "sans-serif", "axes.unicode_minus": True, "axes.linewidth": 0.8,
-         "axes.spines.top": False, "axes.spines.right": False, "path.simplify_threshold": 0.1}
+         "axes.spines.top": False, "axes.spines.right": False, "path.simplify_threshold": 0.1,
+         "text.parse_math": False}      # units and comments stand for themselves
 
 RESPONSE_LABELS = {"mV": "Membrane Potential", "pA": "Clamp Current", "nA": "Clamp Current"}
 STIMULUS_LABELS = {"pA": "Applied Current", "nA": "Applied Current", "mV": "Command Potential"}
@@ -125,6 +135,25 @@ class Panels:
     stimulus_name: str
 
 
+def _stacked(sweeps: list[Sweep]) -> list[Samples]:
+    """Responses one below the other, farther apart than any of them is high."""
+    heights = [float(np.ptp(sweep.response)) for sweep in sweeps if sweep.response.size]
+    gap = 1.05 * max(heights, default=0.0) or 1.0
+    return [sweep.response - gap * row for row, sweep in enumerate(sweeps)]
+
+
+def draw_key(figure: Figure, numbers: Sequence[int], left: float, top: float) -> None:
+    """The epochs' numbers beside their colours; of many epochs some."""
+    if len(numbers) < 2:
+        return
+    shades = colours(len(numbers))
+    shown = np.unique(np.linspace(0, len(numbers) - 1, MOST_IN_KEY).round().astype(int))
+    lines = [Line2D([], [], color=shades[each], linewidth=1.5) for each in shown]
+    figure.legend(lines, [str(numbers[each]) for each in shown], loc="upper left", ncol=len(lines),
+                  bbox_to_anchor=(left, top), frameon=False, fontsize=8, handlelength=1.0,
+                  handletextpad=0.4, columnspacing=1.2, borderpad=0.0, borderaxespad=0.0)
+
+
 def _dress_axes(panels: Panels) -> None:
     response = label(RESPONSE_LABELS, panels.response_unit, "Response")
     panels.upper.set_ylabel(response)
@@ -137,7 +166,7 @@ def _dress_axes(panels: Panels) -> None:
         panels.upper.figure.align_ylabels([panels.upper, panels.lower])
 
 
-def _dress_bars(panels: Panels, sweeps: list[Sweep]) -> None:
+def _dress_bars(panels: Panels, sweeps: list[Sweep], stack: bool) -> None:
     bottom = panels.lower or panels.upper
     curves = [sweep.response for sweep in sweeps], [curve for s in sweeps for curve in s.below]
     units = panels.response_unit, panels.stimulus_unit
@@ -145,22 +174,37 @@ def _dress_bars(panels: Panels, sweeps: list[Sweep]) -> None:
         if axes is None:
             continue
         scalebars.remove_axes(axes)
-        scalebars.draw_vertical(axes, unit, right=1.02)
+        in_rows = stack and axes is panels.upper
+        scalebars.draw_vertical(axes, unit, 1.02, len(sweeps) if in_rows else 1)
         starts = [float(line[0]) for line in lines if line.size]
-        if starts:
+        if starts and not in_rows:
             scalebars.mark_level(axes, float(np.median(starts)), unit)
     scalebars.draw_horizontal(bottom, panels.time_unit, right=1.02)
 
 
+def _name_rows(axes: Axes, sweeps: list[Sweep], curves: list[Samples], unit: str) -> None:
+    """Stacked sweeps bear their numbers, and the level that each begins with."""
+    low, high = axes.get_ylim()
+    room = 0.05 * (high - low) * (1 - 1 / len(curves))     # that of all rows, made for one
+    axes.set_ylim(low + room, high - room)
+    for sweep, curve in zip(sweeps, curves):
+        if curve.size:
+            name = f"{sweep.number}: {sweep.response[0] + 0.0:.3g} {unit}"
+            axes.text(-0.01, float(curve[0]), name.replace("-", "\N{MINUS SIGN}"), fontsize=8,
+                      transform=axes.get_yaxis_transform(), va="center", ha="right", color="0.3")
+
+
 def draw_panels(figure: Figure, cells: Sequence[object], epochs: Sequence[Epoch],
-                sweeps: list[Sweep], channel: int = 0, axes: bool = False) -> Panels:
+                sweeps: list[Sweep], channel: int = 0, axes: bool = False,
+                stack: bool = False) -> Panels:
     """Draw sweeps into the cells of a grid: the upper one, and the lower one if there is any."""
     longest = max((epoch.duration for epoch in epochs), default=0.0)
     time_unit, scale = ("ms", 1e3) if longest <= LONGEST_IN_MILLISECONDS else ("s", 1.0)
     upper = figure.add_subplot(cells[0])
     conductance = any(len(sweep.below) > 1 for sweep in sweeps)
     lower = figure.add_subplot(cells[1], sharex=upper) if len(cells) > 1 else None
-    _draw(upper, sweeps, [[sweep.response] for sweep in sweeps], scale)
+    responses = _stacked(sweeps) if stack else [sweep.response for sweep in sweeps]
+    _draw(upper, sweeps, [[response] for response in responses], scale)
     if lower is not None:
         _draw(lower, sweeps, [sweep.below for sweep in sweeps], scale)
     upper.set_xlim(0, longest * scale or 1)
@@ -173,52 +217,95 @@ def draw_panels(figure: Figure, cells: Sequence[object], epochs: Sequence[Epoch]
     if axes:
         _dress_axes(panels)
     else:
-        _dress_bars(panels, sweeps)
+        if stack:
+            _name_rows(upper, sweeps, responses, panels.response_unit)
+        _dress_bars(panels, sweeps, stack)
     return panels
+
+
+def in_ranges(numbers: Sequence[int]) -> str:
+    """Epoch numbers such as "3, 5, 7-9", in their order."""
+    runs: list[list[int]] = []
+    for number in numbers:
+        if runs and number == runs[-1][-1] + 1:
+            runs[-1].append(number)
+        else:
+            runs.append([number])
+    return ", ".join(str(run[0]) if len(run) == 1 else
+                     f"{run[0]}{', ' if len(run) == 2 else '-'}{run[-1]}" for run in runs)
 
 
 def _title(epochs: Sequence[Epoch]) -> str:
     """Which epochs are shown, and the comment of a single one."""
     if len(epochs) > 1:
-        return f"{len(epochs)} epochs, {epochs[0].number} to {epochs[-1].number}"
-    text = f"Epoch {epochs[0].number}" + (f": {epochs[0].comment}" if epochs[0].comment else "")
+        text = f"{len(epochs)} epochs: {in_ranges([epoch.number for epoch in epochs])}"
+    else:
+        comment = epochs[0].comment
+        text = f"Epoch {epochs[0].number}" + (f": {comment}" if comment else "")
     return textwrap.fill(text, 84, max_lines=2, placeholder=" \N{HORIZONTAL ELLIPSIS}")
 
 
-def plot_epochs(epochs: Sequence[Epoch], channel: int = 0, axes: bool = False,
-                title: str | None = None) -> Figure:
-    """Draw epochs over each other.
+def plot_epochs(epochs: Sequence[Epoch] | Recording, channel: int = 0, axes: bool = False,
+                title: str | None = None, stack: bool = False) -> Figure:
+    """Draw epochs over each other, or one below the other.
 
     Args:
-        epochs: one or more epochs whose arrays have the same units.
+        epochs: one or more epochs whose arrays have the same units, or a whole recording.
         channel: sequence entry to draw.
         axes: ticks and labels instead of scale bars.
         title: text above the figure; by default the epochs' numbers, or the epoch's comment.
+        stack: responses one below the other, each with its epoch's number and first value.
 
     Returns:
         The figure: response above, recomputed stimulus below (conductances of a dynamic clamp:
         excitatory drawn through, inhibitory dashed), heights 3 to 1. Text stays text in SVG, PDF.
     """
+    if isinstance(epochs, Recording):
+        epochs = epochs.epochs
     if not epochs:
         raise ValueError("no epochs to draw")
+    if axes and stack:
+        raise ValueError("stacked sweeps have no common axis: leave out either")
     sweeps = [read_sweep(epoch, channel) for epoch in progress(epochs, "reading")]
     with matplotlib.rc_context(STYLE):
-        figure = Figure(figsize=(5.6, 3.8))
+        rows = len(sweeps) if stack else 0
+        height = min(max(3.8, 1.5 + ROW_HEIGHT * rows), TALLEST)
+        figure = Figure(figsize=(5.6, height))
         with_stimulus = any(sweep.below for sweep in sweeps)
         left, right = (0.14, 0.97) if axes else (0.11, 0.88)
+        ratio = 3 * max(1.0, (height - 1.5) / 2.3)
+        keyed = len(sweeps) > 1 and not stack
         grid = figure.add_gridspec(2 if with_stimulus else 1, 1, left=left, right=right,
-                                   bottom=0.13 if axes else 0.08, top=0.91, hspace=0.1,
-                                   height_ratios=[3, 1] if with_stimulus else None)
+                                   bottom=(0.49 if axes else 0.3) / height,
+                                   top=1 - (0.6 if keyed else 0.34) / height,
+                                   hspace=0.1, height_ratios=[ratio, 1] if with_stimulus else None)
         cells = [grid[row] for row in range(grid.nrows)]
-        draw_panels(figure, cells, epochs, sweeps, channel, axes)
-        figure.suptitle(_title(epochs) if title is None else title, fontsize=9, x=left, y=0.985,
-                        ha="left", va="top")
+        draw_panels(figure, cells, epochs, sweeps, channel, axes, stack)
+        figure.suptitle(_title(epochs) if title is None else title, fontsize=9, x=left,
+                        y=1 - 0.06 / height, ha="left", va="top")
+        if keyed:
+            draw_key(figure, [sweep.number for sweep in sweeps], left, 1 - 0.32 / height)
         return figure
 
 
 def save(figure: Figure, path: str) -> None:
     """Write a figure as PNG, SVG or PDF, by the name's ending, without a date in it."""
     metadata: dict[str, dict[str, None]] = {"svg": {"Date": None}, "pdf": {"CreationDate": None}}
+    ending = path.rsplit(".", 1)[-1].lower()
+    drawn = io.BytesIO()
     with matplotlib.rc_context(STYLE):
-        figure.savefig(path, dpi=150, bbox_inches="tight", pad_inches=0.08,
-                       metadata=metadata.get(path.rsplit(".", 1)[-1].lower()))
+        figure.savefig(drawn, format=ending, dpi=150, bbox_inches="tight", pad_inches=0.08,
+                       metadata=metadata.get(ending))
+    write_whole(path, drawn.getvalue())
+
+
+def write_whole(path: str, content: bytes) -> None:
+    """Write a file that has its name only when it is complete."""
+    unfinished = f"{path}.{os.getpid()}.tmp"
+    try:
+        with open(unfinished, "xb") as stream:
+            stream.write(content)
+        os.replace(unfinished, path)
+    finally:
+        with contextlib.suppress(FileNotFoundError):
+            os.unlink(unfinished)

@@ -7,8 +7,9 @@ from typing import TYPE_CHECKING, Any, overload
 
 from .epoch import Epoch
 from .epochreader import EpochReader
-from .errors import PathLike
+from .errors import FILE_ERROR, CorvantisError, PathLike
 from .headers import FileHeader
+from .session import Content
 from .table import row
 
 if TYPE_CHECKING:
@@ -63,9 +64,13 @@ class Recording:
     """
 
     def __init__(self, path: PathLike) -> None:
-        self.path = os.path.abspath(os.fspath(path))
+        name = os.fsdecode(path)
+        if "\0" in name:       # which abspath would cut off, to another file's name
+            raise CorvantisError(FILE_ERROR, name, "no file has a name with a NUL")
+        self.path = os.path.abspath(name)
         self._reader: EpochReader | None = EpochReader(self.path)
         self.header: FileHeader = self._reader.header
+        self._content = self._reader.file.content
         self.epochs = Epochs(self)
 
     @property
@@ -98,7 +103,7 @@ class Recording:
             reader.close(end=False)
 
     def __reduce__(self) -> tuple[Any, ...]:
-        return Recording, (self.path,)
+        return _reopened, (self.path, self._content)
 
     def __repr__(self) -> str:
         state = "closed" if self._reader is None else f"{self.header.numEpochs} epochs"
@@ -115,11 +120,19 @@ class Recording:
         return frame.set_index("epoch") if len(frame) else frame
 
 
+def _reopened(path: str, content: Content) -> Recording:
+    """A recording that was pickled, if its file is still the same."""
+    recording = Recording(path)
+    if recording.reader.file.content != content:
+        raise recording.reader.file.changed()
+    return recording
+
+
 def open_recording(path: PathLike) -> Recording:
     """Open a data file for reading.
 
     Args:
-        path: the file, as text or as a path; wildcards and "~" stand for themselves.
+        path: the file, as text, bytes or a path; wildcards and "~" stand for themselves.
 
     Returns:
         The recording; use it in a `with` statement, or close it.

@@ -24,10 +24,11 @@ def _label(length: float, unit: str) -> str:
     return f"{length:g} {unit}".rstrip().replace("-", "\N{MINUS SIGN}")
 
 
-def draw_vertical(axes: Axes, unit: str, right: float) -> float:
-    """The vertical arm, at a fraction of the axes' width; returns its length [unit]."""
+def draw_vertical(axes: Axes, unit: str, right: float, rows: int = 1) -> float:
+    """The vertical arm, at a fraction of the axes' width and fit for one of their rows; returns
+    its length [unit]."""
     low, high = axes.get_ylim()
-    length = round_length(high - low)
+    length = round_length((high - low) / rows * min(rows, 3))
     top = length / (high - low)
     axes.plot([right, right], [0, top], transform=axes.transAxes, color="black",
               linewidth=LINE_WIDTH, clip_on=False, solid_capstyle="butt")

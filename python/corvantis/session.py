@@ -5,17 +5,26 @@ and this one opened again, which costs about as much as reading a few epochs' he
 """
 from __future__ import annotations
 
-import ctypes
 import os
 import re
 from collections.abc import Iterator
 from contextlib import contextmanager
+from typing import NamedTuple
 
 from .errors import FILE_ERROR, CorvantisError
-from .library import Library, guarded, lock
+from .library import Library, exchange, guarded, lock
 
+FILE_HEADER_SIZE = 580
 SMALLEST_BUFFER = 1 << 16
 LARGEST_BUFFER = (1 << 31) - 1
+
+
+class Content(NamedTuple):
+    """By what a file is known again, also in another process."""
+
+    size: int
+    modified: int
+    header: bytes
 
 
 class OpenFile:
@@ -23,33 +32,46 @@ class OpenFile:
 
     def __init__(self, path: str) -> None:
         self.path = path
-        self.identity = self._identity()
+        self.header = b""
+        self._status = self._look()
 
-    def _identity(self) -> tuple[int, int]:
+    def _look(self) -> tuple[int, ...]:
         try:
             status = os.stat(self.path)
         except OSError as error:
             raise CorvantisError(FILE_ERROR, self.path, error.strerror or "") from error
-        return status.st_dev, status.st_ino
+        except ValueError as error:
+            raise CorvantisError(FILE_ERROR, self.path, str(error)) from error
+        return (status.st_size, status.st_mtime_ns, status.st_ctime_ns, status.st_dev,
+                status.st_ino)
 
-    def check_identity(self) -> None:
-        """Another file of the same name would be read at this one's positions."""
-        if self._identity() != self.identity:
-            raise CorvantisError(FILE_ERROR, self.path, "replaced since it was opened")
+    @property
+    def content(self) -> Content:
+        """What a pickled recording must find again."""
+        size, modified, *_ = self._status
+        return Content(size, modified, self.header)
+
+    def check(self, lib: Library) -> None:
+        """Another file of the same name, or other content, is not to be read at these positions."""
+        header = os.pread(lib.descriptor(), FILE_HEADER_SIZE, 0)
+        self.header = self.header or header
+        if self._look() != self._status or header != self.header:
+            raise self.changed()
+
+    def changed(self) -> CorvantisError:
+        """The error for a file that is not what it was."""
+        return CorvantisError(FILE_ERROR, self.path, "replaced or changed since it was opened")
 
 
 class _State:
-    """What the library holds: whose file, and buffers of which capacity (0: not started)."""
+    """What the library holds: whose file, and buffers of which capacity (0: not started).
+
+    An interruption can come between any two lines. So what is about to be undone is forgotten
+    before, and what has been done is noted behind: what is lost by that is a little memory.
+    """
 
     owner: OpenFile | None = None
     capacity: int = 0
-
-
-class Deviates:
-    """Whose noise the library computed last, and how many epochs of that file's history."""
-
-    file: OpenFile | None = None
-    epochs: int = 0
 
 
 def _quoted(path: str) -> bytes:
@@ -58,25 +80,25 @@ def _quoted(path: str) -> bytes:
 
 
 def _leave(lib: Library) -> None:
-    if _State.owner is not None:
-        lib.ITCCloseOpenFile()
-        _State.owner = None
+    """Close the open file, if there is one."""
+    _State.owner = None
+    lib.ITCCloseOpenFile()
 
 
 def _stop(lib: Library) -> None:
     _leave(lib)
     if _State.capacity:
         free_slots(lib)
-        lib.ITCFinishAnalysis()
         _State.capacity = 0
+        lib.ITCFinishAnalysis()
 
 
 def _start(lib: Library, samples: int) -> None:
     """Start with buffers that hold so many samples; the library cannot enlarge its buffers."""
     if _State.capacity >= max(samples, 1):
         return
-    _stop(lib)
     capacity = min(max(SMALLEST_BUFFER, 2 * _State.capacity, samples), LARGEST_BUFFER)
+    _stop(lib)
     lib.check(lib.ITCInitializeAnalysis(capacity), None, f"buffers of {capacity} samples")
     _State.capacity = capacity
 
@@ -84,14 +106,12 @@ def _start(lib: Library, samples: int) -> None:
 def _take(lib: Library, file: OpenFile) -> None:
     if _State.owner is file:
         return
-    file.check_identity()
     _leave(lib)
+    result = lib.ITCOpenFileForInput(_quoted(file.path))
+    if result != 0:
+        lib.ITCCloseOpenFile()
+        lib.check(result, file.path)
     _State.owner = file
-    try:
-        lib.check(lib.ITCOpenFileForInput(_quoted(file.path)), file.path)
-    except CorvantisError:
-        _leave(lib)
-        raise
 
 
 @contextmanager
@@ -100,7 +120,9 @@ def reading(file: OpenFile, samples: int = 0) -> Iterator[Library]:
     with guarded() as lib:
         _start(lib, samples)
         _take(lib, file)
+        file.check(lib)
         yield lib
+        file.check(lib)
 
 
 def release(file: OpenFile, end: bool) -> None:
@@ -116,28 +138,17 @@ def release(file: OpenFile, end: bool) -> None:
                 _stop(lib)
 
 
+def load_anew() -> None:
+    """Exchange the library for a new one: no call takes its generators back to their beginning."""
+    with guarded() as lib:
+        _stop(lib)
+        exchange()
+
+
 def free_slots(lib: Library) -> None:
     """Empty the stimulus slots: reading over a sum would leave its components behind."""
     for slot in range(4):
         lib.ITCFreeParams(slot)
-
-
-def forget_spare_deviates(lib: Library) -> None:
-    """Drop Gaussian deviates left over from earlier noise, of either generator.
-
-    They are made in pairs, and the second one begins the next noise. A call that leaves its source
-    of uniform numbers alone has handed out a left-over; any other has made one.
-    """
-    state = ctypes.c_int32(-1)
-    lib.ITCNormalDeviate(ctypes.byref(state))
-    if state.value != -1:
-        lib.ITCNormalDeviate(ctypes.byref(state))
-    lib.seed_random(1)
-    first = lib.random()
-    lib.seed_random(1)
-    lib.V4ITCNormalDeviate()
-    if lib.random() != first:
-        lib.V4ITCNormalDeviate()
 
 
 def _leave_to_parent() -> None:

@@ -1,4 +1,4 @@
-"""Recorded files and compiled programs that several tests need."""
+"""Recorded files, what was played into them, and the programs of the library's build."""
 import subprocess
 import sys
 from pathlib import Path
@@ -9,7 +9,6 @@ import pytest
 from corvantis.library import find_library
 
 HERE = Path(__file__).parent
-HEADERS = HERE.parent.parent / "itc-code"
 
 
 @pytest.fixture(scope="session")
@@ -28,20 +27,14 @@ def recorded(tmp_path_factory):
 
 @pytest.fixture(scope="session")
 def logged(recorded):
-    """logged(recipe) gives what was acquired and played, without going through the file."""
+    """logged(recipe) gives the pairs of what was acquired and played in each epoch."""
     def load(recipe):
         with np.load(f"{recorded(recipe)}.npz") as log:
             return [(log[f"acquired{k}"], log[f"played{k}"]) for k in range(len(log.files) // 2)]
     return load
 
 
-@pytest.fixture
-def compiled(tmp_path):
-    """compiled(text) gives a program built from a C text with the public header alone."""
-    def build(text):
-        library = Path(find_library()._name).resolve()
-        subprocess.run(["cc", "-std=c99", "-D_GNU_SOURCE", f"-I{HEADERS}", "-xc", "-", "-xnone",
-                        library, f"-Wl,-rpath,{library.parent}", "-Wl,--allow-shlib-undefined",
-                        "-o", tmp_path / "program"], input=text, text=True, check=True)
-        return tmp_path / "program"
-    return build
+@pytest.fixture(scope="session")
+def build():
+    """The folder that the library was built in."""
+    return Path(find_library()._name).resolve().parent.parent

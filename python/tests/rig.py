@@ -1,9 +1,10 @@
-"""Records test files on the simulated interface: `python3 rig.py RECIPE FILE`, in its own process.
+"""Records test files on the simulated interface: `python3 rig.py RECIPE[-NUMBER...] FILE`.
 
-The package reads through the library that records here, and the library has one state. What was
-played and acquired goes to FILE.npz, so that nothing is compared with what the library reads.
+In a process of its own: the package reads through the library that records here, which has one
+state. What was played and acquired goes to FILE.npz, without going through the file.
 """
 import ctypes
+import random
 import sys
 
 import numpy as np
@@ -14,79 +15,60 @@ from corvantis.layout import structure_of
 from corvantis.library import find_library
 
 # Where the library's name of a builder differs from the package's name of the stimulus.
-RENAMED = {"AlternatingVoltage": "AltVoltage", "TriggerSeries": "TrigSeries",
-           "FileWave": "Filewave", "DynamicClamp": "GClamp"}
-LARGEST_RECORD = 64
-
-
-def builder(stimulus):
-    name = type(stimulus).__name__
-    return RENAMED.get(name, name)
-
-
-class FileWaveRecord(ctypes.Structure):
-    _fields_ = [("samples", ctypes.c_void_p), ("length", ctypes.c_int32)]
-
-
-def in_memory(stimulus):
-    """A record as the library expects it, fields that the package does not show being 0."""
-    block = ctypes.create_string_buffer(LARGEST_RECORD)
-    structure = structure_of(type(stimulus)).from_buffer(block)
-    for name, *_ in structure._fields_:
-        setattr(structure, name, getattr(stimulus, name))
-    return block
+RENAMED = {stimuli.AlternatingVoltage: "AltVoltage", stimuli.TriggerSeries: "TrigSeries",
+           stimuli.FileWave: "Filewave", stimuli.DynamicClamp: "GClamp"}
+CAPACITY = 200_000
 
 
 class Rig:
     """The library started with the simulated interface, writing one file."""
 
-    def __init__(self, path, capacity=200_000):
-        self.lib = find_library()
-        self.simulator = ctypes.CDLL("libITC18.so.1")
-        self.buffers = [(ctypes.c_uint16 * capacity)() for _ in range(2)]
-        self.handles = [ctypes.pointer(ctypes.cast(b, ctypes.POINTER(ctypes.c_uint16)))
-                        for b in self.buffers]
-        self.kept, self.log = [], {}
-        self.do("ITCInit", *self.handles, ctypes.byref(ctypes.c_int32(capacity)), 0)
+    def __init__(self, path):
+        self.lib, self.simulator = find_library(), ctypes.CDLL("libITC18.so.1")
+        self.buffers = [np.zeros(CAPACITY, dtype=np.int16) for _ in range(2)]
+        self.addresses = [ctypes.c_void_p(buffer.ctypes.data) for buffer in self.buffers]
+        self.log = {}
+        self.do("ITCInit", *map(ctypes.byref, self.addresses),
+                ctypes.byref(ctypes.c_int32(CAPACITY)), 0)
         self.do("ITCCreateFile", path.encode(), 1)
-        self.path = path
 
     def do(self, name, *arguments):
         result = getattr(self.lib, name)(*arguments)
         assert result == 0, f"{name}: {result}"
 
+    def pointer(self, name):
+        return ctypes.c_void_p.in_dll(self.lib, name)
+
     @property
     def header(self):
-        address = ctypes.c_void_p.in_dll(self.lib, "epochhdr").value
-        return structure_of(EpochHeader).from_address(address)
+        return structure_of(EpochHeader).from_address(self.pointer("epochhdr").value)
 
-    def install(self, slot, stimulus):
-        if isinstance(stimulus, stimuli.Summed):
-            record = ctypes.create_string_buffer(260 + 256 * ctypes.sizeof(ctypes.c_void_p) + 8)
-            ctypes.c_int32.from_buffer(record).value = len(stimulus.components)
-            self.do("ITCSummedParams", slot, record)
-            for each in stimulus.components:
-                name = builder(each).replace("AltVoltage", "AltVolt")
-                self.do(f"ITCAdd{name}Params", slot, self.record(each))
-        elif isinstance(stimulus, stimuli.Generic):
-            self.do("ITCGenericParams", in_memory(stimulus))
-        else:
-            latency = [10] if isinstance(stimulus, stimuli.DynamicClamp) else []
-            self.do(f"ITC{builder(stimulus)}Params", slot, self.record(stimulus), *latency)
+    def install(self, slot, stimulus, verb=""):
+        name = RENAMED.get(type(stimulus), type(stimulus).__name__)
+        where = [] if isinstance(stimulus, stimuli.Generic) else [slot]
+        latency = [10] if isinstance(stimulus, stimuli.DynamicClamp) else []
+        self.do(f"ITC{verb}{name}Params", *where, self.record(stimulus), *latency)
+        for each in getattr(stimulus, "components", ()):
+            self.install(slot, each, "Add")
 
     def record(self, stimulus):
+        """A record as the library expects it, fields that the package does not show being 0."""
+        points = self.header.epochPoints
+        block = ctypes.create_string_buffer(4096)
         if isinstance(stimulus, stimuli.FileWave):
-            points = self.header.epochPoints
-            wave = (ctypes.c_uint16 * points)(*range(100, 100 + points))
-            self.kept.append(wave)
-            return ctypes.byref(FileWaveRecord(ctypes.addressof(wave), points))
+            return (ctypes.c_void_p * 2)(self.buffers[0].ctypes.data, points)
         if isinstance(stimulus, stimuli.TriggerSeries):
-            return (ctypes.c_int32 * 9)(0, 1000, 10, self.header.epochPoints, 0, 0)
-        if isinstance(stimulus, stimuli.DynamicClamp) and stimulus.excitatory is not None:
-            for name, values in (("ExcitatoryG", stimulus.excitatory),
-                                 ("InhibitoryG", stimulus.inhibitory)):
-                ctypes.c_void_p.in_dll(self.lib, name).value = values.ctypes.data
-        return in_memory(stimulus)
+            return (ctypes.c_int32 * 9)(0, 1000, 10, points, 0, 0)
+        if isinstance(stimulus, stimuli.Summed):
+            ctypes.c_int32.from_buffer(block).value = len(stimulus.components)
+            return block
+        if isinstance(stimulus, stimuli.DynamicClamp):
+            self.pointer("ExcitatoryG").value = stimulus.excitatory.ctypes.data
+            self.pointer("InhibitoryG").value = stimulus.inhibitory.ctypes.data
+        structure = structure_of(type(stimulus)).from_buffer(block)
+        for name, *_ in structure._fields_:
+            setattr(structure, name, getattr(stimulus, name))
+        return block
 
     def epoch(self, played, inputs="0", outputs=None, interval=100, points=200, computed=True,
               **fields):
@@ -97,39 +79,32 @@ class Rig:
         for slot, stimulus in enumerate(played):
             self.install(slot, stimulus)
         for name, value in fields.items():
-            self.set_field(name, value)
-        count = points * len(inputs)
+            self.set(name, value)
         if computed:
             self.do("ITCUpdateStm")
         if computed and points:
             self.do("ITCInitAcq")
-            device = ctypes.c_void_p.in_dll(self.lib, "itc")
-            assert self.simulator.ITC18Simulator_Play(device, self.buffers[1], self.buffers[0],
-                                                      points) == 0
+            self.simulator.ITC18Simulator_Play(self.pointer("itc"), *self.addresses[::-1], points)
         number = len(self.log) // 2
         for name, buffer in zip(("acquired", "played"), self.buffers):
-            samples = np.frombuffer(buffer, dtype=np.int16)[:count]
-            self.log[f"{name}{number}"] = samples.reshape(points, -1).copy() if count else samples
+            samples = buffer[:points * len(inputs)].reshape(points, len(inputs))
+            self.log[f"{name}{number}"] = samples.copy()
         self.do("ITCSaveToFile")
 
-    def set_field(self, name, value):
+    def set(self, name, value):
         """Set a header field, or the first elements of one that is an array."""
-        field = getattr(self.header, name)
         if not isinstance(value, list):
-            setattr(self.header, name, value.encode() if isinstance(value, str) else value)
-        elif isinstance(value[0], str):
-            for text, each in zip(field, value):
-                text.value = each.encode()
-        else:
-            field[:len(value)] = value
-
-    def close(self):
-        self.do("ITCCloseFile")
-        np.savez(self.path + ".npz", **self.log)
+            return setattr(self.header, name, value)
+        field = getattr(self.header, name)
+        field[:len(value)] = [(ctypes.c_char * 16)(*each) if isinstance(each, bytes) else each
+                              for each in value]
 
 
-CLAMP = {"ampGain": [0.01] * 4, "convFactor": [400] * 4, "inputUnits": ["mV"] * 4,
-         "outputUnits": ["pA"] * 4}
+CLAMP = {"ampGain": [0.01] * 4, "convFactor": [400] * 4, "inputUnits": [b"mV"] * 4,
+         "outputUnits": [b"pA"] * 4}
+WHOLE = 150, 20, 30
+SEGMENTED = stimuli.SegmentedNoise(300, 0, 9, *WHOLE, segmentPoints=10)
+GENERIC = stimuli.Generic(1, 2, *WHOLE)
 
 
 def pulse(amplitude, points=200):
@@ -141,28 +116,26 @@ def steps(rig):
     """A family of current steps with units, comments and settings."""
     for number, amplitude in enumerate((-800, 400, 1600)):
         rig.epoch([pulse(amplitude, 4000)], interval=50, points=4000, epochTime=number / 2,
-                  epochComment=f"step {number}", temperature=6.25, userValue=[1.5, -2.0],
+                  epochComment=b"step %d" % number, temperature=6.25, userValue=[1.5, -2.0],
                   ledSetting=[7, 65535], **CLAMP)
 
 
 def types(rig):
     """Every type that is computed, alone or in sums, in sequences of one to four entries."""
-    whole = dict(tailPoints=20, prePoints=30)
-    sine = stimuli.Sine(500, 100, 40, 7, 150, **whole)
-    ramp = stimuli.Ramp(1000, -50, 150, **whole)
-    noise = stimuli.Noise(300, 20, 5, 150, **whole, smoothingPoints=4, cutoffFrequency=1000,
-                          filterOrder=2)
-    segmented = stimuli.SegmentedNoise(300, 0, 9, 150, **whole, segmentPoints=10)
-    binary = stimuli.BinaryNoise(300, 0, 3, 150, **whole, segmentPoints=7)
-    alternating = stimuli.AlternatingVoltage(11, 700, -300, 150, **whole)
+    sine = stimuli.Sine(500, 100, 40, 7, *WHOLE)
+    ramp = stimuli.Ramp(1000, -50, *WHOLE)
+    noise = stimuli.Noise(300, 20, 5, *WHOLE, 4, cutoffFrequency=1000, filterOrder=2)
+    binary = stimuli.BinaryNoise(300, 0, 3, *WHOLE, segmentPoints=7)
     clamp = stimuli.DynamicClamp(0.0, -80.0, np.linspace(0, 3, 200, dtype=np.float32),
                                  np.linspace(9, 4, 200, dtype=np.float32))
-    for each in (sine, noise, pulse(300), ramp, binary, alternating, stimuli.Spatial(200),
-                 segmented, clamp):
+    for each in (sine, noise, pulse(300), ramp, binary, SEGMENTED, clamp, stimuli.Spatial(200),
+                 stimuli.AlternatingVoltage(11, 700, -300, *WHOLE)):
         rig.epoch([each])
     rig.epoch([noise, clamp, ramp], "012")
     rig.epoch([stimuli.Summed((sine, ramp, noise)), pulse(50), binary, sine], "0123")
-    rig.epoch([pulse(80), sine], "4D", "3D", **CLAMP)
+    rig.epoch([pulse(80), sine], "4D", "3D", ampGain=[1.0, 0.01], convFactor=[1, 400],
+              inputUnits=[b"V", b"mV"], outputUnits=[b"V", b"pA"])
+    rig.epoch([pulse(80), sine], "40", "32", **{**CLAMP, "ampGain": [0.01, 0.5]})
     rig.epoch([pulse(5, 120_000)], points=120_000)
 
 
@@ -171,28 +144,50 @@ def unstored(rig):
     for each in (stimuli.FileWave(), stimuli.TriggerSeries()):
         rig.epoch([each], **CLAMP)
         rig.epoch([pulse(321)], **CLAMP)
-    rig.epoch([stimuli.Generic(1, 2, 150, 20, 30)], computed=False)
-    rig.epoch([stimuli.CirclePulse(1, 2, 3, (4, 5, 6), (7, 8, 9), 150, 20, 30)], computed=False)
+    rig.epoch([GENERIC], computed=False)
+    rig.epoch([stimuli.CirclePulse(1, 2, 3, (4, 5, 6), (7, 8, 9), *WHOLE)], computed=False)
     rig.epoch([pulse(-321)])
 
 
 def lost(rig):
     """Noise behind noise that is computed with a wave that is not stored, or not at all."""
-    segmented = stimuli.SegmentedNoise(300, 0, 9, 150, 20, 30, segmentPoints=10)
-    rig.epoch([segmented])
-    rig.epoch([stimuli.Summed((stimuli.FileWave(), segmented))])
-    rig.epoch([segmented])
-    rig.epoch([stimuli.Generic(1, 2, 150, 20, 30), segmented], "01", computed=False)
-    rig.epoch([segmented])
+    rig.epoch([SEGMENTED])
+    rig.epoch([stimuli.Summed((stimuli.FileWave(), SEGMENTED))])
+    rig.epoch([SEGMENTED])
+    rig.epoch([GENERIC, SEGMENTED], "01", computed=False)
+    rig.epoch([SEGMENTED])
+
+
+def history(rig, seed, version=8):
+    """Noise of every kind and seed, alone and in sums, over one to four entries."""
+    choose = random.Random(seed)
+    ctypes.c_int8.from_address(rig.pointer("filehdr").value).value = version
+
+    def noise():
+        points = choose.choice((60, 63, 64, 128, 300))
+        runs = choose.choice((0, 5, -7, -9, -2**31, 12)), points, 321 - points, 80
+        kind = choose.choice((stimuli.Noise, stimuli.SegmentedNoise, stimuli.BinaryNoise))
+        if kind is stimuli.Noise:
+            return kind(500, 7, *runs, choose.choice((4, 5)), 1000, 1)
+        return kind(500, 7, *runs, choose.choice((5, 20, 60, 100)))
+
+    def entry():
+        components = stimuli.Summed((noise(), pulse(9, 401), noise()))
+        return choose.choice((noise(), noise(), components, pulse(80, 401)))
+
+    rig.epoch([stimuli.Noise(500, 7, -seed, 300, 21, 80, 4, 1000, 1)], points=401)
+    for _ in range(40):
+        played = [entry() for _ in range(choose.choice((1, 1, 1, 2, 4)))]
+        rig.epoch(played, "0123"[:len(played)], points=401)
 
 
 def odd(rig):
-    """Epochs without points, without usable factors, and of another text encoding."""
+    """Epochs without points or entries, without usable factors, with texts that are not plain."""
     rig.epoch([pulse(0, 0)], points=0)
-    rig.epoch([pulse(100)], ampGain=[0.0], convFactor=[float("inf")], inputUnits=["mV"])
-    rig.epoch([pulse(100)], "01"[:1], epochTime=float("nan"))
-    rig.header.epochComment = "\N{MICRO SIGN} in Mac Roman".encode("mac_roman")
-    rig.epoch([pulse(100)], inputUnits=["sixteen letters!"], ampGain=[1.0])
+    rig.epoch([pulse(100)], ampGain=[0.0], convFactor=[float("inf")], inputUnits=[b"mV"])
+    rig.epoch([pulse(100)], epochComment="\N{MICRO SIGN} $\\frac{$".encode("mac_roman"),
+              ampGain=[1.0], inputUnits=[b"$\\frac{$"], epochTime=float("nan"))
+    rig.epoch([], points=1, computed=False, sequenceLength=0, epochPoints=2**31 - 1)
 
 
 def empty(rig):
@@ -207,5 +202,7 @@ def many(rig):
 
 if __name__ == "__main__":
     rig = Rig(sys.argv[2])
-    globals()[sys.argv[1]](rig)
-    rig.close()
+    name, *numbers = sys.argv[1].split("-")
+    globals()[name](rig, *map(int, numbers))
+    rig.do("ITCCloseFile")
+    np.savez(sys.argv[2] + ".npz", **rig.log)

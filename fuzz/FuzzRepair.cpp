@@ -37,15 +37,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static FILE* const nowhere = std::fopen("/dev/null", "w");
     static const OutputFolder folder;
     static const std::string output = folder.File();
-    static const corvantis::Terminal terminal = {nowhere, nowhere, true};
+    static const corvantis::tool::Terminal terminal = {nowhere, nowhere, true};
     corvantis_fuzz::StartLibrary();
     const corvantis_fuzz::MemoryFile file(data, size);
     try {
         const bool keepPartial = size % 2 == 0;
-        corvantis::RunRepair({file.Path(), output, keepPartial, true, false}, terminal);
-    } catch (const corvantis::Failure&) {
+        corvantis::tool::RunRepair({file.Path(), output, keepPartial, true, false}, terminal);
+    } catch (const corvantis::tool::Failure&) {
         return 0;
     }
-    if (corvantis::RunCheck({{output}, false, false}, terminal) != corvantis::kFine) std::abort();
+    if (corvantis::tool::RunCheck({{output}, false, false}, terminal) != corvantis::tool::kFine) std::abort();
     return 0;
 }

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
 
 constexpr int64_t kTablePiece = 4096;
@@ -105,4 +105,4 @@ bool Account::Number(std::vector<EpochPlace>& epochs) const {
     return true;
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -8,7 +8,7 @@
 #include "Container.h"
 #include "DataFile.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 
 // A place that the table leads to, and the number of what should be there; behind the last epoch
 // the table itself.
@@ -49,4 +49,4 @@ class Account {
     std::vector<Landmark> landmarks_;  // in the order of their recorded positions
 };
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -9,7 +9,7 @@
 #include "Failure.h"
 #include "Text.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
 
 // Other readers of the format lose what lies beyond 2 GiB, taking offsets as signed.
@@ -146,4 +146,4 @@ int RunCheck(const CheckOptions& options, const Terminal& terminal) {
     return code;
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -9,7 +9,7 @@
 #include "Survey.h"
 #include "Terminal.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 
 struct CheckOptions {
     std::vector<std::string> files;
@@ -22,4 +22,4 @@ Findings CompareWithSurvey(const DataFile& file, const Survey& survey);
 // 0 if all files are clean, 1 for findings, 2 if one cannot be read; the others are still checked.
 int RunCheck(const CheckOptions& options, const Terminal& terminal);
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

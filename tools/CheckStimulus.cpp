@@ -5,10 +5,9 @@
 
 #include "NoiseHistory.h"
 #include "Rebuild.h"
-#include "RecordLengths.h"
-#include "StimulusTypes.h"
+#include "Stimuli.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
 
 constexpr char kExpected[] = "the waveform that was played";
@@ -82,4 +81,4 @@ Findings CheckStimuli(const DataFile& file, const std::vector<EpochPlace>& epoch
     return check.Take();
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -8,11 +8,11 @@
 #include "Findings.h"
 #include "Terminal.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 
 // Computes each epoch's stimulus twice in one process and once in a fresh one, and tells which
 // begin with what an earlier epoch left behind.
 Findings CheckStimuli(const DataFile& file, const std::vector<EpochPlace>& epochs,
                       const Terminal& terminal);
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -14,7 +14,7 @@
 #include "Repair.h"
 #include "Text.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
 
 constexpr std::array<std::string_view, 4> kCommands = {"info", "check", "repair", "export"};
@@ -222,4 +222,4 @@ bool NamesExternalCommand(int argc, char** argv) {
     return isName && std::find(kCommands.begin(), kCommands.end(), first) == kCommands.end();
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

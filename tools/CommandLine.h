@@ -3,7 +3,7 @@
 
 #include "Terminal.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 
 // Runs the sub-command that the arguments name and returns the exit code.
 int RunCommandLine(int argc, char** argv, Terminal& terminal);
@@ -11,4 +11,4 @@ int RunCommandLine(int argc, char** argv, Terminal& terminal);
 // Whether the arguments name a sub-command that the tool does not have itself.
 bool NamesExternalCommand(int argc, char** argv);
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -7,12 +7,10 @@
 #include <optional>
 #include <utility>
 
-#include "StimulusTypes.h"
+#include "Stimuli.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
-
-static_assert(sizeof(ITCCirclePulseParameters) <= sizeof(Stimulus::record));
 
 struct Stop {
     Condition condition;
@@ -120,13 +118,14 @@ class EpochWalk {
 
     Stopped ReadRecord(Stimulus& stimulus, const std::string& name) {
         const int32_t type = stimulus.type;
-        if (type > ITC_STIMULUS_SPATIAL) {
+        if (type > static_cast<int32_t>(kLargestType)) {
             return Stop{Condition::kUnknownType,
                         {fmt::format("{} {}: stimulus type {} is not known", name, type, type),
-                         "a type from 1 to 14"}};
+                         fmt::format("a type from 1 to {}", kLargestType)}};
         }
         if (!IsSimpleType(type)) {
-            return Impossible(fmt::format("{} {}", name, type), "a type from 1 to 14");
+            return Impossible(fmt::format("{} {}", name, type),
+                              fmt::format("a type from 1 to {}", kLargestType));
         }
         FILE* stream = file_.At(position_);
         if (!Read_ITCStimulusParameters(stream, stimulus.record.data(),
@@ -134,7 +133,7 @@ class EpochWalk {
             return Cut(file_, reading_.place.start, "a stimulus record");
         }
         const int64_t next = ftello(stream);
-        reading_.place.overcounted += CountedSize(type) - (next - position_);
+        reading_.place.overcounted += RowOf(type).record->countedSize - (next - position_);
         position_ = next;
         return std::nullopt;
     }
@@ -168,4 +167,4 @@ bool EndsAt(EpochReading& reading, int64_t end) {
     return true;
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -9,8 +9,9 @@
 
 #include "Corvantis.h"
 #include "DataFile.h"
+#include "ITCFileIO/StimulusTypes.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 
 struct EpochPlace {
     // In the table of positions, whatever became of the epochs before it.
@@ -30,7 +31,7 @@ struct EpochPlace {
 struct Stimulus {
     int32_t type = 0;
     bool isRead = false;  // not behind a record of unknown length
-    alignas(std::max_align_t) std::array<std::byte, 64> record = {};
+    alignas(std::max_align_t) std::array<std::byte, kLargestRecord> record = {};
     std::vector<Stimulus> components;
 };
 
@@ -66,4 +67,4 @@ EpochReading ReadEpochAt(const DataFile& file, int64_t start);
 // if they have no room, or for any other epoch.
 bool EndsAt(EpochReading& reading, int64_t end);
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

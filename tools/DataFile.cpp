@@ -12,7 +12,7 @@
 
 #include "Failure.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
 
 // Does not wait for the other end of a pipe.
@@ -105,4 +105,4 @@ std::vector<uint32_t> DataFile::Positions(int64_t position, int64_t count) const
     return positions;
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -13,7 +13,7 @@
 
 #include "Corvantis.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 
 struct CloseStream {
     void operator()(FILE* stream) const { std::fclose(stream); }
@@ -60,4 +60,4 @@ inline constexpr int64_t kFirstEpoch = sizeof(ITCFileHeader);
 inline constexpr int64_t kEpochHeaderSize = sizeof(ITCEpochHeader);
 inline constexpr int64_t kPositionSize = sizeof(uint32_t);
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

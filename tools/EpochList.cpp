@@ -9,7 +9,7 @@
 
 #include "Failure.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
 
 Failure Malformed(const std::string& text) {
@@ -63,4 +63,4 @@ std::vector<int64_t> ParseEpochList(const std::string& text, int64_t epochsInFil
     return numbers;
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -7,7 +7,7 @@
 
 #include "Container.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
 
 constexpr int64_t kSmallestBlock = 1 << 12;  // the next epoch is mostly near
@@ -85,4 +85,4 @@ int64_t EndOfSoundEpochs(const DataFile& file, int64_t position, int64_t until) 
     return position;
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -7,7 +7,7 @@
 #include "DataFile.h"
 #include "Terminal.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 
 // The first place from `from` on and before `until` that looks like an epoch throughout: the bytes
 // that every writer of the format leaves zero are zero, its numbers are possible, and its end is
@@ -19,4 +19,4 @@ std::optional<int64_t> FindEpoch(const DataFile& file, int64_t from, int64_t unt
 // Where the epochs end that follow each other from there, each as sound as a found one.
 int64_t EndOfSoundEpochs(const DataFile& file, int64_t position, int64_t until);
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

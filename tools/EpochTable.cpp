@@ -8,11 +8,10 @@
 
 #include "Failure.h"
 #include "Rebuild.h"
-#include "RecordLengths.h"
-#include "StimulusTypes.h"
+#include "Stimuli.h"
 #include "Units.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
 
 constexpr double kMicrosecondsPerSecond = 1e6;
@@ -187,4 +186,4 @@ void AddStimulus(const DataFile& file, const EpochPlace& place, Values values, E
     TableBuilder(file, place, values, table).AddStimuli();
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -11,7 +11,7 @@
 #include "Container.h"
 #include "DataFile.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 
 enum class Values { kUnits, kVolts, kCounts };
 
@@ -36,4 +36,4 @@ EpochTable MakeEpochTable(const DataFile& file, const EpochPlace& place, Values 
 // Adds the stimulus, whose noise begins where this process's generators stand.
 void AddStimulus(const DataFile& file, const EpochPlace& place, Values values, EpochTable& table);
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

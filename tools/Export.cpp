@@ -18,7 +18,7 @@
 #include "TableWriter.h"
 #include "Text.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
 
 constexpr int64_t kRun = 4096;  // points in memory at once
@@ -225,4 +225,4 @@ int RunExport(const ExportOptions& options, const Terminal& terminal) {
     return Exporter(file, options, terminal).Export();
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -5,7 +5,7 @@
 
 #include "Terminal.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 
 struct ExportOptions {
     std::string file;
@@ -23,4 +23,4 @@ struct ExportOptions {
 // column is then empty.
 int RunExport(const ExportOptions& options, const Terminal& terminal);
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -9,7 +9,7 @@
 
 #include "Failure.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
 
 // An installation that is not in the path finds its own programs all the same.
@@ -39,4 +39,4 @@ void RunExternalCommand(int argc, char** argv) {
                   " beside this one or in the path; see corvantis --help");
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

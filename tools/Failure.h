@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace corvantis {
+namespace corvantis::tool {
 
 enum ExitCode : int { kFine = 0, kFindings = 1, kUnusable = 2 };
 
@@ -20,4 +20,4 @@ class Failure : public std::runtime_error {
 // With the system's reason for the call that has just failed.
 inline Failure SystemFailure(const std::string& path) { return {path, std::strerror(errno)}; }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -5,7 +5,7 @@
 
 #include "Text.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 
 void PrintFindings(const Terminal& terminal, const std::string& path, const Findings& findings) {
     for (const Finding& finding : findings) {
@@ -32,4 +32,4 @@ bool HasFault(const Findings& findings) {
                        [](const Finding& finding) { return !finding.isNote; });
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

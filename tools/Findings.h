@@ -8,7 +8,7 @@
 
 #include "Terminal.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 
 struct Finding {
     int64_t offset = 0;  // [bytes]
@@ -25,4 +25,4 @@ nlohmann::json ToJson(const std::string& path, const Findings& findings);
 
 bool HasFault(const Findings& findings);
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

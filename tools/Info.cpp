@@ -1,56 +1,38 @@
 // Printing the file header, a line per epoch, and epochs in full, as text or JSON.
 #include "Info.h"
 
-#include <cmath>
-#include <nlohmann/json.hpp>
-#include <type_traits>
+#include <span>
+#include <string_view>
 
 #include "Check.h"
 #include "EpochList.h"
 #include "Failure.h"
 #include "Fields.h"
-#include "StimulusTypes.h"
+#include "Stimuli.h"
 #include "Survey.h"
 #include "Text.h"
 #include "Units.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
 
-using Json = nlohmann::ordered_json;
+using Fields = std::span<const Field>;
 
-// A field's value; JSON has no number for what is infinite or undefined.
-template <class Value>
-Json ValueOf(const Value& value) {
-    if constexpr (std::is_array_v<Value>) {
-        using Element = std::remove_extent_t<Value>;
-        if constexpr (std::is_same_v<Element, char>) {
-            return DisplayText({value, std::extent_v<Value>});
-        } else {
-            Json list = Json::array();
-            for (const Element& element : value) list.push_back(ValueOf(element));
-            return list;
-        }
-    } else if constexpr (std::is_floating_point_v<Value>) {
-        if (!std::isfinite(value)) return fmt::format("{}", value);
-        return std::stod(fmt::format("{}", value));  // 0.01, not the nearest float's digits
-    } else {
-        return value;
-    }
+Json JsonOf(Fields fields, const void* record) {
+    Json values = Json::object();
+    for (const Field& field : fields) values[field.text.name] = FieldValue(field, record);
+    return values;
 }
 
-template <class Record>
-Json FieldsOf(const Record& record) {
-    Json fields = Json::object();
-    VisitFields(record, [&](const char* name, const auto& value, const char* /*unit*/) {
-        fields[name] = ValueOf(value);
-    });
-    return fields;
+// A sum shows its components instead.
+Fields FieldsOf(const Stimulus& stimulus) {
+    const bool isShown = stimulus.isRead && stimulus.type != ITC_STIMULUS_SUMMED;
+    return isShown ? RowOf(stimulus.type).record->fields : Fields();
 }
 
 Json StimulusOf(const Stimulus& stimulus) {
     Json json = {{"type", stimulus.type}, {"name", TypeName(stimulus.type)}};
-    json.update(FieldsOf(stimulus));
+    json.update(JsonOf(FieldsOf(stimulus), stimulus.record.data()));
     for (const Stimulus& component : stimulus.components) {
         json["components"].push_back(StimulusOf(component));
     }
@@ -70,27 +52,28 @@ std::string InUnits(double level, const Conversion& conversion) {
     return fmt::format(" ({:.6g} {})", conversion.Level(level), conversion.unit);
 }
 
-template <class Record>
-void PrintFields(const Record& record, const std::string& indent, const Terminal& terminal,
-                 const Conversion& conversion = Words()) {
-    VisitFields(record, [&](const char* name, const auto& value, const char* unit) {
-        std::string line =
-            fmt::format("{}{:<19} {} {}", indent, name, ShownValue(ValueOf(value)), unit);
-        if constexpr (std::is_arithmetic_v<std::decay_t<decltype(value)>>) {
-            if (unit == std::string_view("DAC codes")) line += InUnits(value, conversion);
+void PrintFields(Fields fields, const void* record, const std::string& indent,
+                 const Terminal& terminal, const Conversion& conversion = Words()) {
+    for (const Field& field : fields) {
+        const Json value = FieldValue(field, record);
+        std::string line = fmt::format("{}{:<19} {} {}", indent, field.text.name, ShownValue(value),
+                                       field.text.unit);
+        if (value.is_number() && field.text.unit == std::string_view(kCodes)) {
+            line += InUnits(value.get<double>(), conversion);
         }
         terminal.Print("{}\n", line.substr(0, line.find_last_not_of(' ') + 1));
-    });
+    }
 }
 
 void PrintStimulus(const Stimulus& stimulus, const Conversion& conversion,
                    const Terminal& terminal) {
     const std::string indent = "    ";
-    PrintFields(stimulus, indent, terminal, conversion);
+    PrintFields(FieldsOf(stimulus), stimulus.record.data(), indent, terminal, conversion);
     for (size_t k = 0; k < stimulus.components.size(); ++k) {
         const Stimulus& component = stimulus.components[k];
         terminal.Print("{}component {}: {}\n", indent, k, TypeName(component.type));
-        PrintFields(component, indent + "  ", terminal, conversion);
+        PrintFields(FieldsOf(component), component.record.data(), indent + "  ", terminal,
+                    conversion);
     }
 }
 
@@ -111,7 +94,7 @@ class Report {
     void PrintFile() const {
         terminal_.Print("{}: {} epochs, {} bytes\n", DisplayText(file_.Path()),
                         survey_.epochs.size(), file_.Size());
-        PrintFields(file_.Header(), "  ", terminal_);
+        PrintFields(kFields<ITCFileHeader>, &file_.Header(), "  ", terminal_);
     }
 
     void PrintTable() const {
@@ -125,7 +108,7 @@ class Report {
             terminal_.Print("{:>6} {:>10} {:>8} {:>7} {:>8}  {:<20} {}\n", epoch.number,
                             epoch.start, header.epochPoints, header.sequenceLength,
                             header.samplingInterval, StimulusNames(content),
-                            ShownValue(ValueOf(header.epochComment)));
+                            DisplayText({header.epochComment, sizeof header.epochComment}));
         }
         PrintDamaged(next, file_.Size());
     }
@@ -135,7 +118,7 @@ class Report {
         const EpochContent content = ReadEpochAt(file_, place.start).content;
         terminal_.Print("epoch {}: bytes {} to {}, samples from {}\n", number, place.start,
                         place.end, place.samples);
-        PrintFields(content.header, "  ", terminal_);
+        PrintFields(kFields<ITCEpochHeader>, &content.header, "  ", terminal_);
         for (size_t entry = 0; entry < content.stimuli.size(); ++entry) {
             const Stimulus& stimulus = content.stimuli[entry];
             terminal_.Print("  entry {}: {}\n", entry, TypeName(stimulus.type));
@@ -151,7 +134,7 @@ class Report {
     Json FileJson() const {
         return {{"file", DisplayText(file_.Path())},
                 {"bytes", file_.Size()},
-                {"header", FieldsOf(file_.Header())}};
+                {"header", JsonOf(kFields<ITCFileHeader>, &file_.Header())}};
     }
 
     Json EpochJson(const EpochPlace& place) const {
@@ -166,7 +149,7 @@ class Report {
                 {"position", place.start},
                 {"samples", place.samples},
                 {"end", place.end},
-                {"header", FieldsOf(content.header)},
+                {"header", JsonOf(kFields<ITCEpochHeader>, &content.header)},
                 {"entries", entries}};
     }
 
@@ -240,4 +223,4 @@ int RunInfo(const InfoOptions& options, const Terminal& terminal) {
     return kFine;
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

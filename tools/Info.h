@@ -5,7 +5,7 @@
 
 #include "Terminal.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 
 struct InfoOptions {
     std::string file;
@@ -15,4 +15,4 @@ struct InfoOptions {
 
 int RunInfo(const InfoOptions& options, const Terminal& terminal);
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

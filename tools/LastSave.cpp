@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
 
 std::vector<uint8_t> BigEndian(const std::vector<uint32_t>& values) {
@@ -119,4 +119,4 @@ void JudgeLastSave(const DataFile& file, EpochReading reading, Survey& survey) {
     }
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -19,10 +19,10 @@
 #include "DataFile.h"
 #include "Survey.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 
 // Completes a survey that has ended without a table. The reading is that of the place where it
 // ended. The last epoch is taken away from the complete ones if it is not known to be complete.
 void JudgeLastSave(const DataFile& file, EpochReading reading, Survey& survey);
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -13,7 +13,7 @@
 
 #include "Failure.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
 
 constexpr char kExists[] = "exists already (--force replaces it)";
@@ -153,4 +153,4 @@ void NewFile::Commit() {
     temporary_.clear();
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

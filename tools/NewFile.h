@@ -5,7 +5,7 @@
 
 #include "DataFile.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 
 class NewFile {
   public:
@@ -33,4 +33,4 @@ class NewFile {
     Stream stream_;
 };
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

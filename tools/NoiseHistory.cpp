@@ -4,42 +4,16 @@
 #include <fmt/core.h>
 
 #include <algorithm>
-#include <bit>
 #include <utility>
 
-#include "RecordLengths.h"
+#include "Stimuli.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
 
 // The library computes neither, nor what comes behind them.
 bool IsApplications(const Stimulus& stimulus) {
-    return stimulus.type == ITC_STIMULUS_GENERIC || stimulus.type == ITC_STIMULUS_CIRCLE_PULSE;
-}
-
-template <class Record>
-Draws SegmentDraws(const Record& record, bool areNormal) {
-    const int32_t segments = record.segmentPoints > 0 ? record.points / record.segmentPoints : 0;
-    return {areNormal, record.seed, segments};
-}
-
-// A transform has the smallest power of two above the points; without points nothing is seeded.
-std::optional<Draws> FilteredDraws(const ITCNoiseParameters& record, int32_t version) {
-    if (version <= kLastVersionWithPlatformNoise || record.points <= 0) return std::nullopt;
-    return Draws{true, record.seed, std::bit_ceil(static_cast<uint32_t>(record.points) + 1)};
-}
-
-std::optional<Draws> DrawsOf(const Stimulus& stimulus, int32_t version) {
-    switch (stimulus.type) {
-        case ITC_STIMULUS_NOISE:
-            return FilteredDraws(As<ITCNoiseParameters>(stimulus), version);
-        case ITC_STIMULUS_SEGMENTED_NOISE:
-            return SegmentDraws(As<ITCSegmentedNoiseParameters>(stimulus), true);
-        case ITC_STIMULUS_BINARY_NOISE:
-            return SegmentDraws(As<ITCBinaryNoiseParameters>(stimulus), false);
-        default:
-            return std::nullopt;
-    }
+    return RowOf(stimulus.type).waveform.Get() == nullptr;
 }
 
 // All records that are computed, in the order in which they are.
@@ -52,13 +26,20 @@ std::vector<const Stimulus*> RecordsOf(const EpochContent& content) {
     return records;
 }
 
+bool AreNormal(const Draws& draws) { return draws.deviates == Deviates::kNormal; }
+
+// The older generator restarts with every seed.
+bool IsOfLongPeriod(const Draws& draws) {
+    return AreNormal(draws) || draws.deviates == Deviates::kUniform;
+}
+
 bool DrawsNormal(const std::vector<Draws>& noise) {
     return std::any_of(noise.begin(), noise.end(),
-                       [](const Draws& draws) { return draws.areNormal && draws.count > 0; });
+                       [](const Draws& draws) { return AreNormal(draws) && draws.count > 0; });
 }
 
 bool LeavesSpare(const std::vector<Draws>& noise, bool isSpareHeld) {
-    for (const Draws& draws : noise) isSpareHeld ^= draws.areNormal && draws.count % 2 != 0;
+    for (const Draws& draws : noise) isSpareHeld ^= AreNormal(draws) && draws.count % 2 != 0;
     return isSpareHeld;
 }
 
@@ -67,7 +48,7 @@ bool Restarts(const Draws& draws) { return StateWord(draws.seed) <= 0; }
 // What follows a new pair of a restarted generator depends on nothing before.
 bool Settles(const std::vector<Draws>& noise) {
     return std::any_of(noise.begin(), noise.end(), [](const Draws& draws) {
-        return draws.areNormal && draws.count > 1 && Restarts(draws);
+        return AreNormal(draws) && draws.count > 1 && Restarts(draws);
     });
 }
 
@@ -82,14 +63,14 @@ bool isSpareInLibrary = false;
 void Draw(const Draws& draws) {
     int32_t state = StateWord(draws.seed);
     ITCSeedRandom(&state);
-    const auto draw = draws.areNormal ? ITCNormalDeviate : ran2;
+    const auto draw = AreNormal(draws) ? ITCNormalDeviate : ran2;
     for (int64_t i = 0; i < draws.count; ++i) draw(&state);
     isSpareInLibrary = LeavesSpare({draws}, isSpareInLibrary);
 }
 
 // The value of a spare that is held first does not matter: the draws to come use it up.
 void SetSpare(bool isHeld) {
-    if (isSpareInLibrary != isHeld) Draw({.areNormal = true, .count = 1});
+    if (isSpareInLibrary != isHeld) Draw({.deviates = Deviates::kNormal, .count = 1});
 }
 
 }  // namespace
@@ -110,8 +91,8 @@ NoiseHistory::NoiseHistory(const DataFile& file, std::span<const EpochPlace> epo
             const bool fits = record->isRead && StaysWithin(*record, place.points);
             isCertain &= fits && !IsApplications(*record);
             if (!fits) continue;
-            const std::optional<Draws> draws = DrawsOf(*record, file.Header().version);
-            if (draws) epoch.draws.push_back(*draws);
+            const Draws draws = DrawsOf(*record, file.Header().version);
+            if (IsOfLongPeriod(draws)) epoch.draws.push_back(draws);
         }
         next.isParityKnown = epoch.isParityKnown && isRead;
         next.isSpareHeld = LeavesSpare(epoch.draws, epoch.isSpareHeld);
@@ -158,4 +139,4 @@ std::string NoiseHistory::Doubt(size_t index) const {
                             : "");
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -10,22 +10,12 @@
 #include "Container.h"
 #include "DataFile.h"
 
-namespace corvantis {
-
-// Noise of files up to this version came from the recording machine's own generator.
-inline constexpr int8_t kLastVersionWithPlatformNoise = 4;
+namespace corvantis::tool {
 
 // The state word that a seed becomes; 0 or below restarts the generator.
 inline int32_t StateWord(int32_t seed) {
     return static_cast<int32_t>(0U - static_cast<uint32_t>(seed));
 }
-
-// The random numbers that one record's noise draws.
-struct Draws {
-    bool areNormal = false;  // else uniform
-    int32_t seed = 0;
-    int64_t count = 0;
-};
 
 // The noise of a file's epochs, computed once each and in their order. Normal deviates are made in
 // pairs: the second one begins the next noise, whatever its seed.
@@ -57,4 +47,4 @@ class NoiseHistory {
     size_t reached_ = 0;  // the epoch that the generators stand before
 };
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

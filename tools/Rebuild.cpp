@@ -11,10 +11,9 @@
 
 #include "Failure.h"
 #include "NoiseHistory.h"
-#include "RecordLengths.h"
-#include "StimulusTypes.h"
+#include "Stimuli.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
 
 // Memory that parent and child both see: a success flag and the samples, for each time.
@@ -115,67 +114,46 @@ RebuiltStimulus Split(const EpochPlace& place, const EpochContent& content,
     return rebuilt;
 }
 
-// The platform's generator restarts with every seed.
-std::string WhyNoise(const ITCFileHeader& file, int32_t seed) {
-    if (file.version <= kLastVersionWithPlatformNoise) {
-        return "noise of format versions 4 and below came from the recording machine's own "
-               "generator";
-    }
-    return seed < 0 ? "its seed continues the noise before it, whose end is not recorded" : "";
-}
+constexpr char kContinues[] = "its seed continues the noise before it, whose end is not recorded";
 
-std::string WhySegments(const ITCSegmentedNoiseParameters& record) {
-    if (record.seed < 0) return "its seed continues the noise before it, whose end is not recorded";
-    const bool odd = record.segmentPoints > 0 && (record.points / record.segmentPoints) % 2 != 0;
-    return odd ? "an odd number of segments leaves a deviate to the next noise, also to a repeat"
-               : "";
+std::string WhyNoise(const Draws& draws) {
+    switch (draws.deviates) {
+        case Deviates::kNone:
+            return {};
+        case Deviates::kOldNormal:
+            return "noise of format versions 4 and below came from the recording machine's own "
+                   "generator";
+        case Deviates::kUniform:
+            return draws.seed < 0 ? kContinues : "";
+        case Deviates::kNormal:
+            if (draws.seed < 0) return kContinues;
+            return draws.count % 2 == 0 ? ""
+                                        : "an odd number of segments leaves a deviate to the next "
+                                          "noise, also to a repeat";
+    }
+    return {};
 }
 
 }  // namespace
 
 bool HasWaveform(const Stimulus& stimulus) {
     if (!stimulus.isRead) return false;
-    switch (stimulus.type) {
-        case ITC_STIMULUS_FILEWAVE:
-        case ITC_STIMULUS_GENERIC:
-        case ITC_STIMULUS_TRIGGER_SERIES:
-        case ITC_STIMULUS_CIRCLE_PULSE:
-            return false;
-        default:
-            return std::all_of(stimulus.components.begin(), stimulus.components.end(), HasWaveform);
-    }
+    if (stimulus.type != ITC_STIMULUS_SUMMED) return IsComputedFromFile(stimulus.type);
+    return std::all_of(stimulus.components.begin(), stimulus.components.end(), HasWaveform);
 }
 
 std::string WhyNotRebuilt(const ITCFileHeader& file, const Stimulus& stimulus) {
-    if (stimulus.type > ITC_STIMULUS_SPATIAL) {
+    if (!IsStimulusType(static_cast<uint32_t>(stimulus.type))) {
         return fmt::format("stimulus type {} is not known", stimulus.type);
     }
     if (!stimulus.isRead) return "its parameters lie behind some of a type that is not known";
-    switch (stimulus.type) {
-        case ITC_STIMULUS_FILEWAVE:
-            return "the wave was the application's and is not stored";
-        case ITC_STIMULUS_TRIGGER_SERIES:
-            return "its parameters are not stored";
-        case ITC_STIMULUS_GENERIC:
-        case ITC_STIMULUS_CIRCLE_PULSE:
-            return "only the application knows its waveform";
-        case ITC_STIMULUS_DYNAMIC_CLAMP:
-            return "what was played followed the measured potential; its conductances are stored";
-        case ITC_STIMULUS_NOISE:
-            return WhyNoise(file, As<ITCNoiseParameters>(stimulus).seed);
-        case ITC_STIMULUS_SEGMENTED_NOISE:
-            return WhySegments(As<ITCSegmentedNoiseParameters>(stimulus));
-        case ITC_STIMULUS_BINARY_NOISE:
-            if (As<ITCBinaryNoiseParameters>(stimulus).seed >= 0) return {};
-            return "its seed continues the noise before it, whose end is not recorded";
-        default:
-            break;
-    }
+    const std::string caveat = RowOf(stimulus.type).caveat.Get();
+    if (!caveat.empty()) return caveat;
     for (const Stimulus& component : stimulus.components) {
         const std::string why = WhyNotRebuilt(file, component);
         if (!why.empty()) return fmt::format("component {}: {}", TypeName(component.type), why);
     }
-    return {};
+    return WhyNoise(DrawsOf(stimulus, file.version));
 }
 
 std::vector<RebuiltStimulus> RebuildStimulus(const DataFile& file, const EpochPlace& place,
@@ -194,4 +172,4 @@ std::vector<RebuiltStimulus> RebuildStimulus(const DataFile& file, const EpochPl
     return rebuilt;
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -12,7 +12,7 @@
 #include "Container.h"
 #include "DataFile.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 
 struct RebuiltStimulus {
     // One waveform an entry; empty if it cannot be computed.
@@ -31,4 +31,4 @@ std::string WhyNotRebuilt(const ITCFileHeader& file, const Stimulus& stimulus);
 // Whether a waveform can be computed at all.
 bool HasWaveform(const Stimulus& stimulus);
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

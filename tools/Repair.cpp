@@ -46,7 +46,7 @@
 #include "Survey.h"
 #include "Text.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
 
 constexpr int64_t kCopyBlock = 1 << 20;
@@ -264,4 +264,4 @@ int RunRepair(const RepairOptions& options, const Terminal& terminal) {
     return account.IsWhole() ? kFine : kFindings;
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -5,7 +5,7 @@
 
 #include "Terminal.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 
 struct RepairOptions {
     std::string file;
@@ -18,4 +18,4 @@ struct RepairOptions {
 // 0 if everything was kept, 1 if something was dropped or is in doubt.
 int RunRepair(const RepairOptions& options, const Terminal& terminal);
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -11,7 +11,7 @@
 #include "EpochSearch.h"
 #include "LastSave.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
 
 constexpr int64_t kTablePiece = 64;
@@ -402,4 +402,4 @@ Survey SurveyFile(const DataFile& file, const Terminal& terminal) {
     return Walk(file, terminal).Follow();
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -10,7 +10,7 @@
 #include "DataFile.h"
 #include "Terminal.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 
 // Bytes that belong to no complete epoch.
 struct Stretch {
@@ -72,4 +72,4 @@ bool HasHalfOfTable(const DataFile& file, int64_t position, const std::vector<Ep
 // count bytes without having any.
 std::vector<uint32_t> RecordedPositions(const std::vector<EpochPlace>& epochs);
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

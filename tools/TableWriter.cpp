@@ -7,7 +7,7 @@
 #include <cmath>
 #include <iterator>
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
 
 class CsvWriter : public TableWriter {
@@ -79,4 +79,4 @@ std::unique_ptr<TableWriter> MakeNpyWriter(FILE* stream, int64_t rows, size_t co
     return std::make_unique<NpyWriter>(stream, rows, columns);
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace corvantis {
+namespace corvantis::tool {
 
 class TableWriter {
   public:
@@ -24,4 +24,4 @@ std::unique_ptr<TableWriter> MakeCsvWriter(FILE* stream, const std::vector<std::
 // One array of doubles, rows by columns, format version 1.0.
 std::unique_ptr<TableWriter> MakeNpyWriter(FILE* stream, int64_t rows, size_t columns);
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

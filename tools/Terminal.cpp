@@ -9,7 +9,7 @@
 
 #include "Failure.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
 
 // Otherwise a data file could become descriptor 1 and receive what the library prints.
@@ -52,4 +52,4 @@ void Progress::Reach(int64_t done) {
     std::fflush(stream_);
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

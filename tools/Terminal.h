@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace corvantis {
+namespace corvantis::tool {
 
 struct Terminal {
     FILE* results = nullptr;
@@ -47,4 +47,4 @@ class Progress {
     int64_t shown_ = -1;
 };
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <optional>
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
 
 struct Character {
@@ -80,4 +80,4 @@ std::string DisplayText(std::string_view bytes) {
     return clean && !clean->empty() ? *clean : ToAscii(text);
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

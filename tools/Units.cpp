@@ -7,7 +7,7 @@
 
 #include "Text.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
 
 // Bits of a sequence word that select the digital port in place of an analogue channel.
@@ -88,4 +88,4 @@ std::string StimulusFormula(const ITCFileHeader& file, const ITCEpochHeader& epo
     return fmt::format("{} * {} {}", volts, epoch.convFactor[entry], conversion.unit);
 }
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -12,7 +12,7 @@
 
 #include "Corvantis.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 
 struct Conversion {
     double countsPerVolt = 1.0;
@@ -45,4 +45,4 @@ Conversion StimulusInUnits(const ITCFileHeader& file, const ITCEpochHeader& epoc
 std::string ResponseFormula(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t entry);
 std::string StimulusFormula(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t entry);
 
-}  // namespace corvantis
+}  // namespace corvantis::tool

@@ -7,7 +7,7 @@
 #include "Failure.h"
 #include "Text.h"
 
-namespace corvantis {
+namespace corvantis::tool {
 namespace {
 
 int RunProgram(int argc, char** argv) {
@@ -21,14 +21,14 @@ int RunProgram(int argc, char** argv) {
 }
 
 }  // namespace
-}  // namespace corvantis
+}  // namespace corvantis::tool
 
 int main(int argc, char** argv) {
     try {
-        return corvantis::RunProgram(argc, argv);
+        return corvantis::tool::RunProgram(argc, argv);
     } catch (const std::exception& failure) {
-        corvantis::Terminal{nullptr, stderr}.Say("corvantis: {}\n",
-                                                 corvantis::DisplayText(failure.what()));
-        return corvantis::kUnusable;
+        corvantis::tool::Terminal{nullptr, stderr}.Say(
+            "corvantis: {}\n", corvantis::tool::DisplayText(failure.what()));
+        return corvantis::tool::kUnusable;
     }
 }

@@ -37,7 +37,8 @@ constexpr Field DescribeField(const FieldText& text, uint32_t place) {
     constexpr bool isList = std::rank_v < Member >> (isText ? 1 : 0);
     using Element = std::conditional_t<isList, std::remove_extent_t<Member>, Member>;
     constexpr uint32_t count = isList ? std::extent_v<Member> : 1;
-    return {text, KindOf<Element>(), sizeof(Element), count, place};
+    const FieldKind kind = text.isUnsigned ? FieldKind::kUInt32 : KindOf<Element>();
+    return {text, kind, sizeof(Element), count, place};
 }
 
 struct FieldCounter {

@@ -15,6 +15,7 @@ struct FieldText {
     const char* name;
     const char* unit;
     const char* meaning;
+    bool isUnsigned = false;  // although the field is declared with a sign
 };
 
 inline constexpr char kCodes[] = "DAC codes";
@@ -38,7 +39,7 @@ constexpr void Describe(auto& visit, OneOf<ITCFileHeader> auto& r) {
     visit.Zeros(3);
     visit(r.numEpochs, {"numEpochs", kNoUnit, "epochs in the file"});
     visit(r.epochTablePosition,
-          {"epochTablePosition", "bytes", "file offset of the position table, unsigned"});
+          {"epochTablePosition", "bytes", "file offset of the position table, unsigned", true});
     visit(r.offset, {"offset", kNoUnit, "a value for the whole file, kept as given"});
     visit(r.fileFlagC, {"fileFlagC", kNoUnit, "2; kept as it stands"});
     visit(r.fileFlagD, {"fileFlagD", kNoUnit, "1; kept as it stands"});

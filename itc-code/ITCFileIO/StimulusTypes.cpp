@@ -29,7 +29,7 @@ bool ReadRecord(FILE* stream, void* record) {
 // A record of 32-bit fields: file, count and memory agree on its size.
 template <class Record>
 constexpr RecordForm Stored() {
-    static_assert(EncodedSize<Record>() == sizeof(Record));
+    static_assert(EncodedSize<Record>() == sizeof(Record) && sizeof(Record) <= kLargestRecord);
     constexpr auto size = static_cast<uint32_t>(sizeof(Record));
     return {size, size, size, WriteRecord<Record>, ReadRecord<Record>, kFields<Record>};
 }

@@ -22,6 +22,7 @@ class Column {
   public:
     constexpr Column(T value) : value_(value) {}  // NOLINT(google-explicit-constructor): see above
     constexpr operator T() const { return value_; }  // NOLINT(google-explicit-constructor)
+    constexpr const T& Get() const { return value_; }
     constexpr const T* operator->() const { return &value_; }
 
   private:
@@ -74,6 +75,9 @@ struct StimulusType {
 // The row of a type code, a row of nothing for a code that is no stimulus type.
 const StimulusType& TypeRow(uint32_t type);
 constexpr bool IsStimulusType(uint32_t type) { return type >= 1 && type <= kLargestType; }
+
+// No record of another type than the sum takes more [bytes].
+inline constexpr size_t kLargestRecord = 64;
 
 // The summed record is counted, but not by the table: it cannot stand where a size is asked for.
 inline constexpr uint32_t kSummedCountedSize = 1284;

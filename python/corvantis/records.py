@@ -3,7 +3,7 @@ from dataclasses import dataclass
 from typing import ClassVar
 
 from .layout import (Comment, Float, Floats24, Floats4, Int32, Int32s3, Int32s4, Int8, Int8s256,
-                     Int8s4, UInt16, UInt16s4, UInt32s4, Units4)
+                     Int8s4, UInt16, UInt16s4, UInt32, UInt32s4, Units4)
 
 
 @dataclass(frozen=True)
@@ -19,7 +19,7 @@ class FileHeader:
     outputScale: Float  #: scale of the outputs, 3200 [counts/V]
     pipelineDepth: Int8  #: the device's pipeline length, 5 [samples]
     numEpochs: Int32  #: epochs in the file
-    epochTablePosition: Int32  #: file offset of the position table, unsigned [bytes]
+    epochTablePosition: UInt32  #: file offset of the position table, unsigned [bytes]
     offset: Float  #: a value for the whole file, kept as given
     fileFlagC: Int8  #: 2; kept as it stands
     fileFlagD: Int8  #: 1; kept as it stands

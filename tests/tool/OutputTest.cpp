@@ -82,7 +82,7 @@ TEST_F(OutputTest, NoTextCanSteerTheTerminalOrSpoilJson) {
 TEST_F(OutputTest, NoSignalLeavesATemporaryFile) {
     const auto interrupt = [](int signal, void (*action)(int)) {
         std::signal(signal, action);
-        const corvantis::NewFile file("out.dat", false);
+        const corvantis::tool::NewFile file("out.dat", false);
         struct sigaction installed = {};
         sigaction(signal, nullptr, &installed);
         // Else a second signal finds the default action before the first one's has begun.

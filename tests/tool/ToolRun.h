@@ -47,9 +47,9 @@ inline ToolRun RunTool(const std::string& line) {
     std::vector<char*> argv;
     for (std::string& argument : arguments) argv.push_back(argument.data());
     const Stream results = StreamOver(), messages = StreamOver();
-    corvantis::Terminal terminal{results.get(), messages.get()};
+    corvantis::tool::Terminal terminal{results.get(), messages.get()};
     const int code =
-        corvantis::RunCommandLine(static_cast<int>(argv.size()), argv.data(), terminal);
+        corvantis::tool::RunCommandLine(static_cast<int>(argv.size()), argv.data(), terminal);
     return {code, TextOf(results.get()), TextOf(messages.get())};
 }
 

@@ -89,7 +89,8 @@ std::optional<uint32_t> NextEpochPosition(int64_t epochs, uint32_t end) {
     if (epochs < 0 || epochs - entries > kMostMissing) return std::nullopt;
     if (epochs < entries) return EpochPosition[epochs];
     // An epoch whose save fails gives its place to the next.
-    return epochs < entries + owedEntries ? EpochPosition[entries - 1] : end;
+    const bool isOwed = entries > 0 && epochs < entries + owedEntries;
+    return isOwed ? EpochPosition[entries - 1] : end;
 }
 
 // A table that the application put there is taken at its word: one entry more than epochs.

@@ -6,7 +6,7 @@ from typing import TYPE_CHECKING, Any
 import numpy as np
 
 from .epochreader import DIGITAL_INPUT, DIGITAL_OUTPUT
-from .headers import EpochHeader
+from .records import EpochHeader
 from .lazy import lazy
 from .stimuli import Stimulus
 from .units import WORD, Counts, Samples, Scale, Units, response_scale, stimulus_scale

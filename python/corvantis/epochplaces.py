@@ -8,9 +8,9 @@ from __future__ import annotations
 import ctypes
 from typing import NamedTuple
 
-from .headers import EpochHeader, FileHeader
 from .layout import structure_of
 from .library import Library
+from .records import FILE_HEADER_BYTES, EpochHeader, FileHeader
 from .session import free_slots
 
 FILE_HEADER = structure_of(FileHeader)
@@ -73,7 +73,7 @@ def find_epochs(lib: Library) -> list[Place]:
 
 def _walk(lib: Library, recorded: list[int]) -> list[Place]:
     limit = current_file_header(lib).epochTablePosition % (1 << 32)
-    offset = ctypes.sizeof(FILE_HEADER)
+    offset = FILE_HEADER_BYTES
     places: list[Place] = []
     while offset < limit and (epoch := len(places)) < len(recorded):
         place, end = _read(lib, epoch, offset, limit)

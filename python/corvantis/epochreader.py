@@ -9,7 +9,7 @@ from numpy.typing import NDArray
 
 from .epochplaces import Place, current_epoch_header, find_epochs, point_at, position_table
 from .errors import BAD_ARGUMENT, FILE_ERROR, STIMULUS_ERROR, CorvantisError
-from .headers import EpochHeader, FileHeader
+from .records import EpochHeader, FileHeader
 from .layout import from_address, from_bytes
 from .lazy import lazy
 from .library import Library, guarded

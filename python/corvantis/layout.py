@@ -22,8 +22,6 @@ Floats24 = Annotated[tuple[float, ...], ctypes.c_float * 24]
 Pointers256 = Annotated[tuple[int | None, ...], ctypes.c_void_p * 256]
 Comment = Annotated[str, ctypes.c_char * 512]
 Units4 = Annotated[tuple[str, ...], (ctypes.c_char * 16) * 4]
-Reserved22 = Annotated[tuple[int, ...], ctypes.c_uint8 * 22]
-Reserved24 = Annotated[tuple[int, ...], ctypes.c_uint8 * 24]
 
 Record = TypeVar("Record")
 

@@ -49,10 +49,10 @@ class Share(NamedTuple):
 
 
 def _draws(stimulus: Stimulus, version: int) -> list[Draws]:
-    if isinstance(stimulus, SegmentedNoise):
+    if isinstance(stimulus, (SegmentedNoise, BinaryNoise)):
         length = stimulus.segmentPoints
-        kind = BinaryNoise if isinstance(stimulus, BinaryNoise) else SegmentedNoise
-        return [Draws(kind, stimulus.seed, stimulus.points // length if length > 0 else 0)]
+        segments = stimulus.points // length if length > 0 else 0
+        return [Draws(type(stimulus), stimulus.seed, segments)]
     if not isinstance(stimulus, Noise):
         return []
     if version <= LAST_VERSION_ON_PLATFORM:
@@ -64,7 +64,7 @@ def _draws(stimulus: Stimulus, version: int) -> list[Draws]:
 
 
 def _fits(stimulus: Stimulus, points: int) -> bool:
-    if not isinstance(stimulus, (Noise, SegmentedNoise)):
+    if not isinstance(stimulus, (Noise, SegmentedNoise, BinaryNoise)):
         return True
     total = stimulus.prePoints + stimulus.points + stimulus.tailPoints
     return 0 <= stimulus.points <= points and total <= points

@@ -8,7 +8,7 @@ from typing import TYPE_CHECKING, Any, overload
 from .epoch import Epoch
 from .epochreader import EpochReader
 from .errors import FILE_ERROR, CorvantisError, PathLike
-from .headers import FileHeader
+from .records import FileHeader
 from .session import Content
 from .table import row
 

@@ -5,6 +5,9 @@ from typing import ClassVar
 from .layout import (Comment, Float, Floats24, Floats4, Int32, Int32s3, Int32s4, Int8, Int8s256,
                      Int8s4, UInt16, UInt16s4, UInt32, UInt32s4, Units4)
 
+FILE_HEADER_BYTES = 580
+EPOCH_HEADER_BYTES = 912
+
 
 @dataclass(frozen=True)
 class FileHeader:

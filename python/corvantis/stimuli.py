@@ -47,6 +47,6 @@ class DynamicClamp(records.DynamicClamp):
     #: inhibitory conductance, shape (points,) [nS]
 
 
-_OURS: dict[int, type[Stimulus]] = {each.type: each for each in (Summed, DynamicClamp)}
+_OURS: dict[int, type[Stimulus]] = {Summed.type: Summed, DynamicClamp.type: DynamicClamp}
 ALL = tuple(_OURS.get(each.type, each) for each in records.ALL)
 TYPES = {each.type: each for each in ALL}

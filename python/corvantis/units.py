@@ -11,7 +11,7 @@ from dataclasses import dataclass
 import numpy as np
 from numpy.typing import NDArray
 
-from .headers import EpochHeader, FileHeader
+from .records import EpochHeader, FileHeader
 
 Samples = NDArray[np.float64]
 Counts = NDArray[np.int16]

@@ -10,7 +10,7 @@ import sys
 import numpy as np
 
 from corvantis import stimuli
-from corvantis.headers import EpochHeader
+from corvantis.records import EpochHeader
 from corvantis.layout import structure_of
 from corvantis.library import find_library
 

@@ -3,7 +3,7 @@ import subprocess
 from pathlib import Path
 
 from corvantis import stimuli
-from corvantis.headers import EpochHeader, FileHeader
+from corvantis.records import EpochHeader, FileHeader
 from corvantis.layout import structure_of
 
 HEADERS = Path(__file__).parents[2] / "itc-code"

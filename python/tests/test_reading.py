@@ -9,7 +9,7 @@ import pytest
 
 import corvantis
 from corvantis import stimuli
-from corvantis.headers import EpochHeader, FileHeader
+from corvantis.records import EpochHeader, FileHeader
 from corvantis.layout import from_bytes, structure_of
 from corvantis.neo import CorvantisIO
 from corvantis.units import WORD, response_scale, stimulus_scale

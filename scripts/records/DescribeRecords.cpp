@@ -56,7 +56,8 @@ void PrintType(uint32_t type) {
 }  // namespace
 
 int main() {
-    std::printf("{\"FileHeader\":\n  ");
+    std::printf("{\"FileHeaderBytes\": %zu, \"EpochHeaderBytes\": %zu,\n\"FileHeader\":\n  ",
+                EncodedSize<ITCFileHeader>(), EncodedSize<ITCEpochHeader>());
     PrintFields(kFields<ITCFileHeader>);
     std::printf(",\n\"EpochHeader\":\n  ");
     PrintFields(kFields<ITCEpochHeader>);

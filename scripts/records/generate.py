@@ -70,8 +70,10 @@ def python_source(described: Described) -> str:
     every = ", ".join(class_name(each["name"]) for each in described["types"])
     head = [f'"""Headers and stimulus records. {NOTE}"""', "from dataclasses import dataclass",
             "from typing import ClassVar", "", *imports]
+    sizes = ["", f"FILE_HEADER_BYTES = {described['FileHeaderBytes']}",
+             f"EPOCH_HEADER_BYTES = {described['EpochHeaderBytes']}"]
     tail = ["", "", "ALL: tuple[type[Stimulus], ...] = (", f"    {every})"]
-    return "\n".join(wrap(line) for line in head + headers + base + classes + tail) + "\n"
+    return "\n".join(wrap(line) for line in head + sizes + headers + base + classes + tail) + "\n"
 
 
 def wrap(line: str) -> str:

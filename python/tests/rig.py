@@ -185,7 +185,7 @@ def odd(rig):
     """Epochs without points or entries, without usable factors, with texts that are not plain."""
     rig.epoch([pulse(0, 0)], points=0)
     rig.epoch([pulse(100)], ampGain=[0.0], convFactor=[float("inf")], inputUnits=[b"mV"])
-    rig.epoch([pulse(100)], epochComment="\N{MICRO SIGN} $\\frac{$".encode("mac_roman"),
+    rig.epoch([pulse(100)], epochComment="Ω $\\frac{$".encode("mac_roman"),
               ampGain=[1.0], inputUnits=[b"$\\frac{$"], epochTime=float("nan"))
     rig.epoch([], points=1, computed=False, sequenceLength=0, epochPoints=2**31 - 1)
 

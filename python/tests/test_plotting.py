@@ -116,11 +116,11 @@ def test_commands_of_the_module_and_of_an_installation(recorded, build, tmp_path
 def test_family_of_steps(recorded):
     with corvantis.open(recorded("steps")) as recording:
         family = find_family(recording)
-        response = recording.epochs[0].response[:, 0]
+        response = recording.epochs[1].response[:, 0]
     assert [(step.level, step.holding) for step in family.steps] == [(-100, 0), (50, 0), (200, 0)]
     # A step of 50 pA fires the model once, 200 pA at 68 Hz; hyperpolarisation not at all.
     assert [step.rate for step in family.steps] == pytest.approx([0, 10, 70])
-    assert family.steps[0].steady == pytest.approx(response[2800:3000].mean(), abs=0.05)
+    assert family.steps[1].steady == pytest.approx(response[2800:3000].mean(), abs=0.05)
     # About 43 MOhm at rest, and more below it.
     assert 43 < family.input_resistance < 80
     trace = np.array([-65, 30, -65, -20, -19, -21, 10, 10, -65], dtype=float)

@@ -134,4 +134,4 @@ def test_formulas_and_what_is_given_where_they_cannot_be_applied(factor, recorde
         assert scale.unit == "counts" and scale(COUNTS)[0] == -32768
     with corvantis.open(recorded("odd")) as recording:
         assert recording.epochs[1].units.response == recording.epochs[1].units.stimulus == ("V",)
-        assert recording.epochs[2].comment == "\N{MICRO SIGN} $\\frac{$"     # of older files
+        assert recording.epochs[2].comment == "Ω $\\frac{$"     # of older files

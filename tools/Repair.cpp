@@ -36,8 +36,11 @@
 //  - An epoch whose epochPoints was damaged to a smaller number is kept as it says; its remaining
 //    samples are dropped, and said to belong to nothing.
 //  - An epoch of no sequence entry, which holds no sample, is known by the table or the header's
-//    count alone; without them it counts as damaged. So does one of a type that is not known, as
-//    its end is not known from its own bytes.
+//    count alone; without them it counts as damaged.
+//  - An epoch of unknown type ends where the table says that the next one begins; without a table,
+//    where the search finds the next one.
+//  - Versions that left the remains of a failed save behind the table: if the next save of an epoch
+//    of that very size was killed, old samples can pass for new ones.
 //  - The search finds no epoch whose padding another program has filled, and none of interval 0.
 //  - The stimulus of an epoch that was cut short is not computable: its lengths no longer add up.
 //  - Epochs that would begin at 4 GiB or above cannot be recorded in a table and are dropped.

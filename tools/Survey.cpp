@@ -35,8 +35,8 @@ class Walk {
                 Keep(reading);
             } else if (!PassOver(reading)) {
                 survey_.tablePosition = position_;
-                CountNumbers();
                 JudgeLastSave(file_, std::move(reading), survey_);
+                CountNumbers();
                 return std::move(survey_);
             }
         }

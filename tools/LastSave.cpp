@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "PositionTable.h"
+
 namespace corvantis::tool {
 namespace {
 

@@ -3,19 +3,23 @@
 // Procedure
 //  1. Open FILE for reading only, and read its header. Refuse an OUT that is the same file, or that
 //     exists unless it may be replaced.
-//  2. Walk from byte 580 from epoch to epoch, each one's end found from its own header and stimulus
-//     records. Neither the header's count nor the table of positions is asked. A whole table
-//     ends the walk.
-//  3. Where no epoch follows although the header leads further on, search from inside the epoch
-//     before for the next sound one, and go on there. If it lies inside that epoch, that epoch's
-//     length was damaged, and it is dropped.
-//  4. If the walk ends without a whole table, an interrupted save is the usual cause. Keep the
+//  2. Follow the epochs end to end from byte 580 to the table's place, each one's end found from
+//     its own header and stimulus records. If their number, or the table, agrees, they are kept
+//     exactly: nothing that they hold can lead astray.
+//  3. Otherwise walk again, from each damaged epoch to the next place of the table where one
+//  begins.
+//     What lies between two such places is accounted for and is not searched. The table is that of
+//     the header's place or, where the header leads elsewhere, of the end of the file.
+//  4. Without a table, search where no epoch follows for the next sound one. If it lies inside the
+//     epoch before and leads beyond that one's end, that one's length was damaged, and it is
+//     dropped. An epoch that was found by searching is said to be in doubt.
+//  5. If the walk ends without a whole table, an interrupted save is the usual cause. Keep the
 //     epoch that the header does not count if its bytes are known to have arrived (LastSave.h says
 //     how).
-//  5. Write a header that is FILE's but for count and table position, every complete epoch byte for
+//  6. Write a header that is FILE's but for count and table position, every complete epoch byte for
 //     byte and, if wanted, the last one cut to its whole points: its epochPoints and the
 //     conductances change accordingly, everything else stays.
-//  6. Write the table of real starts. Force OUT to the disk under a temporary name and rename it.
+//  7. Write the table of real starts. Force OUT to the disk under a temporary name and rename it.
 //
 // Known limits
 //  - There are no checksums: changed samples, comments or parameter values are copied as they are.
@@ -23,16 +27,21 @@
 //    by chance. Then it counts as unfinished until the new table's first four bytes are there. With
 //    failed saves or a second file of one run before, the old table's values are not known, and
 //    this holds for each such epoch.
-//  - After a save that failed on a full disk, its remains lie behind the table that was put back.
-//    If the next save of an epoch of that very size is killed, old samples can pass for new ones.
-//  - A new epoch whose epochTime has the bits of the number 580, below 1e-42, passes for a table.
+//  - An epoch whose time has the bits of the number 580, below 1e-42, and whose save was
+//    interrupted as the second of its file passes for a table. Both readings are said.
 //  - Bytes that a power failure has kept from the disk read as zeros; headers of zeros are no
 //    epochs, but among samples they are not recognised.
-//  - An epoch whose damaged length ends where a later epoch begins swallows those between.
-//  - An epoch whose epochPoints was damaged to a smaller number passes for complete; its remaining
-//    samples are dropped.
-//  - An epoch of no sequence entry, which holds no sample, counts as damaged.
-//  - Step 3 finds no epoch whose padding another program has filled, and none of interval below 4.
+//  - Without a table, an epoch whose damaged length ends where a later epoch begins swallows those
+//    between, and samples of a damaged epoch that look like an epoch are taken for one.
+//  - An epoch whose epochPoints was damaged to a smaller number is kept as it says; its remaining
+//    samples are dropped, and said to belong to nothing.
+//  - An epoch of no sequence entry, which holds no sample, is known by the table or the header's
+//    count alone; without them it counts as damaged.
+//  - An epoch of unknown type ends where the table says that the next one begins; without a table,
+//    where the search finds the next one.
+//  - Versions that left the remains of a failed save behind the table: if the next save of an epoch
+//    of that very size was killed, old samples can pass for new ones.
+//  - The search finds no epoch whose padding another program has filled, and none of interval 0.
 //  - The stimulus of an epoch that was cut short is not computable: its lengths no longer add up.
 //  - Epochs that would begin at 4 GiB or above cannot be recorded in a table and are dropped.
 #include "Repair.h"

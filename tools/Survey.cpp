@@ -10,11 +10,11 @@
 #include "Account.h"
 #include "EpochSearch.h"
 #include "LastSave.h"
+#include "PositionTable.h"
 
 namespace corvantis::tool {
 namespace {
 
-constexpr int64_t kTablePiece = 64;
 constexpr int64_t kLargestShift = 288;  // of one epoch: eight waves, more than it has entries
 constexpr int kLandmarksAhead = 64;     // tried before the table is no longer believed
 
@@ -35,8 +35,8 @@ class Walk {
                 Keep(reading);
             } else if (!PassOver(reading)) {
                 survey_.tablePosition = position_;
-                CountNumbers();
                 JudgeLastSave(file_, std::move(reading), survey_);
+                CountNumbers();
                 return std::move(survey_);
             }
         }
@@ -314,50 +314,6 @@ class Walk {
 
 }  // namespace
 
-// In pieces, up to the first value that no table has there: asked for at every epoch, it may not
-// read what lies behind.
-bool IsTable(const DataFile& file, int64_t position, int64_t entries) {
-    if (entries == 0) return position == file.Size();
-    auto last = static_cast<uint32_t>(kFirstEpoch);
-    for (int64_t done = 0; done < entries;) {
-        const std::vector<uint32_t> piece =
-            file.Positions(position + kPositionSize * done, std::min(entries - done, kTablePiece));
-        if (piece.empty() || piece.front() < last || piece.back() > file.Size()) return false;
-        if (done == 0 && piece.front() != last) return false;
-        if (!std::is_sorted(piece.begin(), piece.end())) return false;
-        last = piece.back();
-        done += static_cast<int64_t>(piece.size());
-    }
-    return true;
-}
-
-bool IsExactTable(const DataFile& file, int64_t position, const std::vector<EpochPlace>& epochs) {
-    if (epochs.empty()) return position == file.Size();
-    int64_t overcounted = 0;
-    std::vector<uint32_t> piece;
-    for (size_t i = 0; i < epochs.size(); ++i) {
-        const size_t k = i % kTablePiece;
-        if (k == 0) {
-            piece = file.Positions(position + kPositionSize * static_cast<int64_t>(i), kTablePiece);
-        }
-        if (k >= piece.size()) return false;
-        const int64_t start = epochs[i].start;
-        if (piece[k] != start && piece[k] != start + overcounted) return false;
-        overcounted += epochs[i].overcounted;
-    }
-    return true;
-}
-
-bool HasHalfOfTable(const DataFile& file, int64_t position, const std::vector<EpochPlace>& epochs) {
-    const std::vector<uint32_t> expected = RecordedPositions(epochs);
-    const auto found = file.Positions(position, static_cast<int64_t>(expected.size()));
-    size_t equal = 0;
-    for (size_t i = 0; i < found.size(); ++i) {
-        equal += found[i] == expected[i] || found[i] == epochs[i].start ? 1 : 0;
-    }
-    return 2 * equal >= expected.size();
-}
-
 const EpochPlace* FindNumber(const Survey& survey, int64_t number) {
     const auto found = std::lower_bound(
         survey.epochs.begin(), survey.epochs.end(), number,
@@ -386,16 +342,6 @@ int64_t NumbersOf(const DataFile& file, const Survey& survey) {
     const int64_t most = (file.RecordedTablePosition() - kFirstEpoch) / kEpochHeaderSize;
     if (!isTruncated || counted > most) return known;
     return std::max(counted, known);
-}
-
-std::vector<uint32_t> RecordedPositions(const std::vector<EpochPlace>& epochs) {
-    std::vector<uint32_t> positions;
-    int64_t overcounted = 0;
-    for (const EpochPlace& epoch : epochs) {
-        positions.push_back(static_cast<uint32_t>(epoch.start + overcounted));
-        overcounted += epoch.overcounted;
-    }
-    return positions;
 }
 
 Survey SurveyFile(const DataFile& file, const Terminal& terminal) {

@@ -794,7 +794,10 @@ CORVANTIS_API int32_t ITCOpenFileForEdit(const char* pattern);
 CORVANTIS_API int32_t ITCCloseFile(void);
 /**
  * Append the current epoch: header, stimulus records of every sequence entry, and the samples of
- * the input buffer; then the position table and the file header. Flushes the stream.
+ * the input buffer; then the position table and the file header. Flushes the stream. With the
+ * environment variable CORVANTIS_SYNC set, and not to 0, the bytes are also forced to the disk, the
+ * epoch and the table before the header that counts them: a save that returned 0 then survives a
+ * loss of power, at the price of waiting for the disk twice.
  * @return #ITC_SUCCESS; #ITC_NOT_STARTED; #ITC_OUT_OF_MEMORY; #ITC_FILE_ERROR before anything is
  * changed if no file is open for writing, the file was deleted, the samples exceed the input
  * buffer, the sequence is impossible or the file would pass 4 GiB; #ITC_FILE_ERROR with the epoch

@@ -11,6 +11,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <cstring>
 #include <string>
 
 #include "Corvantis.h"
@@ -164,9 +166,16 @@ int32_t StoredEpochs(FILE* stream) {
     return stream == openedStream ? storedEpochs : CurrentFileHeader().numEpochs;
 }
 
+bool Flush(FILE* stream) {
+    const char* wanted = std::getenv("CORVANTIS_SYNC");
+    const bool isWanted =
+        wanted != nullptr && std::strcmp(wanted, "") != 0 && std::strcmp(wanted, "0") != 0;
+    return std::fflush(stream) == 0 && (!isWanted || fdatasync(fileno(stream)) == 0);
+}
+
 bool StoreFileHeader(FILE* stream) {
-    const bool stored = SeekTo(stream, 0) && Write_ITCFileHeader(stream, &CurrentFileHeader()) &&
-                        std::fflush(stream) == 0;
+    const bool stored =
+        SeekTo(stream, 0) && Write_ITCFileHeader(stream, &CurrentFileHeader()) && Flush(stream);
     if (stored) storedEpochs = CurrentFileHeader().numEpochs;
     return stored;
 }

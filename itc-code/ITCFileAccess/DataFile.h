@@ -26,6 +26,9 @@ bool ReturnToAppendPosition(FILE* stream);
 // Whether the file has lost its last name since it was opened: what is saved now would be gone.
 bool IsUnlinked(FILE* stream);
 
+// What was written has reached the file; and the disk, if the environment asks for that.
+bool Flush(FILE* stream);
+
 // The count in the file's header: that of epochs that were saved, failed saves count in memory
 // only.
 int32_t StoredEpochs(FILE* stream);

@@ -92,8 +92,7 @@ bool WriteTable(FILE* stream, int64_t epochs) {
 }
 
 bool WriteEpochHeaderAt(FILE* stream, int64_t start, const ITCEpochHeader& header) {
-    return SeekTo(stream, start) && Write_ITCEpochHeader(stream, &header) &&
-           std::fflush(stream) == 0;
+    return SeekTo(stream, start) && Write_ITCEpochHeader(stream, &header) && Flush(stream);
 }
 
 // The epoch and, behind it, the table; returns the table's position, or nothing on failure.
@@ -104,7 +103,9 @@ std::optional<int64_t> WriteEpochAndTable(FILE* stream, int64_t samples, int32_t
     EpochPosition[epochs] = EpochPosition[epochs - 1] + *size;
     const int64_t tablePosition = CurrentPosition(stream);
     if (tablePosition < 0 || !WriteTable(stream, epochs)) return std::nullopt;
-    if (std::fflush(stream) != 0) return std::nullopt;
+    // Before the header says where they are: a machine that loses power keeps them or the old
+    // count.
+    if (!Flush(stream)) return std::nullopt;
     const bool isShown =
         !place.hasRemains || WriteEpochHeaderAt(stream, place.start, CurrentEpochHeader());
     return isShown ? std::optional(tablePosition) : std::nullopt;

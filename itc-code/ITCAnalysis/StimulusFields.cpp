@@ -20,7 +20,7 @@ Stimulus ComponentOf(const ITCSummedParameters* summed, int32_t component) {
 // A slot beyond the epoch's entries answers too, if it holds a record of the header's type.
 bool HasStimulus(uint32_t slot) { return IsChannel(slot) && HoldsOwnType(slot); }
 
-// Every failure of the read becomes 7, also a library that was not started.
+// Every failure of the read becomes ITC_FILE_ERROR, also a library that was not started.
 int32_t FindStimulus(int32_t epoch, int32_t channel, int32_t component, Stimulus& stimulus) {
     if (ITCEpochParameters(epoch) != ITC_SUCCESS) return ITC_FILE_ERROR;
     const uint32_t slot = static_cast<uint32_t>(channel);

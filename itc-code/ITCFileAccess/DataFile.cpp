@@ -18,7 +18,7 @@
 #include "Corvantis.h"
 #include "ITCFileAccess/RecordingLock.h"
 #include "ITCFileIO/ArrayCodec.h"
-#include "ITCInitialize/EpochTable.h"
+#include "ITCInitialize/PositionTable.h"
 #include "ITCInitialize/State.h"
 
 namespace corvantis {
@@ -105,13 +105,13 @@ bool OpenPath(const char* path, const Access& access) {
 
 // Of a table that the file ends inside of, the whole entries stay: their epochs can be read. A
 // count from a damaged header thus asks for no memory either.
-int32_t ReadEpochTable(FILE* stream, int32_t numEpochs, int64_t position) {
-    ReleaseEpochTable();
+int32_t ReadPositionTable(FILE* stream, int32_t numEpochs, int64_t position) {
+    ReleasePositionTable();
     EpochPosition = nullptr;
     if (numEpochs < 0 || !SeekTo(stream, position)) return ITC_FILE_ERROR;
     const int64_t present = std::max<int64_t>(RemainingBytes(stream) / int64_t{4}, 0);
     const int64_t entries = std::min<int64_t>(numEpochs, present);
-    if (!AllocateEpochTable(entries)) return ITC_OUT_OF_MEMORY;
+    if (!AllocatePositionTable(entries)) return ITC_OUT_OF_MEMORY;
     const bool read = ReadArray<uint32_t>(stream, EpochPosition, static_cast<size_t>(entries));
     return read && entries == numEpochs ? ITC_SUCCESS : ITC_FILE_ERROR;
 }
@@ -124,7 +124,7 @@ int32_t ReadHeaderAndTable() {
     ITCFileHeader& header = CurrentFileHeader();
     if (!Read_ITCFileHeader(ITCOpenFilePtr, &header)) return ITC_FILE_ERROR;
     const uint32_t position = static_cast<uint32_t>(header.epochTablePosition);
-    const int32_t result = ReadEpochTable(ITCOpenFilePtr, header.numEpochs, position);
+    const int32_t result = ReadPositionTable(ITCOpenFilePtr, header.numEpochs, position);
     if (result != ITC_SUCCESS) return result;
     return header.version > ITC_FILE_VERSION ? ITC_VERSION_TOO_NEW : ITC_SUCCESS;
 }

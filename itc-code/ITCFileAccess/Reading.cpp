@@ -2,7 +2,7 @@
 #include "Corvantis.h"
 #include "ITCFileAccess/DataFile.h"
 #include "ITCFileIO/ArrayCodec.h"
-#include "ITCInitialize/EpochTable.h"
+#include "ITCInitialize/PositionTable.h"
 #include "ITCInitialize/State.h"
 #include "ITCStimulus/Slots.h"
 #include "ITCUtilities/Diagnostics.h"
@@ -17,7 +17,7 @@ constexpr int64_t kEpochHeaderSize = 912;
 constexpr int64_t kParametersPerEntry = 8;
 
 bool IsEpoch(int32_t epoch) {
-    return epoch >= 0 && epoch < CurrentFileHeader().numEpochs && epoch < EpochTableEntries();
+    return epoch >= 0 && epoch < CurrentFileHeader().numEpochs && epoch < PositionTableEntries();
 }
 
 bool ReadEpochHeader(FILE* stream, int32_t epoch) {

@@ -6,7 +6,7 @@
 #include "ITCFileAccess/DataFile.h"
 #include "ITCFileIO/ArrayCodec.h"
 #include "ITCFileIO/StimulusTypes.h"
-#include "ITCInitialize/EpochTable.h"
+#include "ITCInitialize/PositionTable.h"
 #include "ITCInitialize/State.h"
 #include "ITCStimulus/Slots.h"
 
@@ -167,6 +167,6 @@ int32_t ITCSaveToFile() {
     if (!position) return ITC_FILE_ERROR;
     // Counted before anything is written, and never taken back: numbers of later epochs stay right.
     const int32_t epochs = ++CurrentFileHeader().numEpochs;
-    if (!GrowEpochTable(epochs, *position)) return ITC_OUT_OF_MEMORY;
+    if (!GrowPositionTable(epochs, *position)) return ITC_OUT_OF_MEMORY;
     return Append(stream, *samples, epochs);
 }

@@ -3,7 +3,7 @@
 
 #include "Corvantis.h"
 #include "ITC18.h"
-#include "ITCInitialize/EpochTable.h"
+#include "ITCInitialize/PositionTable.h"
 #include "ITCInitialize/SlotBlocks.h"
 #include "ITCInitialize/State.h"
 #include "ITCUtilities/Diagnostics.h"
@@ -24,7 +24,7 @@ bool AllocateDevice() {
 bool RenewState() {
     if (!RenewEpochHeader() || !RenewFileHeader()) return false;
     FillBlankFileHeader();
-    return RenewEpochTable() && RenewBufferCapacity();
+    return RenewPositionTable() && RenewBufferCapacity();
 }
 
 int32_t SetDeviceInterval() {
@@ -62,7 +62,7 @@ int32_t ITCInitAnalysis(uint16_t** inputBuffer, uint16_t** outputBuffer, const i
     using namespace corvantis;
     BeginStartUp();
     if (!RenewEpochHeader() || !RenewFileHeader()) return ITC_OUT_OF_MEMORY;
-    if (!RenewBufferCapacity() || !RenewEpochTable()) return ITC_OUT_OF_MEMORY;
+    if (!RenewBufferCapacity() || !RenewPositionTable()) return ITC_OUT_OF_MEMORY;
     BeginSession(inputBuffer, outputBuffer, bufsize);
     InitFlag = 1;
     return ITC_SUCCESS;

@@ -2,7 +2,7 @@
 #include "ITCInitialize/State.h"
 
 #include "ITCFileIO/StimulusTypes.h"
-#include "ITCInitialize/EpochTable.h"
+#include "ITCInitialize/PositionTable.h"
 #include "ITCInitialize/SlotBlocks.h"
 #include "ITCUtilities/Memory.h"
 
@@ -101,7 +101,7 @@ void BeginStartUp() {
 void BeginSession(uint16_t** inputBuffer, uint16_t** outputBuffer, const int32_t* bufsize) {
     *filehdr = {};
     *epochhdr = {};
-    ResetEpochTable();
+    ResetPositionTable();
     EmptySlots();
     *ITCbufsize = bufsize == nullptr ? 0 : *bufsize;
     ITCInputBuffer = inputBuffer;
@@ -142,7 +142,7 @@ bool RenewBufferCapacity() { return RenewBlock(ITCbufsize, releasedCapacity); }
 void ReleaseHeaders() {
     ReleaseBlock(epochhdr, releasedEpochHeader);
     ReleaseBlock(filehdr, releasedFileHeader);
-    ReleaseEpochTable();
+    ReleasePositionTable();
 }
 
 void ReleaseSampleBuffers() {

@@ -28,7 +28,7 @@ int32_t CopyIntoSlot(int32_t channel, Record record, uint32_t type) {
     const uint32_t slot = static_cast<uint32_t>(channel);
     ReleaseSlot(slot);
     void* copy = ITCMalloc(1, sizeof record);
-    // The type byte stays stale on purpose; the calculation then meets an empty slot and gives 2.
+    // The type byte stays stale on purpose; the calculation then meets an empty slot.
     if (copy == nullptr) return ITC_OUT_OF_MEMORY;
     std::memcpy(copy, &record, sizeof record);
     InstallSlotRecord(slot, copy, type);

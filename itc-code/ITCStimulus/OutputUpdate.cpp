@@ -44,7 +44,7 @@ int32_t AddComponents(uint16_t* output, uint16_t* scratch, const ITCSummedParame
 int32_t SumSlot(uint32_t channel, uint16_t* output) {
     const ITCSummedParameters* summed = SummedSlotRecord(channel);
     const SampleBlock scratch = AllocateSamples(CurrentEpochHeader().epochPoints);
-    // 2, where a caller's own sum says 5: applications tell the two apart.
+    // A caller's own sum says ITC_OUT_OF_MEMORY: applications tell the two apart.
     if (summed == nullptr || scratch == nullptr) return ITC_STIMULUS_ERROR;
     return AddComponents(output, scratch.get(), *summed);
 }

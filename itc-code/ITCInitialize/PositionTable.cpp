@@ -1,5 +1,5 @@
 // Allocation and growth of the table of epoch positions.
-#include "ITCInitialize/EpochTable.h"
+#include "ITCInitialize/PositionTable.h"
 
 #include <algorithm>
 
@@ -39,13 +39,13 @@ void AddEntries(uint32_t* table, int64_t entries, int64_t wanted, uint32_t posit
 
 }  // namespace
 
-bool AllocateEpochTable(int64_t entries) {
+bool AllocatePositionTable(int64_t entries) {
     UseTable(AllocateZeroed<uint32_t>(entries), entries);
     return EpochPosition != nullptr;
 }
 
-bool RenewEpochTable() {
-    const int64_t entries = EpochTableEntries();
+bool RenewPositionTable() {
+    const int64_t entries = PositionTableEntries();
     OwnedBlock<uint32_t> fresh = AllocateArray<uint32_t>(std::max<int64_t>(entries, 1));
     if (fresh == nullptr) return false;
     fresh[0] = kFirstEpochPosition;
@@ -54,14 +54,14 @@ bool RenewEpochTable() {
     return true;
 }
 
-void ResetEpochTable() {
+void ResetPositionTable() {
     EpochPosition[0] = kFirstEpochPosition;
     knownEntries = 1;
 }
 
-bool GrowEpochTable(int64_t epochs, uint32_t position) {
+bool GrowPositionTable(int64_t epochs, uint32_t position) {
     const int64_t wanted = epochs + 1;
-    const int64_t entries = std::min(EpochTableEntries(), epochs);
+    const int64_t entries = std::min(PositionTableEntries(), epochs);
     if (EpochPosition != knownTable || wanted > capacity) {
         const int64_t room = wanted + wanted / 2;
         OwnedBlock<uint32_t> grown = AllocateArray<uint32_t>(room);
@@ -70,7 +70,7 @@ bool GrowEpochTable(int64_t epochs, uint32_t position) {
             return false;
         }
         std::copy_n(EpochPosition, entries, grown.get());
-        ReleaseEpochTable();
+        ReleasePositionTable();
         UseTable(std::move(grown), entries);
         capacity = room;
     }
@@ -78,14 +78,14 @@ bool GrowEpochTable(int64_t epochs, uint32_t position) {
     return true;
 }
 
-void ReleaseEpochTable() {
+void ReleasePositionTable() {
     if (EpochPosition == nullptr || EpochPosition == releasedTable) return;
     ITCFree(EpochPosition);
     releasedTable = EpochPosition;
 }
 
 std::optional<uint32_t> NextEpochPosition(int64_t epochs, uint32_t end) {
-    const int64_t entries = EpochTableEntries();
+    const int64_t entries = PositionTableEntries();
     if (epochs < 0 || epochs - entries > kMostMissing) return std::nullopt;
     if (epochs < entries) return EpochPosition[epochs];
     // An epoch whose save fails gives its place to the next.
@@ -94,7 +94,7 @@ std::optional<uint32_t> NextEpochPosition(int64_t epochs, uint32_t end) {
 }
 
 // A table that the application put there is taken at its word: one entry more than epochs.
-int64_t EpochTableEntries() {
+int64_t PositionTableEntries() {
     if (EpochPosition == nullptr || EpochPosition == releasedTable) return 0;
     return EpochPosition == knownTable ? knownEntries : int64_t{CurrentFileHeader().numEpochs} + 1;
 }

@@ -9,19 +9,19 @@ namespace corvantis {
 inline constexpr uint32_t kFirstEpochPosition = 580;
 
 // A fresh table of `entries`, all 0; false when memory is out, and the table is then empty.
-bool AllocateEpochTable(int64_t entries);
+bool AllocatePositionTable(int64_t entries);
 // A fresh table of what the old one held, or of the first epoch's place; false, and the old table
 // stays, when memory is out.
-bool RenewEpochTable();
+bool RenewPositionTable();
 // The table of a new session: the first epoch's place alone.
-void ResetEpochTable();
+void ResetPositionTable();
 // Make room for one entry more than `epochs`; new entries get that position. False, and
 // unchanged, when memory is out.
-bool GrowEpochTable(int64_t epochs, uint32_t position);
-void ReleaseEpochTable();
+bool GrowPositionTable(int64_t epochs, uint32_t position);
+void ReleasePositionTable();
 // The recorded start of the epoch behind `epochs` others: the table's entry, `end`, where the file
 // ends, if the table has none, or nothing if so many are missing that the count is to be doubted.
 std::optional<uint32_t> NextEpochPosition(int64_t epochs, uint32_t end);
-int64_t EpochTableEntries();
+int64_t PositionTableEntries();
 
 }  // namespace corvantis

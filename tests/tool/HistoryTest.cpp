@@ -166,15 +166,16 @@ TEST_F(HistoryTest, SaysWhichStimuliCannotBeRebuiltAndWhy) {
     Change(size - 24 - kPoints * 2 - 32 + 12, Big32(1));  // a tail that no builder would take
     const std::string expected[] = {
         "epoch 0, entry 0, generic stimulus: no waveform: only the application knows its waveform",
-        "epoch 0, entry 1, segmented stimulus: another waveform the second time: an odd number",
+        "epoch 0, entry 1, segmented noise stimulus: another waveform the second time: an odd "
+        "number",
         "epoch 1, stimulus: its noise begins with a deviate that an earlier epoch left, and is "
         "right only if the epochs before it were computed once each, in this order, and epoch 0 "
         "cannot be recomputed",
         "epoch 2, stimulus: its noise begins with a deviate",
-        "epoch 2, entry 0, segmented stimulus: another waveform the second time: its seed",
+        "epoch 2, entry 0, segmented noise stimulus: another waveform the second time: its seed",
         "epoch 3, entry 0, file wave stimulus: no waveform: the wave was the application's and is "
         "not stored",
-        "epoch 4, entry 0, triggers stimulus: no waveform: its parameters are not stored",
+        "epoch 4, entry 0, trigger series stimulus: no waveform: its parameters are not stored",
         "table of positions, epoch 4: ",
         "table of positions, epoch 5: ",
         "epoch 5, entry 0, pulse stimulus: its lengths do not fit the epoch"};

@@ -118,6 +118,13 @@ TEST_F(DamageTest, KeepsWhatHeaderAndTableAccountForAndItsNumbers) {
                          "epoch 4: note: found stimType[0] 15: stimulus type 15 is "
                          "not known"));
     EXPECT_EQ(Repair(file), file);
+    // A length so short that what its samples hold begins where it seems to end.
+    std::vector<Bytes> shortened = epochs;
+    shortened[3] = First(epochs[3], 944);
+    Put(shortened[3], 576, Bytes(4));
+    Bytes damagedLength = file;
+    Put(damagedLength, 580 + 952 + 952 + 912 + 576, Bytes(4));
+    EXPECT_EQ(Repair(damagedLength), FileOf(shortened));
     // The next save was killed at its start.
     EXPECT_EQ(Repair(Join({First(file, TableOf(file)), Bytes(5, 1)})), file);
     WriteFile("file.dat", file);

@@ -58,8 +58,7 @@ class Walk {
         if (!account_.HasPlace()) return false;
         while (position_ < account_.Place()) {
             progress_.Reach(position_);
-            EpochReading reading = ReadEpochAt(file_, position_);
-            if (account_.HasTable()) EndsAt(reading, account_.Next(position_, shift_).start);
+            EpochReading reading = Read();
             if (IsUnreadable(reading) || IsBlank(reading)) return false;
             Keep(reading);
         }

@@ -118,6 +118,16 @@ TEST_F(DamageTest, KeepsWhatHeaderAndTableAccountForAndItsNumbers) {
                          "epoch 4: note: found stimType[0] 15: stimulus type 15 is "
                          "not known"));
     EXPECT_EQ(Repair(file), file);
+    // A length so short that what its samples hold begins where it seems to end.
+    std::vector<Bytes> shortened = epochs;
+    shortened[3] = First(epochs[3], 944);
+    Put(shortened[3], 576, Bytes(4));
+    Bytes damagedLength = file;
+    Put(damagedLength, 580 + 952 + 952 + 912 + 576, Bytes(4));
+    EXPECT_EQ(Repair(damagedLength), FileOf(shortened));
+    // The next save was killed at its start.
+    EXPECT_EQ(Repair(Join({First(file, TableOf(file)), Bytes(5, 1)})), file);
+    WriteFile("file.dat", file);
     EXPECT_EQ(RunTool("export file.dat --all -o sound.csv --raw").code, 0);
     EXPECT_TRUE(Contains(RunTool("export file.dat -e 4 --raw").results, "0,2313\n0.0001,2313"));
     for (size_t i = 0, start = 580; i < epochs.size(); start += epochs[i++].size()) {

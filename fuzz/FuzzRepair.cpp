@@ -6,11 +6,11 @@
 #include <filesystem>
 #include <string>
 
-#include "Check.h"
-#include "Failure.h"
-#include "Repair.h"
 #include "Session.h"
-#include "Terminal.h"
+#include "commands/Check.h"
+#include "commands/Repair.h"
+#include "files/Failure.h"
+#include "output/Terminal.h"
 
 namespace {
 
@@ -46,6 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     } catch (const corvantis::tool::Failure&) {
         return 0;
     }
-    if (corvantis::tool::RunCheck({{output}, false, false}, terminal) != corvantis::tool::kFine) std::abort();
+    if (corvantis::tool::RunCheck({{output}, false, false}, terminal) != corvantis::tool::kFine)
+        std::abort();
     return 0;
 }

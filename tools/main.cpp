@@ -2,10 +2,10 @@
 #include <cstdio>
 #include <exception>
 
-#include "CommandLine.h"
-#include "ExternalCommand.h"
-#include "Failure.h"
-#include "Text.h"
+#include "commands/CommandLine.h"
+#include "commands/ExternalCommand.h"
+#include "files/Failure.h"
+#include "output/Text.h"
 
 namespace corvantis::tool {
 namespace {

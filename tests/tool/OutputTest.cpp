@@ -4,9 +4,9 @@
 
 #include <csignal>
 
-#include "NewFile.h"
 #include "PulseEpoch.h"
 #include "ToolRun.h"
+#include "files/NewFile.h"
 
 namespace corvantis_test {
 namespace {

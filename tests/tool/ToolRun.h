@@ -11,9 +11,9 @@
 #include <string>
 #include <vector>
 
-#include "CommandLine.h"
 #include "FileBytes.h"
 #include "LibrarySession.h"
+#include "commands/CommandLine.h"
 
 namespace corvantis_test {
 

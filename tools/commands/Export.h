@@ -1,0 +1,26 @@
+// `corvantis export`: epochs as tables for other programs.
+#pragma once
+
+#include <string>
+
+#include "output/Terminal.h"
+
+namespace corvantis::tool {
+
+struct ExportOptions {
+    std::string file;
+    std::string epochs;  // list of numbers
+    bool all = false;
+    std::string format;  // empty for that of the output's name, or CSV
+    std::string output;  // empty or - for standard output
+    bool raw = false;
+    bool volts = false;
+    bool stimulus = false;
+    bool force = false;
+};
+
+// 0, or 1 if an epoch that was asked for cannot be given, or a stimulus not be rebuilt, whose
+// column is then empty.
+int RunExport(const ExportOptions& options, const Terminal& terminal);
+
+}  // namespace corvantis::tool

@@ -1,0 +1,108 @@
+// Reading the table of positions, and telling its values that can be believed.
+#include "survey/Account.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace corvantis::tool {
+namespace {
+
+constexpr int64_t kTablePiece = 4096;
+
+// Whether the epoch that the last value leads to ends where the table begins.
+bool LeadsTo(const DataFile& file, uint32_t last, int64_t table) {
+    EpochReading reading = ReadEpochAt(file, last);
+    const bool hasEnd = reading.condition <= Condition::kNoEntries;
+    return hasEnd ? reading.place.end == table : EndsAt(reading, table);
+}
+
+bool IsBefore(const Landmark& landmark, int64_t start) { return landmark.start < start; }
+
+}  // namespace
+
+Account::Account(const DataFile& file)
+    : count_(file.Header().numEpochs), place_(file.RecordedTablePosition()) {
+    if (count_ == 0) place_ = kFirstEpoch;  // whatever the header of an empty file says
+    hasPlace_ = count_ >= 0 && place_ >= kFirstEpoch && place_ <= file.Size();
+    table_ = ReadTable(file);
+    if (table_.empty()) FindTableAtEnd(file);
+    for (size_t i = 0; i < table_.size(); ++i) {
+        landmarks_.push_back({table_[i], static_cast<int64_t>(i)});
+    }
+    std::stable_sort(landmarks_.begin(), landmarks_.end(),
+                     [](const Landmark& a, const Landmark& b) { return a.start < b.start; });
+}
+
+// In pieces, so that a damaged count does not ask for memory that no table fills.
+std::vector<uint32_t> Account::ReadTable(const DataFile& file) const {
+    std::vector<uint32_t> table;
+    if (!hasPlace_ || place_ + kPositionSize * count_ != file.Size()) return {};
+    while (static_cast<int64_t>(table.size()) < count_) {
+        const auto done = static_cast<int64_t>(table.size());
+        const auto piece =
+            file.Positions(place_ + kPositionSize * done, std::min(count_ - done, kTablePiece));
+        if (piece.empty() || *std::min_element(piece.begin(), piece.end()) == 0) return {};
+        table.insert(table.end(), piece.begin(), piece.end());
+    }
+    return table;
+}
+
+// Backwards from the end of the file, for as long as its words can be values of a table.
+void Account::FindTableAtEnd(const DataFile& file) {
+    std::vector<uint32_t> backwards;
+    for (int64_t end = file.Size(); end >= kFirstEpoch;) {
+        const int64_t count = std::min((end - kFirstEpoch) / kPositionSize, kTablePiece);
+        end -= kPositionSize * count;
+        const std::vector<uint32_t> piece = file.Positions(end, count);
+        for (auto value = piece.rbegin(); value != piece.rend(); ++value) {
+            const bool fits = backwards.empty() || *value <= backwards.back();
+            if (!fits || *value < kFirstEpoch || *value >= file.Size()) return;
+            backwards.push_back(*value);
+            const auto entries = static_cast<int64_t>(backwards.size());
+            const int64_t place = file.Size() - kPositionSize * entries;
+            if (*value != kFirstEpoch || !LeadsTo(file, backwards.front(), place)) continue;
+            table_.assign(backwards.rbegin(), backwards.rend());
+            count_ = entries;
+            place_ = place;
+            hasPlace_ = true;
+            return;
+        }
+        if (count < kTablePiece) return;
+    }
+}
+
+std::optional<int64_t> Account::NumberAt(int64_t position, int64_t shift) const {
+    const int64_t recorded = position + shift;
+    // Of equal values the last one: those before it were counted by saves that failed.
+    const auto behind =
+        std::lower_bound(landmarks_.begin(), landmarks_.end(), recorded + 1, IsBefore);
+    if (behind == landmarks_.begin() || (behind - 1)->start != recorded) return std::nullopt;
+    return (behind - 1)->number;
+}
+
+Landmark Account::Next(int64_t position, int64_t shift) const {
+    const auto next =
+        std::lower_bound(landmarks_.begin(), landmarks_.end(), position + shift + 1, IsBefore);
+    if (next == landmarks_.end() || next->start - shift >= place_) return {place_, count_};
+    const int64_t start = next->start - shift;
+    return {start, NumberAt(start, shift).value_or(next->number)};
+}
+
+bool Account::Number(std::vector<EpochPlace>& epochs) const {
+    std::vector<EpochPlace> numbered = epochs;
+    int64_t overcounted = 0;
+    for (const EpochPlace& epoch : epochs) overcounted += epoch.overcounted;
+    size_t left = table_.size();
+    for (auto epoch = numbered.rbegin(); epoch != numbered.rend(); ++epoch) {
+        overcounted -= epoch->overcounted;
+        if (left == 0) return false;
+        const int64_t recorded = table_[--left];
+        if (recorded != epoch->start && recorded != epoch->start + overcounted) return false;
+        epoch->number = static_cast<int64_t>(left);
+        while (left > 0 && table_[left - 1] == recorded) --left;
+    }
+    epochs = std::move(numbered);
+    return true;
+}
+
+}  // namespace corvantis::tool

@@ -1,0 +1,24 @@
+// The table of positions as the library writes it for epochs that were found.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "files/Container.h"
+#include "files/DataFile.h"
+
+namespace corvantis::tool {
+
+// Whether a table of at least so many positions begins there.
+bool IsTable(const DataFile& file, int64_t position, int64_t entries);
+
+// Whether a table of these epochs begins there, with their recorded or their real places.
+bool IsExactTable(const DataFile& file, int64_t position, const std::vector<EpochPlace>& epochs);
+// Whether at least every other value of such a table stands there.
+bool HasHalfOfTable(const DataFile& file, int64_t position, const std::vector<EpochPlace>& epochs);
+
+// The table that the library writes for these epochs: beyond their real starts after types that
+// count bytes without having any.
+std::vector<uint32_t> RecordedPositions(const std::vector<EpochPlace>& epochs);
+
+}  // namespace corvantis::tool

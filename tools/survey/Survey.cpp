@@ -1,0 +1,350 @@
+// Walking from epoch to epoch, past damaged ones, until the table or the end of the file.
+#include "survey/Survey.h"
+
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+#include "survey/Account.h"
+#include "survey/EpochSearch.h"
+#include "survey/LastSave.h"
+#include "survey/PositionTable.h"
+
+namespace corvantis::tool {
+namespace {
+
+constexpr int64_t kLargestShift = 288;  // of one epoch: eight waves, more than it has entries
+constexpr int kLandmarksAhead = 64;     // tried before the table is no longer believed
+
+class Walk {
+  public:
+    Walk(const DataFile& file, const Terminal& terminal)
+        : file_(file),
+          terminal_(terminal),
+          account_(file),
+          progress_(terminal, "walking", file.Size()) {}
+
+    Survey Follow() {
+        if (!FollowAccount()) Restart();
+        while (!IsAtTable()) {
+            progress_.Reach(position_);
+            EpochReading reading = Read();
+            if (Belongs(reading)) {
+                Keep(reading);
+            } else if (!PassOver(reading)) {
+                survey_.tablePosition = position_;
+                JudgeLastSave(file_, std::move(reading), survey_);
+                CountNumbers();
+                return std::move(survey_);
+            }
+        }
+        survey_.tablePosition = position_;
+        survey_.tableIsWhole = true;
+        CountNumbers();
+        FindTableEnd();
+        return std::move(survey_);
+    }
+
+  private:
+    int64_t Count() const { return static_cast<int64_t>(survey_.epochs.size()); }
+    int64_t NextNumber() const { return survey_.epochs.empty() ? 0 : LastNumber() + 1; }
+    int64_t LastNumber() const { return survey_.epochs.back().number; }
+
+    // The usual file: the epochs end to end from the first to the table's place. Nothing that such
+    // epochs hold can lead astray.
+    bool FollowAccount() {
+        if (!account_.HasPlace()) return false;
+        while (position_ < account_.Place()) {
+            progress_.Reach(position_);
+            EpochReading reading = Read();
+            if (IsUnreadable(reading) || IsBlank(reading)) return false;
+            Keep(reading);
+        }
+        return position_ == account_.Place() && IsAsCounted();
+    }
+
+    // A lost block of zeros; an epoch has an interval, unless the table leads to it.
+    bool IsBlank(const EpochReading& reading) const {
+        return reading.condition == Condition::kNoEntries &&
+               reading.content.header.samplingInterval == 0 &&
+               !account_.NumberAt(position_, shift_);
+    }
+
+    static bool IsUnreadable(const EpochReading& reading) {
+        return reading.condition > Condition::kUnknownType || reading.place.end == 0;
+    }
+
+    // While a save writes the header, its count or its place may be one save ahead of the other.
+    bool IsAsCounted() {
+        const int64_t counted = account_.Count();
+        if (Count() == 0 || account_.Number(survey_.epochs)) return true;
+        return Count() == counted || (!account_.HasTable() && std::abs(Count() - counted) <= 1);
+    }
+
+    void Restart() {
+        survey_ = {};
+        position_ = kFirstEpoch;
+        shift_ = 0;
+    }
+
+    bool IsAtTable() const {
+        const bool isHere = account_.HasPlace() && position_ == account_.Place();
+        if (account_.HasTable()) return isHere;
+        if (isHere && Count() > 1 && (IsTable(file_, position_, Count()) || IsDamagedTable())) {
+            return true;
+        }
+        if (!IsExactTable(file_, position_, survey_.epochs)) return false;
+        return Count() != 1 || position_ + kPositionSize == file_.Size() || !IsRatherEpoch(isHere);
+    }
+
+    // The bits of a table's single value can as well be the time of an epoch.
+    bool IsRatherEpoch(bool isPlaceOfTable) const {
+        const EpochReading reading = ReadEpochAt(file_, position_);
+        if (reading.condition != Condition::kWhole || !isPlaceOfTable) {
+            return reading.condition == Condition::kWhole;
+        }
+        return IsExactTable(file_, reading.place.end, {survey_.epochs.back(), reading.place});
+    }
+
+    // A save overwrites the beginning first, so what still has it was not overwritten.
+    bool IsDamagedTable() const {
+        return file_.Size() >= position_ + kPositionSize * Count() &&
+               IsTable(file_, position_, 1) && HasHalfOfTable(file_, position_, survey_.epochs);
+    }
+
+    EpochReading Read() const {
+        EpochReading reading = ReadEpochAt(file_, position_);
+        if (reading.condition == Condition::kUnknownType) EndsAt(reading, EndOfUnknown(reading));
+        return reading;
+    }
+
+    // Where the next epoch begins, or the table.
+    int64_t EndOfUnknown(const EpochReading& reading) const {
+        if (NextSound()) return account_.Next(position_, shift_).start;
+        const EpochPlace& place = reading.place;
+        const int64_t least =
+            position_ + kEpochHeaderSize + int64_t{2} * place.points * place.entries;
+        const bool hasPlaceBehind = account_.HasPlace() && account_.Place() >= least;
+        const int64_t limit = hasPlaceBehind ? account_.Place() : file_.Size();
+        return FindEpoch(file_, least, limit, terminal_).value_or(hasPlaceBehind ? limit : 0);
+    }
+
+    bool IsSoundAt(int64_t position) const {
+        const EpochReading reading = ReadEpochAt(file_, position);
+        if (reading.condition == Condition::kNoEntries) {
+            return account_.Next(position, shift_).start == reading.place.end;
+        }
+        return reading.condition <= Condition::kUnknownType;
+    }
+
+    // The next place of the table where an epoch begins; nothing if the table cannot be believed.
+    std::optional<Landmark> NextSound() const {
+        if (!account_.HasTable() || position_ >= account_.Place()) return std::nullopt;
+        Landmark next = account_.Next(position_, shift_);
+        if (next.start == account_.Place()) return next;
+        for (int tried = 0; tried < kLandmarksAhead && next.start < account_.Place(); ++tried) {
+            if (IsSoundAt(next.start)) return next;
+            next = account_.Next(next.start, shift_);
+        }
+        return std::nullopt;
+    }
+
+    // Whether it is an epoch that contradicts nothing the table accounts for.
+    bool Belongs(EpochReading& reading) const {
+        if (IsUnreadable(reading)) return false;
+        const int64_t end = reading.place.end;
+        const bool isAccounted = account_.NumberAt(position_, shift_).has_value();
+        if (reading.condition == Condition::kNoEntries) {
+            return isAccounted && account_.Next(position_, shift_).start == end;
+        }
+        const std::optional<Landmark> next = NextSound();
+        if (!next) return !account_.HasTable() || end <= account_.Place();
+        // A value of the table may lead astray; samples that look like an epoch have none.
+        if (end <= next->start && (isAccounted || NextNumber() < next->number)) return true;
+        reading.mismatch = LeadsAstray(end, next->start);
+        return false;
+    }
+
+    static Mismatch LeadsAstray(int64_t end, int64_t next) {
+        return {fmt::format("an epoch that ends at {}", end),
+                fmt::format("its end at {}, where the next one begins", next)};
+    }
+
+    void Keep(EpochReading& reading) {
+        reading.place.number = account_.NumberAt(position_, shift_).value_or(NextNumber());
+        if (reading.place.number < NextNumber()) reading.place.number = NextNumber();
+        if (reading.condition == Condition::kUnknownType) {
+            survey_.remarks.push_back({position_, reading.place.number, reading.mismatch});
+        }
+        survey_.epochs.push_back(reading.place);
+        position_ = reading.place.end;
+        // A table that a repair has written has the real places.
+        const bool isReal = account_.NumberAt(position_, 0).has_value();
+        shift_ = isReal ? 0 : shift_ + reading.place.overcounted;
+    }
+
+    // Goes on behind what is no epoch; false if nothing more can be expected.
+    bool PassOver(const EpochReading& reading) {
+        const int64_t begin = position_;
+        if (NextSound()) {
+            const Landmark next = account_.Next(position_, shift_);
+            auto number = account_.NumberAt(position_, shift_);
+            survey_.strays.push_back({begin, next.start, reading.mismatch, number});
+            position_ = next.start;
+            return true;
+        }
+        const std::optional<int64_t> next = Search(reading);
+        if (!next) return false;
+        PassOverTo(*next, reading.mismatch);
+        return true;
+    }
+
+    // The next epoch or the table, but only where the header says that epochs lie: behind them, an
+    // interrupted save and the table it overwrites are all there is.
+    std::optional<int64_t> Search(const EpochReading& reading) const {
+        const int64_t place = account_.Place();
+        if (account_.HasPlace() && position_ >= place && account_.Count() > 0) return std::nullopt;
+        if (CoversTheRest(reading)) return std::nullopt;
+        const bool hasPlace = account_.HasPlace() && account_.Count() > 0;
+        const int64_t until = hasPlace ? place : file_.Size();
+        if (const auto before = FindInLastEpoch()) return before;
+        const std::optional<int64_t> next = FindEpoch(file_, position_ + 2, until, terminal_);
+        if (next || !hasPlace || !IsTable(file_, place, Count())) return next;
+        return place;
+    }
+
+    // The file ends before the epoch does, and the header does not lead further: the first save was
+    // interrupted, or the file truncated.
+    bool CoversTheRest(const EpochReading& reading) const {
+        if (reading.condition != Condition::kCut) return false;
+        const bool isTruncated = account_.Place() > file_.Size() &&
+                                 reading.place.end <= account_.Place() &&
+                                 account_.Count() > Count();
+        return account_.Count() == 0 || isTruncated;
+    }
+
+    // A length that was damaged leads astray, so the next epoch may begin inside the one before.
+    // What its samples may hold, epochs of another file, does not lead beyond their end.
+    std::optional<int64_t> FindInLastEpoch() const {
+        if (survey_.epochs.empty()) return std::nullopt;
+        int64_t from = survey_.epochs.back().start + 2;
+        while (const auto found = FindEpoch(file_, from, position_, terminal_)) {
+            from = EndOfSoundEpochs(file_, *found, position_ + 1);
+            if (from > position_) return found;
+        }
+        return std::nullopt;
+    }
+
+    void PassOverTo(int64_t next, const Mismatch& mismatch) {
+        int64_t begin = position_;
+        Mismatch why = mismatch;
+        if (next < position_) {
+            begin = survey_.epochs.back().start;
+            survey_.epochs.pop_back();
+            why = LeadsAstray(position_, next);
+        }
+        survey_.strays.push_back({begin, next, why, account_.NumberAt(begin, shift_)});
+        position_ = next;
+        if (next == account_.Place()) return;
+        FindShift();
+        survey_.remarks.push_back({next,
+                                   account_.NumberAt(next, shift_).value_or(NextNumber()),
+                                   {"an epoch by searching, which may be samples of a damaged one "
+                                    "that look like an epoch",
+                                    "epochs that follow each other without a gap"},
+                                   true});
+    }
+
+    // A damaged epoch may have had waves without bytes, which the table counts.
+    void FindShift() {
+        const int64_t more = account_.Next(position_ - 1, shift_).start - position_;
+        if (account_.HasTable() && more % 4 == 0 && more <= kLargestShift) shift_ += more;
+    }
+
+    void CountNumbers() {
+        survey_.numbers = NextNumber();
+        for (const Stretch& stray : survey_.strays) {
+            survey_.numbers = std::max(survey_.numbers, stray.number.value_or(-1) + 1);
+        }
+    }
+
+    // A file that took over the count of another has more entries than epochs.
+    void FindTableEnd() {
+        const int64_t counted = file_.Header().numEpochs;
+        const bool recordedHere = file_.RecordedTablePosition() == survey_.tablePosition;
+        const int64_t room = (file_.Size() - survey_.tablePosition) / kPositionSize;
+        const bool believable = recordedHere && counted >= Count() && counted <= room;
+        survey_.tableEntries = believable ? counted : Count();
+        const bool isAccounted = account_.HasTable() && position_ == account_.Place();
+        if (isAccounted) survey_.tableEntries = account_.Count();
+        if (Count() == 1 && room > 1) SayIfInDoubt();
+        const int64_t end = survey_.tablePosition + kPositionSize * survey_.tableEntries;
+        if (end < file_.Size()) {
+            survey_.strays.push_back({end,
+                                      file_.Size(),
+                                      {fmt::format("{} bytes behind the table", file_.Size() - end),
+                                       "the end of the file"}});
+        }
+    }
+
+    // The only value of the table is where it is the epoch's own place, a number that a time may
+    // have the bits of.
+    void SayIfInDoubt() {
+        const EpochReading reading = ReadEpochAt(file_, position_);
+        if (reading.condition > Condition::kCut || reading.place.entries == 0) return;
+        survey_.remarks.push_back({position_,
+                                   survey_.numbers,
+                                   {"a table with bytes behind it, or an epoch whose save was "
+                                    "interrupted and whose time has the bits of 580",
+                                    "one of the two; it is taken for the table"},
+                                   true});
+    }
+
+    const DataFile& file_;
+    const Terminal& terminal_;
+    const Account account_;
+    Progress progress_;
+    Survey survey_;
+    int64_t position_ = kFirstEpoch;
+    int64_t shift_ = 0;  // of the table's values, beyond the real places
+};
+
+}  // namespace
+
+const EpochPlace* FindNumber(const Survey& survey, int64_t number) {
+    const auto found = std::lower_bound(
+        survey.epochs.begin(), survey.epochs.end(), number,
+        [](const EpochPlace& epoch, int64_t wanted) { return epoch.number < wanted; });
+    return found == survey.epochs.end() || found->number != number ? nullptr : &*found;
+}
+
+std::string WhyMissing(const Survey& survey, int64_t number) {
+    for (const Stretch& stray : survey.strays) {
+        if (stray.number != number) continue;
+        return fmt::format("found {}, expected {}", stray.mismatch.found, stray.mismatch.expected);
+    }
+    if (survey.unfinished && number == survey.numbers) {
+        const UnfinishedEpoch& last = *survey.unfinished;
+        return fmt::format("found {} ({} of {} points), expected {}", last.mismatch.found,
+                           last.wholePoints, last.place.points, last.mismatch.expected);
+    }
+    if (number >= survey.numbers) return "the file ends before it";
+    return "the table of positions leads to no epoch of its own, as after a save that failed";
+}
+
+int64_t NumbersOf(const DataFile& file, const Survey& survey) {
+    const int64_t known = survey.numbers + (survey.unfinished ? 1 : 0);
+    const int64_t counted = file.Header().numEpochs;
+    const bool isTruncated = file.RecordedTablePosition() > file.Size();
+    const int64_t most = (file.RecordedTablePosition() - kFirstEpoch) / kEpochHeaderSize;
+    if (!isTruncated || counted > most) return known;
+    return std::max(counted, known);
+}
+
+Survey SurveyFile(const DataFile& file, const Terminal& terminal) {
+    return Walk(file, terminal).Follow();
+}
+
+}  // namespace corvantis::tool

@@ -107,26 +107,36 @@ inline const char* StimulusName(int32_t type) {{
 """
 
 
-def wanting_rows(document: str, where: str, fields: list[Described]) -> list[str]:
-    """Fields that no table of the document has at their offset."""
-    rows = re.findall(r"^\| (\d+) \|(.*)$", document, re.MULTILINE)
-    return [f"{where}: no row for {field['name']} at offset {field['place']}" for field in fields
-            if not any(int(place) == field["place"] and f"`{field['name']}`" in rest
-                       for place, rest in rows)]
+def tables_of(document: str) -> list[dict[int, str]]:
+    """The document's tables whose rows begin with an offset, as offset and row."""
+    found: list[dict[int, str]] = []
+    for block in re.split(r"^(?!\|).*$", document, flags=re.MULTILINE):
+        rows = re.findall(r"^\| (\d+) \|(.*)$", block, re.MULTILINE)
+        found.append({int(place): row for place, row in rows})
+    return found
+
+
+def has_table(tables: list[dict[int, str]], fields: list[Described]) -> bool:
+    """Whether a table has the fields, each at its offset, and no other."""
+    places = {field["place"] for field in fields}
+    return any(all(f"`{field['name']}`" in table.get(field["place"], "") for field in fields) and
+               all(place in places or "`zero[" in row or "| |" in row
+                   for place, row in table.items()) for table in tables)
 
 
 def check_document(described: Described) -> list[str]:
     """What docs/file-format.md lacks or says otherwise."""
     document = (ROOT / "docs/file-format.md").read_text(encoding="utf-8")
-    problems = []
-    for name in ("FileHeader", "EpochHeader"):
-        problems += wanting_rows(document, f"docs/file-format.md, {name}", described[name])
+    records = {name: described[name] for name in ("FileHeader", "EpochHeader")}
+    records |= {each["name"]: each["fields"] for each in described["types"] if each["fields"]}
+    tables = tables_of(document)
+    problems = [f"docs/file-format.md: no table of the fields of {name}"
+                for name, fields in records.items() if not has_table(tables, fields)]
     for each in described["types"]:
         if not re.search(rf"^\| {each['code']} \| {each['name']}[^|]*\| {each['bytes']}\b",
                          document, re.MULTILINE):
             problems.append(f"docs/file-format.md: no line for type {each['code']}, "
                             f"{each['name']}, {each['bytes']} bytes")
-        problems += wanting_rows(document, f"docs/file-format.md, {each['name']}", each["fields"])
     return problems
 
 
@@ -140,12 +150,14 @@ def declared_fields(header: str, record: str) -> dict[str, str]:
 
 
 def check_header(described: Described) -> list[str]:
-    """Fields that Corvantis.h explains otherwise: `meaning [unit]`, the unit perhaps with a range."""
+    """Fields that Corvantis.h explains otherwise: `meaning [unit]`, the unit also with a range."""
     header = (ROOT / "itc-code/Corvantis.h").read_text(encoding="utf-8")
     records = {int(code): record for code, record in
                re.findall(r"ITC_STIMULUS_\w+ = (\d+),?\s*/\*\*<\s*#(\w+)", header)}
-    every = [("ITCFileHeader", described["FileHeader"]), ("ITCEpochHeader", described["EpochHeader"])]
-    every += [(records.get(each["code"], "a record"), each["fields"]) for each in described["types"]]
+    every = [("ITCFileHeader", described["FileHeader"]),
+             ("ITCEpochHeader", described["EpochHeader"]),
+             *((records.get(each["code"], "a record"), each["fields"])
+               for each in described["types"])]
     problems = []
     for record, fields in every:
         declared = declared_fields(header, record)

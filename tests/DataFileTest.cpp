@@ -27,60 +27,42 @@ TEST_F(DataFile, IsCreatedWithItsHeaderAndOverwrittenOnlyOnRequest) {
     setenv("HOME", folder.path.c_str(), 1);
     const Bytes precious = Text("a year of work", 2000), blank = FileHeaderBytes(8, 0, 0);
     for (const char* name : {"b.itc", "c.itc", "a.dat"}) WriteFile(folder.File(name), precious);
-    const auto expect = [&](const std::string& pattern, int32_t overwrite, bool succeeds,
-                            const char* name) {
-        const std::string path = pattern[0] == '~' ? pattern : folder.File(pattern);
-        const int32_t result = ITCCreateFile(path.c_str(), overwrite);
-        EXPECT_EQ(result, succeeds ? ITC_SUCCESS : ITC_FILE_ERROR) << pattern;
-        EXPECT_EQ(ITCCloseFile(), succeeds ? 0 : -1);
-        EXPECT_EQ(FileContent(folder.File(name)) == blank, succeeds) << pattern;
-    };
-    expect("b.itc", 0, false, "b.itc");
-    expect("~/b.itc", 0, false, "b.itc");
-    expect("*.itc", 1, true, "b.itc");
-    expect("?.dat", 0, false, "a.dat");
-    expect("run*", 0, true, "run*");
-    expect("~/c.itc", 1, true, "c.itc");
-    expect("~/new.itc", 0, false, "new.itc");
+    using Case = std::tuple<std::string, int32_t, bool, const char*>;
+    for (const auto& [pattern, overwrite, done, name] :
+         {Case("b.itc", 0, false, "b.itc"), Case("~/b.itc", 0, false, "b.itc"),
+          Case("*.itc", 1, true, "b.itc"), Case("?.dat", 0, false, "a.dat"),
+          Case("run*", 0, true, "run*"), Case("~/c.itc", 1, true, "c.itc"),
+          Case("~/new.itc", 0, false, "new.itc")}) {
+        const std::string full = pattern[0] == '~' ? pattern : folder.File(pattern);
+        EXPECT_EQ(ITCCreateFile(full.c_str(), overwrite), done ? 0 : 7) << pattern;
+        EXPECT_EQ(ITCCloseFile(), done ? 0 : -1);
+        EXPECT_EQ(FileContent(folder.File(name)) == blank, done) << pattern;
+    }
     EXPECT_EQ(FileContent(folder.File("a.dat")), precious);
     setenv("HOME", home.c_str(), 1);
 }
 
 TEST_F(DataFile, OpensWithItsTableOrNotAtAll) {
-    struct Case {
-        const char* name;
-        Bytes file;
-        int32_t result;
-        size_t positions;  // of a loaded table
-    };
+    // Version, epochs, table position and size of the file; the result, and entries that are
+    // loaded.
+    using Case = std::tuple<uint8_t, uint32_t, uint32_t, size_t, int32_t, size_t>;
     const uint32_t table[] = {580, 0x89ABCDEF};
-    const auto with = [&](uint8_t version, uint32_t epochs, uint32_t position) {
-        return Join({FileHeaderBytes(version, epochs, position), Big32(580), Big32(table[1])});
-    };
-    for (const Case& each : {Case{"no bytes", {}, 7, 0},
-                             {"one byte short", First(with(8, 0, 580), 579), 7, 0},
-                             {"no epochs", FileHeaderBytes(8, 0, 580), 0, 0},
-                             {"no epochs, table anywhere", FileHeaderBytes(8, 0, 0xFFFFFFF0), 0, 0},
-                             {"version 8", with(8, 2, 580), 0, 2},
-                             {"version 1", with(1, 2, 580), 0, 2},
-                             {"version 9", with(9, 2, 580), 9, 2},
-                             {"version 127", with(127, 2, 580), 9, 2},
-                             {"version -128", with(0x80, 2, 580), 0, 2},
-                             {"an epoch too few", with(8, 3, 580), 7, 2},
-                             {"table cut", with(8, 2, 582), 7, 0},
-                             {"table at the end", with(8, 1, 588), 7, 0},
-                             {"table beyond the file", with(8, 1, 0xFFFFFFF0), 7, 0},
-                             {"-1 epochs", with(8, 0xFFFFFFFF, 580), 7, 0},
-                             {"fewest epochs", with(8, 0x80000000, 580), 7, 0},
-                             {"most epochs", with(8, 0x7FFFFFFF, 580), 7, 2},
-                             {"a table that wraps to 8 bytes", with(8, 0x40000002, 580), 7, 2}}) {
-        SCOPED_TRACE(each.name);
-        WriteFile(path, each.file);
-        EXPECT_EQ(Open(), each.result);
-        for (size_t i = 0; i < each.positions; ++i) EXPECT_EQ(EpochPosition[i], table[i]);
-        EXPECT_EQ(ITCRetrieveEpoch(0), ITC_FILE_ERROR);
-        EXPECT_EQ(ITCCloseFile(), 0);
-        EXPECT_EQ(FileContent(path), each.file);
+    for (const auto& [version, epochs, position, size, result, entries] :
+         {Case(8, 0, 580, 0, 7, 0), Case(8, 0, 580, 579, 7, 0), Case(8, 0, 580, 580, 0, 0),
+          Case(8, 0, 0xFFFFFFF0, 580, 0, 0), Case(8, 2, 580, 588, 0, 2), Case(1, 2, 580, 588, 0, 2),
+          Case(9, 2, 580, 588, 9, 2), Case(127, 2, 580, 588, 9, 2), Case(0x80, 2, 580, 588, 0, 2),
+          Case(8, 3, 580, 588, 7, 2), Case(8, 2, 580, 587, 7, 1), Case(8, 1, 588, 588, 7, 0),
+          Case(8, 1, 0xFFFFFFF0, 588, 7, 0), Case(8, 0xFFFFFFFF, 580, 588, 7, 0),
+          Case(8, 0x80000000, 580, 588, 7, 0), Case(8, 0x7FFFFFFF, 580, 588, 7, 2),
+          Case(8, 0x40000002, 580, 588, 7, 2)}) {
+        SCOPED_TRACE(testing::Message() << int{version} << " " << epochs << " " << position);
+        const Bytes header = FileHeaderBytes(version, epochs, position);
+        const Bytes file = First(Join({header, Big32(table[0]), Big32(table[1])}), size);
+        WriteFile(path, file);
+        EXPECT_EQ(Open(), result);
+        EXPECT_TRUE(std::equal(table, table + entries, EpochPosition));
+        EXPECT_EQ(Results({ITCRetrieveEpoch(0), ITCCloseFile()}), Results({7, 0}));
+        EXPECT_EQ(FileContent(path), file);
     }
 }
 
@@ -90,9 +72,8 @@ TEST_F(DataFile, OpenedForEditIsEmptyAndTakesEpochs) {
     SetUpPulseEpoch();
     EXPECT_EQ(ITCOpenFileForEdit(path.c_str()), ITC_FILE_ERROR);
     EXPECT_EQ(FileContent(path), Bytes());
-    EXPECT_EQ(ITCSaveToFile(), ITC_SUCCESS);
-    EXPECT_EQ(ITCOpenFileForEdit(nullptr), ITC_FILE_ERROR);
-    EXPECT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+    EXPECT_EQ(Results({ITCSaveToFile(), ITCOpenFileForEdit(nullptr), ITCSaveToFile()}),
+              Results({0, 7, 0}));
     const Bytes epoch = PulseEpochBytes({0, 0, 0, 0});
     EXPECT_EQ(FileContent(path),
               Join({FileHeaderBytes(8, 2, 2484), epoch, epoch, Big32(580), Big32(1532)}));
@@ -110,12 +91,9 @@ TEST_F(DataFile, TakesEpochsAfterAnother) {
                                                 {Bytes{}, ITC_FILE_ERROR, 0U}}) {
         filehdr->numEpochs = 0;
         WriteFile(other, looked);
-        EXPECT_EQ(ITCOpenFile(other.c_str()), opened);
-        EXPECT_EQ(ITCCloseFile(), 0);
+        EXPECT_EQ(Results({ITCOpenFile(other.c_str()), ITCCloseFile()}), Results({opened, 0}));
         SetUpPulseEpoch();
-        ASSERT_EQ(Create(), ITC_SUCCESS);
-        EXPECT_EQ(ITCSaveToFile(), ITC_SUCCESS);
-        EXPECT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+        ASSERT_EQ(Results({Create(), ITCSaveToFile(), ITCSaveToFile()}), Results(3));
         Bytes expected = Join({FileHeaderBytes(8, count + 2, 2484), epoch, epoch});
         for (uint32_t i = 0; i <= count; ++i) expected = Join({expected, place});
         EXPECT_EQ(FileContent(path), Join({expected, Big32(1532)}));
@@ -129,28 +107,24 @@ TEST_F(DataFile, TakesEpochsAfterAnother) {
 
 TEST_F(DataFile, EpochsOutsideItsTableAndClosedFiles) {
     const auto expectNoEpoch = [](int32_t epoch) {
-        EXPECT_EQ(ITCEpochParameters(epoch), ITC_FILE_ERROR) << epoch;
-        EXPECT_EQ(ITCRetrieveEpoch(epoch), ITC_FILE_ERROR) << epoch;
-        EXPECT_EQ(ITCRetrieveEpochStm(epoch), ITC_FILE_ERROR) << epoch;
-        EXPECT_EQ(ITCRetrieveEpochStmGClamp(epoch, 0), ITC_FILE_ERROR) << epoch;
+        EXPECT_EQ(Results({ITCEpochParameters(epoch), ITCRetrieveEpoch(epoch),
+                           ITCRetrieveEpochStm(epoch), ITCRetrieveEpochStmGClamp(epoch, 0)}),
+                  Results(4, ITC_FILE_ERROR));
     };
     SetUpPulseEpoch();
-    ASSERT_EQ(Create(), ITC_SUCCESS);
-    ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+    ASSERT_EQ(Results({Create(), ITCSaveToFile()}), Results(2));
     EpochPosition[1] = 580;  // the next one's, not yet in the file
     for (const int32_t epoch : {-1, 1, 2, INT32_MAX, INT32_MIN}) expectNoEpoch(epoch);
-    EXPECT_EQ(ITCEpochParameters(0), ITC_SUCCESS);
     const FILE* const stream = ITCOpenFilePtr;
-    EXPECT_EQ(ITCCloseFile(), 0);
-    EXPECT_EQ(ITCCloseFile(), -1);
+    EXPECT_EQ(Results({ITCEpochParameters(0), ITCCloseFile(), ITCCloseFile()}),
+              Results({0, 0, -1}));
     EXPECT_EQ(ITCOpenFilePtr, stream);
     expectNoEpoch(0);
     uint32_t size = 0;
     for (const int8_t type : {3, 15}) {
         const int32_t result = type == 3 ? ITC_FILE_ERROR : ITC_STIMULUS_ERROR;
         epochhdr->stimType[0] = type;
-        EXPECT_EQ(ITCWriteStmParams(0, &size), result);
-        EXPECT_EQ(ITCReadStmParams(0), result);
+        EXPECT_EQ(Results({ITCWriteStmParams(0, &size), ITCReadStmParams(0)}), Results(2, result));
     }
 }
 
@@ -191,18 +165,17 @@ TEST_F(DataFile, CountsEveryStimulusTypesBytes) {
             for (int i = 0; inSum && i < 2; ++i) ASSERT_EQ(stimulus.add(0, record.words), 0);
             const QuietOutput quiet;
             for (int i = 0; i < 2; ++i) ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);
-            const uint32_t other = 912 + 2 * kPoints + (inSum ? 1284 : 0) +
-                                   (stimulus.type == 11 && !inSum ? 8 * kPoints : 0);
+            const uint32_t conductances = stimulus.type == 11 && !inSum ? 8 * kPoints : 0;
+            const uint32_t other = 912 + 2 * kPoints + (inSum ? 1284 : 0) + conductances;
             const uint32_t counted = other + (inSum ? 2 : 1) * stimulus.size;
             const uint32_t onFile = stimulus.type == 5 || stimulus.type == 8 ? other : counted;
             EXPECT_EQ(EpochPosition[2], 580 + 2 * counted);
             const Bytes file = FileContent(path);
             ASSERT_EQ(file.size(), 580 + 2 * onFile + 8);
-            EXPECT_EQ(Word(file, 536), 2);
-            EXPECT_EQ(Word(file, 540), 580 + 2 * onFile);
-            EXPECT_EQ(Word(file, 580 + 2 * onFile + 4), 580 + counted);
+            const Bytes table = Join({Big32(580), Big32(580 + counted)});
+            EXPECT_EQ(Bytes(file.end() - 8, file.end()), table);
+            EXPECT_TRUE(Word(file, 536) == 2 && Word(file, 540) == 580 + 2 * onFile);
             EXPECT_EQ(Word(file, 580 + onFile + 576), kPoints);
-            EXPECT_EQ(ITCCloseFile(), 0);
         }
     }
     ExcitatoryG = InhibitoryG = nullptr;

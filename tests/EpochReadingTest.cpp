@@ -9,60 +9,12 @@
 #include "FileBytes.h"
 #include "LibrarySession.h"
 #include "PulseEpoch.h"
-#include "SpareDeviates.h"
-#include "StimulusRecords.h"
 
 namespace {
 
 using namespace corvantis_test;
 
 using EpochReading = RecordingTest;
-
-// Epochs of one to four entries, every stimulus that a file can hold among them, also in sums;
-// reading one leaves the generator where it was played from.
-TEST_F(EpochReading, WhatWasPlayedIsRecomputed) {
-    constexpr int32_t kPoints = 1000;
-    std::vector<float> conductance(kPoints, 1.5F);
-    std::vector<Samples> played, acquired;
-    const QuietOutput quiet;
-    PseudoRandom random;
-    DropSpareDeviate();
-    ExcitatoryG = InhibitoryG = conductance.data();
-    ASSERT_EQ(Create(), ITC_SUCCESS);
-    for (const Stimulus& stimulus : kStimuli) {
-        if (*stimulus.lengths == '\0' && stimulus.type != 11 && stimulus.type != 14) continue;
-        if (stimulus.type == 6 || stimulus.type == 8) continue;
-        const int32_t entries = 1 + stimulus.type % 4;
-        SetUpAcquisition(entries, kPoints);
-        for (int32_t entry = 0; entry < entries; ++entry) {
-            Record record(stimulus, {800, 150, 50});
-            if (stimulus.type == 2) record.words[8] = 2;  // sections of the filter
-            const bool inSum = entry == 1 && stimulus.add != nullptr;
-            ASSERT_EQ(inSum ? InstallSum(entry, 2) : stimulus.build(entry, record.words), 0);
-            for (int i = 0; inSum && i < 2; ++i) ASSERT_EQ(stimulus.add(entry, record.words), 0);
-        }
-        ITCWriteEpochCom(std::to_string(played.size()).c_str());
-        ASSERT_EQ(ITCUpdateStm(), ITC_SUCCESS);
-        played.push_back(First(session.output, entries * kPoints));
-        random.Fill(session.input);
-        acquired.push_back(First(session.input, entries * kPoints));
-        ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);
-    }
-    ExcitatoryG = InhibitoryG = nullptr;
-    ASSERT_EQ(Open(), ITC_SUCCESS);
-    for (size_t n = 0; n < 2 * played.size(); ++n) {
-        const size_t epoch = 5 * n % played.size();
-        const auto number = static_cast<int32_t>(epoch);
-        SCOPED_TRACE(epoch);
-        session.input.assign(session.input.size(), 0xABCD);
-        session.output = session.input;
-        ASSERT_EQ(ITCRetrieveEpoch(number), ITC_SUCCESS);
-        EXPECT_EQ(First(session.input, acquired[epoch].size()), acquired[epoch]);
-        EXPECT_EQ(epochhdr->epochComment, std::to_string(epoch));
-        ASSERT_EQ(ITCRetrieveEpochStm(number), ITC_SUCCESS);
-        EXPECT_EQ(First(session.output, played[epoch].size()), played[epoch]);
-    }
-}
 
 // Before version 7: pulse, dynamic clamp, pulse; the stored latency bytes mean nothing.
 TEST_F(EpochReading, ReadsAFileOfVersionSixMadeByHand) {
@@ -85,15 +37,14 @@ TEST_F(EpochReading, ReadsAFileOfVersionSixMadeByHand) {
 
 TEST_F(EpochReading, AnEpochAboveTheBuffersIsRefusedAfterItsHeader) {
     SetUpPulseEpoch(2);
-    ASSERT_EQ(Create(), ITC_SUCCESS);
-    ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+    ASSERT_EQ(Results({Create(), ITCSaveToFile()}), Results(2));
     FreeChannels();
     epochhdr->epochPoints = 0;
     *ITCbufsize = 7;
     QuietOutput output;
-    EXPECT_EQ(ITCRetrieveEpoch(0), ITC_TOO_LARGE);
-    EXPECT_EQ(ITCRetrieveEpochStm(0), ITC_TOO_LARGE);
-    EXPECT_EQ(ITCRetrieveEpochStmGClamp(0, 0), ITC_TOO_LARGE);
+    EXPECT_EQ(
+        Results({ITCRetrieveEpoch(0), ITCRetrieveEpochStm(0), ITCRetrieveEpochStmGClamp(0, 0)}),
+        Results(3, ITC_TOO_LARGE));
     EXPECT_EQ(output.Text(),
               "Fail-point (itc-code/ITCFileAccess:703)\n"
               "Fail-point (itc-code/ITCFileAccess:759)\n"
@@ -118,8 +69,8 @@ TEST_F(EpochReading, ConductancesAreFoundBehindASingleEntry) {
     }
     uint32_t size = 0;
     InhibitoryG = nullptr;
-    EXPECT_EQ(ITCWriteStmParams(0, &size), ITC_STIMULUS_ERROR);
-    EXPECT_EQ(ITCRetrieveEpochStmGClamp(0, 0), ITC_STIMULUS_ERROR);
+    EXPECT_EQ(Results({ITCWriteStmParams(0, &size), ITCRetrieveEpochStmGClamp(0, 0)}),
+              Results(2, ITC_STIMULUS_ERROR));
     ExcitatoryG = first.data();
     InhibitoryG = second.data();
     EXPECT_EQ(ITCRetrieveEpochStmGClamp(0, 0), ITC_SUCCESS);

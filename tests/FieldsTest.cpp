@@ -298,19 +298,16 @@ TEST_F(Fields, ChannelsOfSequenceWords) {
 }
 
 TEST_F(Fields, EntriesOfChannels) {
-    const Value none;
-    const struct {
+    struct Case {
         Bytes epoch;
         Value output0, input0, others;
-    } cases[] = {// As the library builds them: always 0.
-                 {SequenceEpoch(3, {0x880, 0x1100, 0xD980}), 0, 0, none},
-                 {SequenceEpoch(4, {0x09, 0x40, 0x27, 0xC000}), 2, 1, none},
-                 {SequenceEpoch(2, {0x7F, 0xC07F, 0, 0}), none, none, none},
-                 {SequenceEpoch(3, {0x10, 0x20, 0x02, 0}), 1, 0, none},
-                 {SequenceEpoch(4, {0x02, 0x04, 0x40, 0xFFFFFF80}), 0, 2, none},
-                 {SequenceEpoch(0, {0, 0}), none, none, none},
-                 {SequenceEpoch(-1, {0x7F}), 0, 0, 0}};
-    for (const auto& [epoch, output0, input0, others] : cases) {
+    };
+    for (const auto& [epoch, output0, input0, others] :
+         {Case{SequenceEpoch(3, {0x880, 0x1100, 0xD980}), 0, 0, {}},  // as the library builds them
+          Case{SequenceEpoch(4, {0x09, 0x40, 0x27, 0xC000}), 2, 1, {}},
+          Case{SequenceEpoch(2, {0x7F, 0xC07F, 0, 0}), {}, {}, {}},
+          Case{SequenceEpoch(4, {0x02, 0x04, 0x40, 0xFFFFFF80}), 0, 2, {}},
+          Case{SequenceEpoch(0, {0, 0}), {}, {}, {}}, Case{SequenceEpoch(-1, {0x7F}), 0, 0, 0}}) {
         OpenEpochs({epoch});
         Expect(Get<ITCGetSegmentForOutputChan>, 0, 0, 0, output0, 6);
         Expect(Get<ITCGetSegmentForOutputChan>, 0, 3, 0, others, 6);

@@ -96,9 +96,8 @@ TEST_F(HostileFile, EveryDamageHasItsResult) {
         Open(file);
         session.input.assign(1000, 0xABCD);
         session.output = session.input;
-        EXPECT_EQ(ITCEpochParameters(0), damage.parameters);
-        EXPECT_EQ(ITCRetrieveEpoch(0), damage.samples);
-        EXPECT_EQ(ITCRetrieveEpochStm(0), damage.stimulus);
+        EXPECT_EQ(Results({ITCEpochParameters(0), ITCRetrieveEpoch(0), ITCRetrieveEpochStm(0)}),
+                  Results({damage.parameters, damage.samples, damage.stimulus}));
         const Samples untouched(1000, 0xABCD);
         EXPECT_TRUE(damage.stimulus == ITC_SUCCESS || session.output == untouched);
         EXPECT_TRUE(damage.parameters == 0 || session.input == untouched);
@@ -120,16 +119,14 @@ TEST_F(HostileFile, ACutEpochIsAFileError) {
 
 TEST_F(HostileFile, SlotsNeverKeepAFreedRecord) {
     Open(SumFileBytes());
-    ASSERT_EQ(ITCRetrieveEpochStm(0), ITC_SUCCESS);
+    ASSERT_EQ(Results({ITCRetrieveEpochStm(0), ITCFreeParams(0), ITCEpochParameters(0)}),
+              Results(3));
     EXPECT_EQ(session.output[1], 1990);
-    EXPECT_EQ(ITCFreeParams(0), ITC_SUCCESS);
-    ASSERT_EQ(ITCEpochParameters(0), ITC_SUCCESS);
     epochhdr->stimType[0] = 99;
-    EXPECT_EQ(ITCReadStmParams(0), ITC_STIMULUS_ERROR);
+    EXPECT_EQ(Results({ITCReadStmParams(0), ITCReadStmParams(4)}), Results({2, 2}));
     EXPECT_EQ(StmParameters[0], nullptr);
     epochhdr->stimType[0] = 7;  // the stream stands at the samples: too few bytes for a sum
     EXPECT_EQ(ITCReadStmParams(0), ITC_FILE_ERROR);
-    EXPECT_EQ(ITCReadStmParams(4), ITC_STIMULUS_ERROR);
 }
 
 // An epoch replaces all four type bytes, but only the records of its own entries.
@@ -143,10 +140,10 @@ TEST_F(HostileFile, ATypeByteOfAnotherRecordIsNotBelieved) {
         ASSERT_EQ(ITCEpochParameters(0), ITC_SUCCESS);
         EXPECT_NE(StmParameters[1], nullptr);
         int32_t seed = -1;
-        EXPECT_EQ(ITCRetrieveRandomSeed(&seed, 1), ITC_STIMULUS_ERROR);
-        EXPECT_EQ(ITCNewRandomSeed(1, 1, 0), ITC_STIMULUS_ERROR);
         SetUpAcquisition(2, kPulseEpochPoints);
-        EXPECT_EQ(ITCUpdateStm(), ITC_STIMULUS_ERROR);
+        EXPECT_EQ(
+            Results({ITCRetrieveRandomSeed(&seed, 1), ITCNewRandomSeed(1, 1, 0), ITCUpdateStm()}),
+            Results(3, ITC_STIMULUS_ERROR));
     }
 }
 

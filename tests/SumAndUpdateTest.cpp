@@ -9,6 +9,7 @@
 #include "Corvantis.h"
 #include "LibrarySession.h"
 #include "SpareDeviates.h"
+#include "StimulusRecords.h"
 #include "WrittenSamples.h"
 
 namespace {
@@ -54,13 +55,13 @@ class SumAndUpdateTest : public testing::Test {
 TEST_F(SumAndUpdateTest, AShorterWaveAddsThePreviousComponentsRestAgain) {
     const Samples wave = {1, 2, 3, 4}, again = {101, 102, 153, 154, 300, 300, 300, 300, 200, 200};
     const ITCFilewaveParameters file{wave.data(), 4};
-    InstallSum(0, 2);
-    ASSERT_EQ(ITCAddFilewaveParams(0, &file), ITC_SUCCESS);
-    ASSERT_EQ(ITCAddPulseParams(0, &kStep), ITC_SUCCESS);
+    ASSERT_EQ(
+        Results({InstallSum(0, 2), ITCAddFilewaveParams(0, &file), ITCAddPulseParams(0, &kStep)}),
+        Results(3));
     ExpectSum(ITC_SUCCESS, {101, 102, 153, 154, 150, 150, 150, 150, 100, 100});
-    InstallSum(0, 2);
-    ASSERT_EQ(ITCAddPulseParams(0, &kStep), ITC_SUCCESS);
-    ASSERT_EQ(ITCAddFilewaveParams(0, &file), ITC_SUCCESS);
+    ASSERT_EQ(
+        Results({InstallSum(0, 2), ITCAddPulseParams(0, &kStep), ITCAddFilewaveParams(0, &file)}),
+        Results(3));
     ExpectSum(ITC_SUCCESS, again);
     EXPECT_EQ(Played(kPoints), again);
 }
@@ -92,12 +93,10 @@ TEST_F(SumAndUpdateTest, UpdatesInterleaveEveryEntryAndWrap) {
     const ITCSegmentedNoiseParameters noise{5000, 0, 3, 10, 0, 0, 1, {}};
     const Samples wave = {9, 8}, risen = {7, 7, 7, 107, 207, 307, 407, 507, 7, 7};
     const ITCFilewaveParameters file{wave.data(), 2};
-    InstallSum(0, 2);
-    ASSERT_EQ(ITCAddPulseParams(0, &high), ITC_SUCCESS);
-    ASSERT_EQ(ITCAddRampParams(0, &kRamp), ITC_SUCCESS);
-    ASSERT_EQ(ITCRampParams(1, &kRamp), ITC_SUCCESS);
-    ASSERT_EQ(ITCFilewaveParams(2, &file), ITC_SUCCESS);
-    ASSERT_EQ(ITCSegmentedNoiseParams(3, &noise), ITC_SUCCESS);
+    ASSERT_EQ(Results({InstallSum(0, 2), ITCAddPulseParams(0, &high), ITCAddRampParams(0, &kRamp),
+                       ITCRampParams(1, &kRamp), ITCFilewaveParams(2, &file),
+                       ITCSegmentedNoiseParams(3, &noise)}),
+              Results(6));
     const Samples all = Played(4 * kPoints);
     for (size_t p = 0; p < kPoints; ++p) {
         EXPECT_EQ(all[4 * p], (risen[p] + (p >= 2 && p < 8 ? 65300 : 0)) % 65536) << p;
@@ -114,21 +113,17 @@ TEST_F(SumAndUpdateTest, WhatCannotBeComputedLeavesTheOutput) {
     const Samples wave(11, 1);
     const ITCFilewaveParameters file{wave.data(), 11};
     const ITCSpatialStmParameters spatial{11, {}};
-    const ITCGenericParameters generic{5, 1, 6, 2, 2, {}};
     ExpectRefused(ITCFilewaveParams(0, &file));
     ExpectRefused(ITCSpatialParams(0, &spatial));
-    ExpectRefused(ITCGenericParams(&generic));
-    // Runs that fill the epoch in sum, with one of them negative.
-    for (const auto& [pre, points, tail] :
-         {std::array{-5, 15, 0}, {0, 15, -5}, {INT32_MAX, INT32_MAX, 12}, {-3, 10, 3}}) {
-        const ITCPulseParameters pulse{5, 1, points, tail, pre, {}};
-        const ITCSegmentedNoiseParameters segments{5, 1, 1, points, tail, pre, 1, {}};
-        const ITCBinaryNoiseParameters binary{5, 1, 1, points, tail, pre, 1, {}};
-        const ITCNoiseParameters noise{5, 1, 1, points, tail, pre, 0, 100, 1};
-        ExpectRefused(ITCPulseParams(0, &pulse));
-        ExpectRefused(ITCSegmentedNoiseParams(0, &segments));
-        ExpectRefused(ITCBinaryNoiseParams(0, &binary));
-        ExpectRefused(ITCNoiseParams(0, &noise));
+    // Lengths that fill the epoch in sum, with one of them negative.
+    for (const Stimulus& stimulus : kStimuli) {
+        for (const Lengths& lengths :
+             {Lengths{15, 0, -5}, Lengths{15, -5, 0}, Lengths{INT32_MAX, 12, INT32_MAX}}) {
+            Record record(stimulus, lengths);
+            if (*stimulus.lengths == '\0') continue;
+            if (*stimulus.lengths == '4') record.words[6] = 1;  // points of a segment
+            ExpectRefused(stimulus.build(0, record.words));
+        }
     }
     // Noise that lays no sample outside: no whole segment, or the last one cut off.
     const ITCSegmentedNoiseParameters none{5, 7, 1, 5, 6, -1, 10, {}};
@@ -150,16 +145,10 @@ TEST_F(SumAndUpdateTest, WhatCannotBeComputedLeavesTheOutput) {
 TEST_F(SumAndUpdateTest, TheOutputBufferIsNotExceeded) {
     const ITCGClampParameters clamp{};
     for (int32_t c = 0; c < 4; ++c) ASSERT_EQ(ITCGClampParams(c, &clamp, 6), ITC_SUCCESS);
-    for (const auto& [entries, points, result] : {std::array{4, 17, 2},
-                                                  {1, 65, 2},
-                                                  {4, 1 << 30, 2},
-                                                  {5, 1, 2},
-                                                  {-1, 10, 2},
-                                                  {49152, 1, 2},
-                                                  {INT32_MIN, 1, 2},
-                                                  {0, 10, 0},
-                                                  {4, -1, 5},
-                                                  {4, INT32_MIN, 5}}) {
+    using Case = std::array<int32_t, 3>;
+    for (const auto& [entries, points, result] :
+         {Case{4, 17, 2}, Case{1, 65, 2}, Case{4, 1 << 30, 2}, Case{5, 1, 2}, Case{-1, 10, 2},
+          Case{49152, 1, 2}, Case{INT32_MIN, 1, 2}, Case{0, 10, 0}, Case{4, -1, 5}}) {
         epochhdr->sequenceLength = entries;
         epochhdr->epochPoints = points;
         Played(0, result);

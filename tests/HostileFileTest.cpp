@@ -48,44 +48,38 @@ std::vector<Damage> Damages() {
     const Bytes minusOne = Hex("FFFFFFFF"), most = Hex("7FFFFFFF"), least = Hex("80000000");
     const Bytes noiseBefore = Hex("00000005 00000000 00000001 000003EC 00000000 FFFFFC18 00000001");
     const Bytes withoutBytes = Join({Big32(256), Bytes(256, 5)});
-    std::vector<Damage> damages = {
-        {"none", {}, 0, 0, 0},
-        {"count 257", {{kCount, Big32(257)}}, 7, 7, 7},
-        {"count 256 of type 0", {{kCount, Big32(256)}}, 7, 7, 7},
-        {"count 256 of file waves", {{kCount, withoutBytes}}, 0, 0, 0},
-        {"most components", {{kCount, most}}, 7, 7, 7},
-        {"count -1, nothing to sum", {{kCount, minusOne}}, 0, 0, 0},
-        {"a sum in the sum", {{kComponentTypes, {7}}}, 7, 7, 7},
-        {"component of type 15", {{kComponentTypes + 1, {15}}}, 7, 7, 7},
-        {"component of type -1", {{kComponentTypes + 1, {0xFF}}}, 7, 7, 7},
-        {"stimulus of type 0", {{kTypes, {0}}}, 7, 7, 7},
-        {"stimulus of type 15", {{kTypes, {15}}}, 7, 7, 7},
-        {"stimulus of type -1", {{kTypes, {0xFF}}}, 7, 7, 7},
-        {"5 entries", {{kEntries, Big32(5)}}, 7, 7, 7},
-        {"2 entries, the second of type 0", {{kEntries, Big32(2)}}, 7, 7, 7},
-        {"more samples than the file", {{kPoints, Big32(100)}}, 0, 7, 0},
-        {"more samples than the buffers", {{kPoints, Big32(1001)}}, 0, 4, 4},
-        {"2^32 samples",
-         {{kPoints, Big32(1U << 30)}, {kEntries, Big32(4)}, {kTypes, Bytes(4, 5)}},
-         0,
-         4,
-         4},
-        {"most points of no entry", {{kPoints, most}, {kEntries, Big32(0)}}, 0, 0, 0},
-        {"component longer than the epoch", {{kComponents + 8, Big32(1000)}}, 0, 0, 2},
-        {"longest component", {{kComponents + 8, most}}, 0, 0, 2},
-        {"noise before the buffer", {{kTypes, {9}}, {kCount, noiseBefore}}, 0, 0, 2},
-        {"epoch beyond the file", {{kTable, Hex("FFFFFF00")}}, 7, 7, 7},
-        {"epoch at the end of the file", {{kTable, Big32(kTable)}}, 7, 7, 7}};
-    for (const uint8_t type : Bytes{7, 11, 2, 14}) {
-        for (const Bytes& negative : {minusOne, least}) {
-            const int32_t clamp = type == 11 ? 7 : 0;
-            damages.push_back(
-                {"negative points", {{kPoints, negative}, {kTypes, {type}}}, clamp, 7, 7});
-            damages.push_back(
-                {"negative entries", {{kEntries, negative}, {kTypes, {type}}}, 0, 7, 7});
-        }
-    }
-    return damages;
+    return {{"none", {}, 0, 0, 0},
+            {"count 257", {{kCount, Big32(257)}}, 7, 7, 7},
+            {"count 256 of type 0", {{kCount, Big32(256)}}, 7, 7, 7},
+            {"count 256 of file waves", {{kCount, withoutBytes}}, 0, 0, 0},
+            {"most components", {{kCount, most}}, 7, 7, 7},
+            {"count -1, nothing to sum", {{kCount, minusOne}}, 0, 0, 0},
+            {"a sum in the sum", {{kComponentTypes, {7}}}, 7, 7, 7},
+            {"component of type 15", {{kComponentTypes + 1, {15}}}, 7, 7, 7},
+            {"component of type -1", {{kComponentTypes + 1, {0xFF}}}, 7, 7, 7},
+            {"stimulus of type 0", {{kTypes, {0}}}, 7, 7, 7},
+            {"stimulus of type 15", {{kTypes, {15}}}, 7, 7, 7},
+            {"stimulus of type -1", {{kTypes, {0xFF}}}, 7, 7, 7},
+            {"5 entries", {{kEntries, Big32(5)}}, 7, 7, 7},
+            {"2 entries, the second of type 0", {{kEntries, Big32(2)}}, 7, 7, 7},
+            {"more samples than the file", {{kPoints, Big32(100)}}, 0, 7, 0},
+            {"more samples than the buffers", {{kPoints, Big32(1001)}}, 0, 4, 4},
+            {"2^32 samples",
+             {{kPoints, Big32(1U << 30)}, {kEntries, Big32(4)}, {kTypes, Bytes(4, 5)}},
+             0,
+             4,
+             4},
+            {"most points of no entry", {{kPoints, most}, {kEntries, Big32(0)}}, 0, 0, 0},
+            {"component longer than the epoch", {{kComponents + 8, Big32(1000)}}, 0, 0, 2},
+            {"longest component", {{kComponents + 8, most}}, 0, 0, 2},
+            {"noise before the buffer", {{kTypes, {9}}, {kCount, noiseBefore}}, 0, 0, 2},
+            {"epoch beyond the file", {{kTable, Hex("FFFFFF00")}}, 7, 7, 7},
+            {"epoch at the end of the file", {{kTable, Big32(kTable)}}, 7, 7, 7},
+            {"negative points", {{kPoints, minusOne}}, 0, 7, 7},
+            {"fewest points", {{kPoints, least}}, 0, 7, 7},
+            {"negative points of conductances", {{kPoints, minusOne}, {kTypes, {11}}}, 7, 7, 7},
+            {"negative entries", {{kEntries, minusOne}}, 0, 7, 7},
+            {"fewest entries", {{kEntries, least}}, 0, 7, 7}};
 }
 
 TEST_F(HostileFile, EveryDamageHasItsResult) {
@@ -99,7 +93,7 @@ TEST_F(HostileFile, EveryDamageHasItsResult) {
         EXPECT_EQ(Results({ITCEpochParameters(0), ITCRetrieveEpoch(0), ITCRetrieveEpochStm(0)}),
                   Results({damage.parameters, damage.samples, damage.stimulus}));
         const Samples untouched(1000, 0xABCD);
-        EXPECT_TRUE(damage.stimulus == ITC_SUCCESS || session.output == untouched);
+        EXPECT_TRUE(damage.stimulus == 0 || session.output == untouched);
         EXPECT_TRUE(damage.parameters == 0 || session.input == untouched);
         FreeChannels();
     }
@@ -107,10 +101,8 @@ TEST_F(HostileFile, EveryDamageHasItsResult) {
 
 // With the table in front, every cut falls into the epoch.
 TEST_F(HostileFile, ACutEpochIsAFileError) {
-    Bytes file = First(SumFileBytes(), kTable);
-    Put(file, 540, Big32(580));
-    const Bytes place = Big32(584);
-    file.insert(file.begin() + 580, place.begin(), place.end());
+    const Bytes sound = SumFileBytes(), epoch(sound.begin() + 580, sound.begin() + kTable);
+    const Bytes file = Join({FileHeaderBytes(8, 1, 580), Big32(584), epoch});
     for (size_t size = 584; size <= file.size(); size += size + 40 < file.size() ? 13 : 1) {
         Open(First(file, size));
         EXPECT_EQ(ITCRetrieveEpoch(0), size < file.size() ? ITC_FILE_ERROR : ITC_SUCCESS) << size;

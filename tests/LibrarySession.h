@@ -76,8 +76,7 @@ class TemporaryFolder {
   public:
     TemporaryFolder() {
         std::string name = (std::filesystem::temp_directory_path() / "corvantis-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr) ADD_FAILURE() << "no temporary folder";
-        path = name;
+        path = mkdtemp(name.data());
     }
     ~TemporaryFolder() { std::filesystem::remove_all(path); }
     std::string File(const std::string& name) const { return (path / name).string(); }

@@ -141,14 +141,10 @@ TEST_F(SlotsTest, RecordsOfTheApplication) {
 TEST_F(SlotsTest, LatencyOfTheDynamicClamp) {
     const char* const tooShort = " must be greater than pipeline-length (5l)\n";
     const char* const tooLong = " is too large; should be no more than 65535\n";
-    for (const auto& [latency, lines] : {std::pair{6, ""},
-                                         {65535, ""},
-                                         {-1, ""},
-                                         {INT32_MIN, ""},
-                                         {5, tooShort},
-                                         {0, tooShort},
-                                         {65536, tooLong},
-                                         {INT32_MAX, tooLong}}) {
+    using Case = std::pair<int32_t, const char*>;
+    for (const auto& [latency, lines] :
+         {Case(6, ""), Case(65535, ""), Case(-1, ""), Case(INT32_MIN, ""), Case(5, tooShort),
+          Case(0, tooShort), Case(65536, tooLong), Case(INT32_MAX, tooLong)}) {
         epochhdr->pointsLatency = 9;
         const ITCGClampParameters clamp{1, 2};
         QuietOutput printed;

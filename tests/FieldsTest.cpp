@@ -191,21 +191,6 @@ TEST_F(Fields, StimulusRecordsAreCopiedByTheByte) {
     }
 }
 
-// As in a program that has just loaded the library, and after an ending.
-TEST(FieldsWithoutASession, AreThoseOfBlankHeaders) {
-    filehdr = nullptr;
-    epochhdr = nullptr;
-    for (const bool ended : {false, true}) {
-        if (ended) LibrarySession();
-        InitFlag = ended ? 1 : 0;
-        EXPECT_EQ(ITCGetNumEpochs() + ITCGetSegments(), 0);
-        EXPECT_STREQ(ITCWriteFileCom("file"), "file");
-        EXPECT_STREQ(ITCWriteOutputUnits("pA", 3), ITCGetOutputUnits(3));
-        uint8_t byte = 0xA5;
-        EXPECT_EQ(*static_cast<uint8_t*>(ITCGetStimParams(0, &byte, 1)), 0xA5);
-    }
-}
-
 constexpr Getter kValues[] = {Get<ITCGetStmAmp>,     Get<ITCGetStmMean>,   Get<ITCGetStmPts>,
                               Get<ITCGetStmTailPts>, Get<ITCGetStmPrePts>, Get<ITCGetSeed>};
 constexpr auto kQueries = {ITCRetrieveStmAmp, ITCRetrieveStmMean, ITCRetrieveStmPts,

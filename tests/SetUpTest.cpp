@@ -140,6 +140,8 @@ TEST_F(SetUpTest, SecondStarts) {
 
 TEST_F(SetUpTest, NothingWorksWithoutAStart) {
     InitFlag = 0;
+    filehdr = nullptr;  // as in a program that has just loaded the library
+    epochhdr = nullptr;
     for (const bool ended : {false, true}) {
         uint32_t size = 0;
         int32_t value = 0;
@@ -154,15 +156,20 @@ TEST_F(SetUpTest, NothingWorksWithoutAStart) {
         for (const Stimulus& stimulus : kStimuli)
             for (const auto give : {stimulus.build, stimulus.add})
                 EXPECT_EQ(give == nullptr ? 1 : give(0, Record(stimulus).words), ITC_NOT_STARTED);
-        EXPECT_EQ(ITCFreeParams(0), ITC_SUCCESS);
+        EXPECT_EQ(Results({ITCFreeParams(0), ITCGetNumEpochs(), ITCGetSegments()}), Results(3));
+        EXPECT_STREQ(ITCWriteFileCom("file"), "file") << "headers are blank, but there";
+        EXPECT_STREQ(ITCWriteOutputUnits("pA", 3), ITCGetOutputUnits(3));
+        EXPECT_EQ(ITCGetStimParams(0, nullptr, 1), nullptr);
         if (!ended) ASSERT_EQ(Results({Start(), ITCFinish()}), Results(2));
     }
     Drop(ITCbufsize, itc);
     // The buffers of the ended session may be gone by now.
     Fail(ITC18Simulator_CallOpen, 99);
     EXPECT_EQ(Start(), ITC_NOT_STARTED);
-    epochhdr->sequenceLength = epochhdr->epochPoints = 1;
-    EXPECT_EQ(ITCUpdateStm(), ITC_STIMULUS_ERROR);
+    epochhdr->sequenceLength = epochhdr->epochPoints = *ITCbufsize = 1;
+    const ITCSpatialStmParameters spatial{1, {}};
+    EXPECT_EQ(Results({ITCSpatialParams(0, &spatial), ITCUpdateStm()}), Results({0, 2}));
+    ITCFreeParams(0);
 }
 
 // Inputs, outputs, the result, and length and words in the header. Good sequences reach the device;

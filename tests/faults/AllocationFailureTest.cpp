@@ -109,6 +109,23 @@ TEST(AllocationFailure, CostsARecordingNoEpochThatWasSaved) {
     }
 }
 
+// The place of an epoch that its table had no room for goes to the next one. A file wave counts 8
+// bytes that are not written, so that this is not where the file ends.
+TEST(AllocationFailure, OfTheTableLeavesTheNextEpochItsPlace) {
+    const TemporaryFolder folder;
+    const LibrarySession session(4);
+    const QuietOutput quiet;
+    SetUpAcquisition(1, 4);
+    const ITCFilewaveParameters wave{session.inputBuffer, 4};
+    EXPECT_EQ(Results({ITCFilewaveParams(0, &wave), ITCCreateFile(folder.File("x").c_str(), 1),
+                       ITCSaveToFile(), ITCSaveToFile()}),
+              Results(4));
+    const auto save = [] { EXPECT_EQ(ITCSaveToFile(), ITC_OUT_OF_MEMORY); };
+    EXPECT_TRUE(FailsAllocation(1, save));
+    EXPECT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+    EXPECT_EQ(EpochPosition[3], 580 + 2 * (912 + 8 + 8));
+}
+
 TEST(AllocationFailure, GivesADocumentedCodeWhileReading) {
     const TemporaryFolder folder;
     const std::string path = folder.File("data.itc");

@@ -51,10 +51,6 @@ void Expect(Getter get, int32_t epoch, int32_t index, int32_t component, Value v
 
 class Fields : public RecordingTest {
   protected:
-    void OpenEpochs(const std::vector<Bytes>& epochs) const {
-        WriteFile(path, DataFileBytes(epochs));
-        ASSERT_EQ(Open(), ITC_SUCCESS);
-    }
     // Of the first epoch; the second one cannot be read whole.
     static void ExpectReads(Getter get, int32_t index, Value value, int failure, int unreadable,
                             int notStarted) {
@@ -144,7 +140,7 @@ TEST_F(Fields, AreStoredAtTheirPlaceAndDelivered) {
         }
     }
     expected[605] = 14;
-    OpenEpochs({Join({expected, Bytes(20)}), expected});
+    Open(DataFileBytes({Join({expected, Bytes(20)}), expected}));
     for (const FieldCase& field : kFields) {
         for (const int32_t i : {0, field.count - 1, field.count, -1, INT32_MIN, INT32_MAX}) {
             const bool inside = field.count == 1 || (i >= 0 && i < field.count);
@@ -207,8 +203,8 @@ TEST_F(Fields, ValuesOfEveryStimulus) {
             fields = Join({fields, Big32(i)});
         const Bytes types(255, static_cast<uint8_t>(type));
         const Bytes header = EpochHeaderBytes(100, 0, {types[0], 7});
-        OpenEpochs(
-            {Join({header, fields, Big32(1), types, Hex("80"), Bytes(1024), fields}), header});
+        const Bytes sum = Join({Big32(1), types, Hex("80"), Bytes(1024)});
+        Open(DataFileBytes({Join({header, fields, sum, fields}), header}));
         for (size_t v = 0; v < std::size(kValues); ++v) {
             const char field = v < 5 ? stimulus.fields[v] : type == 2 ? '3' : '-';
             const auto number = std::string("0123456789ABC").find(field);
@@ -250,7 +246,7 @@ TEST_F(Fields, ChannelsThatTheSequenceHasNot) {
         SetUpPulseEpoch(2);
         Bytes epoch = PulseEpochBytes({1, 2, 3, 4});
         Put(epoch, 606, {type, 0x80, 7});
-        OpenEpochs({epoch});
+        Open(DataFileBytes({epoch}));
         Expect(Get<ITCGetStmType>, 0, 1, 0, type, 0);
         Expect(Get<ITCGetStmType>, 0, 2, 0, -128, 0);
         Expect(Get<ITCGetStmType>, 0, 3, 0, {}, ITC_STIMULUS_ERROR);
@@ -271,7 +267,7 @@ TEST_F(Fields, ChannelsOfSequenceWords) {
     std::vector<Bytes> epochs;
     for (uint32_t code = 0; code < 128; ++code)
         epochs.push_back(SequenceEpoch(2, {code << 7, code << 7 | 0xFFFFC07F}));
-    OpenEpochs(epochs);
+    Open(DataFileBytes(epochs));
     for (const int32_t entry : {0, 1, 4, -1}) {
         for (int32_t code = 0; code < 128; ++code) {
             const bool inside = entry == 0 || entry == 1;
@@ -293,7 +289,7 @@ TEST_F(Fields, EntriesOfChannels) {
           Case{SequenceEpoch(2, {0x7F, 0xC07F, 0, 0}), {}, {}, {}},
           Case{SequenceEpoch(4, {0x02, 0x04, 0x40, 0xFFFFFF80}), 0, 2, {}},
           Case{SequenceEpoch(0, {0, 0}), {}, {}, {}}, Case{SequenceEpoch(-1, {0x7F}), 0, 0, 0}}) {
-        OpenEpochs({epoch});
+        Open(DataFileBytes({epoch}));
         Expect(Get<ITCGetSegmentForOutputChan>, 0, 0, 0, output0, 6);
         Expect(Get<ITCGetSegmentForOutputChan>, 0, 3, 0, others, 6);
         Expect(Get<ITCGetSegmentForInputChan>, 0, 0, 0, input0, 6);

@@ -29,12 +29,6 @@ Bytes SumFileBytes() {
 class HostileFile : public RecordingTest {
   protected:
     HostileFile() : RecordingTest(1000) {}
-    void Open(const Bytes& bytes) const {
-        WriteFile(path, bytes);
-        ITCCloseFile();
-        ASSERT_EQ(RecordingTest::Open(), ITC_SUCCESS);
-    }
-
     const QuietOutput quiet;
 };
 
@@ -119,6 +113,11 @@ TEST_F(HostileFile, SlotsNeverKeepAFreedRecord) {
     EXPECT_EQ(StmParameters[0], nullptr);
     epochhdr->stimType[0] = 7;  // the stream stands at the samples: too few bytes for a sum
     EXPECT_EQ(ITCReadStmParams(0), ITC_FILE_ERROR);
+    Bytes file = SumFileBytes();
+    Put(file, kCount, Join({Big32(257), Bytes(256, 5)}));
+    Open(file);
+    EXPECT_EQ(ITCEpochParameters(0), ITC_FILE_ERROR);
+    EXPECT_EQ(*static_cast<int32_t*>(StmParameters[0]), 0) << "components of a sum too long";
 }
 
 // An epoch replaces all four type bytes, but only the records of its own entries.

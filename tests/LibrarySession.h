@@ -84,16 +84,4 @@ class TemporaryFolder {
     std::filesystem::path path;
 };
 
-// A started library, and a folder with the one file of the test.
-class RecordingTest : public testing::Test {
-  protected:
-    explicit RecordingTest(int32_t capacity = 65536) : session(capacity) {}
-    int32_t Create() const { return ITCCreateFile(path.c_str(), 1); }
-    int32_t Open() const { return ITCOpenFile(path.c_str()); }
-
-    LibrarySession session;
-    const TemporaryFolder folder;
-    const std::string path = folder.File("data.itc");
-};
-
 }  // namespace corvantis_test

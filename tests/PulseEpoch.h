@@ -13,6 +13,23 @@
 
 namespace corvantis_test {
 
+// A started library, and a folder with the one file of the test.
+class RecordingTest : public testing::Test {
+  protected:
+    explicit RecordingTest(int32_t capacity = 65536) : session(capacity) {}
+    int32_t Create() const { return ITCCreateFile(path.c_str(), 1); }
+    int32_t Open() const { return ITCOpenFile(path.c_str()); }
+    void Open(const Bytes& file) const {
+        WriteFile(path, file);
+        ITCCloseFile();
+        ASSERT_EQ(Open(), ITC_SUCCESS);
+    }
+
+    LibrarySession session;
+    const TemporaryFolder folder;
+    const std::string path = folder.File("data.itc");
+};
+
 constexpr int32_t kPulseEpochPoints = 4;
 constexpr ITCPulseParameters kPulse = {1000, -5, 2, 1, 1, {}};
 

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Corvantis.h"
@@ -127,7 +128,12 @@ TEST_F(SavingUnderDifficulties, AFailedSaveIsCountedAndSparesItsNeighbours) {
         [] { ITCFreeParams(1); }, [] { epochhdr->stimType[1] = 0; },
         [] { epochhdr->stimType[1] = 15; }, [] { EXPECT_EQ(InstallSum(1, 2), 0); }};
     const std::function<void()> looks[] = {
-        [] { ITCRetrieveEpoch(0); }, [] { ITCRetrieveEpochStm(1); }, [] { ITCReadStmParams(0); }};
+        [] { ITCRetrieveEpoch(0); }, [] { ITCRetrieveEpochStm(1); }, [] { ITCReadStmParams(0); },
+        [] {
+            const uint32_t place = std::exchange(EpochPosition[0], 1 << 30);
+            ITCEpochParameters(0);
+            EpochPosition[0] = place;
+        }};
     int32_t epoch = 0;
     std::vector<int32_t> expected;
     for (const auto& spoil : spoilers) {

@@ -60,7 +60,7 @@ TEST_F(SetUpTest, StartsSetTheDefaults) {
         InitializationTime = 12345;
         if (device == 0) itc = nullptr;
         ASSERT_EQ(device ? Start() : ITCInitAnalysis(&input, &output, &capacity), ITC_SUCCESS);
-        EXPECT_TRUE(device ? InitializationTime - now < 60U : InitializationTime == 12345);
+        EXPECT_TRUE(device ? InitializationTime >= now : InitializationTime == 12345);
         EXPECT_EQ(Image(*epochhdr), Image(epoch));
         EXPECT_TRUE(filehdr->version == 8 * device && EpochPosition[0] == 580 && InitFlag == 1);
         EXPECT_TRUE(*ITCbufsize == capacity && ITCbufsize != &capacity);

@@ -71,8 +71,8 @@ TEST_F(SlotsTest, BuildersKeepACopyThatFillsTheEpoch) {
             const bool noise = stimulus.type == 2 || stimulus.type == 9 || stimulus.type == 10;
             if (stimulus.type == 7) continue;
             EXPECT_EQ(ITCNewRandomSeed(-9, slot, 9), noise ? ITC_SUCCESS : ITC_STIMULUS_ERROR);
-            if (noise)
-                EXPECT_EQ(std::exchange(static_cast<int32_t*>(StmParameters[slot])[2], 46), -9);
+            auto* const words = static_cast<int32_t*>(StmParameters[slot]);
+            EXPECT_EQ(noise ? std::exchange(words[2], 46) : -9, -9);
             EXPECT_TRUE(IsCopy(stimulus, StmParameters[slot], kFitting));
         }
     }

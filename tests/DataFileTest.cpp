@@ -1,6 +1,7 @@
-// Creating, finding, opening and closing the data file.
+// Creating, opening and closing the data file, and what a saved epoch adds to it, byte by byte.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -12,6 +13,7 @@
 #include "FileBytes.h"
 #include "LibrarySession.h"
 #include "PulseEpoch.h"
+#include "StimulusRecords.h"
 
 namespace {
 
@@ -19,112 +21,67 @@ using namespace corvantis_test;
 
 using DataFile = RecordingTest;
 
+// The first match of a pattern, or the pattern itself; a tilde only once the file is there.
 TEST_F(DataFile, IsCreatedWithItsHeaderAndOverwrittenOnlyOnRequest) {
-    EXPECT_EQ(ITCCreateFile(path.c_str(), 0), ITC_SUCCESS);
-    EXPECT_EQ(ITCCloseFile(), 0);
-    EXPECT_EQ(FileContent(path), FileHeaderBytes(8, 0, 0));
-    const Bytes precious = Text("a year of work", 2000);
-    WriteFile(path, precious);
-    EXPECT_EQ(ITCCreateFile(path.c_str(), 0), ITC_FILE_ERROR);
-    EXPECT_EQ(FileContent(path), precious);
-    EXPECT_EQ(ITCCloseFile(), -1);
-    EXPECT_EQ(ITCCreateFile(path.c_str(), 1), ITC_SUCCESS);
-    EXPECT_EQ(ITCCloseFile(), 0);
-    EXPECT_EQ(FileContent(path), FileHeaderBytes(8, 0, 0));
-}
-
-TEST_F(DataFile, TakesTheFirstMatchOfAPatternOrThePatternItself) {
-    for (const char* name : {"c.itc", "b.itc", "a.dat"}) WriteFile(folder.File(name), Bytes(3));
-    EXPECT_EQ(ITCCreateFile(folder.File("*.itc").c_str(), 1), ITC_SUCCESS);
-    EXPECT_EQ(ITCCloseFile(), 0);
-    EXPECT_EQ(FileContent(folder.File("b.itc")).size(), 580);
-    EXPECT_EQ(FileContent(folder.File("c.itc")), Bytes(3));
-    EXPECT_EQ(ITCCreateFile(folder.File("?.itc").c_str(), 0), ITC_FILE_ERROR);
-    EXPECT_EQ(ITCCreateFile(folder.File("run*").c_str(), 0), ITC_SUCCESS);
-    EXPECT_EQ(ITCCloseFile(), 0);
-    EXPECT_EQ(FileContent(folder.File("run*")).size(), 580);
-}
-
-// A tilde stands for the home folder only once the file is there.
-TEST_F(DataFile, HomeFolderOfExistingFilesOnly) {
-    const char* const home = std::getenv("HOME");
-    const std::string formerHome = home == nullptr ? "/" : home;
+    const std::string home = std::getenv("HOME") == nullptr ? "/" : std::getenv("HOME");
     setenv("HOME", folder.path.c_str(), 1);
-    WriteFile(path, PulseFileBytes());
-    EXPECT_EQ(ITCOpenFile("~/data.itc"), ITC_SUCCESS);
-    EXPECT_EQ(ITCCloseFile(), 0);
-    EXPECT_EQ(ITCCreateFile("~/new.itc", 0), ITC_FILE_ERROR);
-    EXPECT_FALSE(std::filesystem::exists(folder.File("new.itc")));
-    setenv("HOME", formerHome.c_str(), 1);
-}
-
-struct OpeningCase {
-    const char* name;
-    Bytes file;
-    int32_t result;
-    std::vector<uint32_t> positions;  // of a loaded table
-};
-
-std::vector<OpeningCase> OpeningCases() {
-    const auto twoEpochs = [](uint8_t version) {
-        return Join({FileHeaderBytes(version, 2, 580), Big32(580), Big32(0x89ABCDEF)});
-    };
-    const auto table = [](uint32_t epochs, uint32_t position) {
-        return Join({FileHeaderBytes(8, epochs, position), Big32(580)});
-    };
-    const std::vector<uint32_t> two = {580, 0x89ABCDEF};
-    const Bytes emptyFile = FileHeaderBytes(8, 0, 580);
-    return {
-        {"no bytes", {}, ITC_FILE_ERROR, {}},
-        {"one byte short", Bytes(emptyFile.begin(), emptyFile.end() - 1), ITC_FILE_ERROR, {}},
-        {"no epochs", emptyFile, ITC_SUCCESS, {}},
-        {"no epochs, table anywhere", FileHeaderBytes(8, 0, 0xFFFFFFF0), ITC_SUCCESS, {}},
-        {"version 8", twoEpochs(8), ITC_SUCCESS, two},
-        {"version 1", twoEpochs(1), ITC_SUCCESS, two},
-        {"version 9", twoEpochs(9), ITC_VERSION_TOO_NEW, two},
-        {"version 127", twoEpochs(127), ITC_VERSION_TOO_NEW, two},
-        {"version -128", twoEpochs(0x80), ITC_SUCCESS, two},
-        {"table with an epoch too few", table(2, 580), ITC_FILE_ERROR, {580}},
-        {"table cut", table(1, 582), ITC_FILE_ERROR, {}},
-        {"table at the end", table(1, 584), ITC_FILE_ERROR, {}},
-        {"table beyond the file", table(1, 0xFFFFFFF0), ITC_FILE_ERROR, {}},
-        {"-1 epochs", table(0xFFFFFFFF, 580), ITC_FILE_ERROR, {}},
-        {"fewest epochs", table(0x80000000, 580), ITC_FILE_ERROR, {}},
-        {"most epochs", table(0x7FFFFFFF, 580), ITC_FILE_ERROR, {580}},
-        {"epochs whose table wraps to 4 bytes", table(0x40000001, 580), ITC_FILE_ERROR, {}},
-    };
+    const Bytes precious = Text("a year of work", 2000), blank = FileHeaderBytes(8, 0, 0);
+    for (const char* name : {"b.itc", "c.itc", "a.dat"}) WriteFile(folder.File(name), precious);
+    using Case = std::tuple<std::string, int32_t, bool, const char*>;
+    for (const auto& [pattern, overwrite, done, name] :
+         {Case("b.itc", 0, false, "b.itc"), Case("~/b.itc", 0, false, "b.itc"),
+          Case("*.itc", 1, true, "b.itc"), Case("?.dat", 0, false, "a.dat"),
+          Case("run*", 0, true, "run*"), Case("~/c.itc", 1, true, "c.itc"),
+          Case("~/new.itc", 0, false, "new.itc")}) {
+        const std::string full = pattern[0] == '~' ? pattern : folder.File(pattern);
+        EXPECT_EQ(ITCCreateFile(full.c_str(), overwrite), done ? 0 : 7) << pattern;
+        EXPECT_EQ(ITCCloseFile(), done ? 0 : -1);
+        EXPECT_EQ(FileContent(folder.File(name)) == blank, done) << pattern;
+    }
+    EXPECT_EQ(FileContent(folder.File("a.dat")), precious);
+    setenv("HOME", home.c_str(), 1);
 }
 
 TEST_F(DataFile, OpensWithItsTableOrNotAtAll) {
-    for (const OpeningCase& each : OpeningCases()) {
-        SCOPED_TRACE(each.name);
-        WriteFile(path, each.file);
-        EXPECT_EQ(Open(), each.result);
-        for (size_t i = 0; i < each.positions.size(); ++i) {
-            EXPECT_EQ(EpochPosition[i], each.positions[i]);
-        }
-        EXPECT_EQ(ITCRetrieveEpoch(0), ITC_FILE_ERROR);
-        EXPECT_EQ(ITCCloseFile(), 0);
-        EXPECT_EQ(FileContent(path), each.file);
+    // Version, epochs, table position and size of the file; the result, and entries that are
+    // loaded.
+    using Case = std::tuple<uint8_t, uint32_t, uint32_t, size_t, int32_t, size_t>;
+    const uint32_t table[] = {580, 0x89ABCDEF};
+    for (const auto& [version, epochs, position, size, result, entries] :
+         {Case(8, 0, 580, 0, 7, 0), Case(8, 0, 580, 579, 7, 0), Case(8, 0, 580, 580, 0, 0),
+          Case(8, 0, 0xFFFFFFF0, 580, 0, 0), Case(8, 2, 580, 588, 0, 2), Case(1, 2, 580, 588, 0, 2),
+          Case(9, 2, 580, 588, 9, 2), Case(127, 2, 580, 588, 9, 2), Case(0x80, 2, 580, 588, 0, 2),
+          Case(8, 3, 580, 588, 7, 2), Case(8, 2, 580, 587, 7, 1), Case(8, 1, 588, 588, 7, 0),
+          Case(8, 1, 0xFFFFFFF0, 588, 7, 0), Case(8, 0xFFFFFFFF, 580, 588, 7, 0),
+          Case(8, 0x80000000, 580, 588, 7, 0), Case(8, 0x7FFFFFFF, 580, 588, 7, 2),
+          Case(8, 0x40000002, 580, 588, 7, 2)}) {
+        SCOPED_TRACE(testing::Message() << int{version} << " " << epochs << " " << position);
+        const Bytes header = FileHeaderBytes(version, epochs, position);
+        const Bytes file = First(Join({header, Big32(table[0]), Big32(table[1])}), size);
+        WriteFile(path, file);
+        EXPECT_EQ(Open(), result);
+        EXPECT_TRUE(std::equal(table, table + entries, EpochPosition));
+        EXPECT_EQ(Results({ITCRetrieveEpoch(0), ITCCloseFile()}), Results({7, 0}));
+        EXPECT_EQ(FileContent(path), file);
     }
 }
 
+// Emptied by being opened for edit. Without a name, the open file is left alone.
 TEST_F(DataFile, OpenedForEditIsEmptyAndTakesEpochs) {
     WriteFile(path, PulseFileBytes());
     SetUpPulseEpoch();
     EXPECT_EQ(ITCOpenFileForEdit(path.c_str()), ITC_FILE_ERROR);
     EXPECT_EQ(FileContent(path), Bytes());
-    EXPECT_EQ(ITCSaveToFile(), ITC_SUCCESS);
-    EXPECT_EQ(ITCOpenFileForEdit(nullptr), ITC_FILE_ERROR) << "leaves the open file alone";
-    EXPECT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+    EXPECT_EQ(Results({ITCSaveToFile(), ITCOpenFileForEdit(nullptr), ITCSaveToFile()}),
+              Results({0, 7, 0}));
     const Bytes epoch = PulseEpochBytes({0, 0, 0, 0});
     EXPECT_EQ(FileContent(path),
               Join({FileHeaderBytes(8, 2, 2484), epoch, epoch, Big32(580), Big32(1532)}));
 }
 
-// The count goes on from the file that was looked at. Positions that its table lacks are where the
-// new file ends, and so begins.
-TEST_F(DataFile, TakesEpochsAfterALookAtAnotherFile) {
+// The count goes on from the file that was looked at, or that is left behind open. Positions that
+// its table lacks are where the new file ends, and so begins.
+TEST_F(DataFile, TakesEpochsAfterAnother) {
     const std::string other = folder.File("other.itc");
     const Bytes epoch = PulseEpochBytes({0, 0, 0, 0}), place = Big32(580);
     const Bytes countTooHigh = Join({FileHeaderBytes(8, 2, 580), place});
@@ -134,64 +91,94 @@ TEST_F(DataFile, TakesEpochsAfterALookAtAnotherFile) {
                                                 {Bytes{}, ITC_FILE_ERROR, 0U}}) {
         filehdr->numEpochs = 0;
         WriteFile(other, looked);
-        EXPECT_EQ(ITCOpenFile(other.c_str()), opened);
-        EXPECT_EQ(ITCCloseFile(), 0);
+        EXPECT_EQ(Results({ITCOpenFile(other.c_str()), ITCCloseFile()}), Results({opened, 0}));
         SetUpPulseEpoch();
-        ASSERT_EQ(Create(), ITC_SUCCESS);
-        EXPECT_EQ(ITCSaveToFile(), ITC_SUCCESS);
-        EXPECT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+        ASSERT_EQ(Results({Create(), ITCSaveToFile(), ITCSaveToFile()}), Results(3));
         Bytes expected = Join({FileHeaderBytes(8, count + 2, 2484), epoch, epoch});
         for (uint32_t i = 0; i <= count; ++i) expected = Join({expected, place});
         EXPECT_EQ(FileContent(path), Join({expected, Big32(1532)}));
-        EXPECT_EQ(ITCCloseFile(), 0);
+        FILE* const left = ITCOpenFilePtr;
         ASSERT_EQ(Open(), ITC_SUCCESS);
+        EXPECT_NE(ITCOpenFilePtr, left);
         EXPECT_EQ(ITCRetrieveEpoch(static_cast<int32_t>(count) + 1), ITC_SUCCESS);
-        EXPECT_EQ(ITCCloseFile(), 0);
+        EXPECT_EQ(fclose(left), 0);
     }
 }
 
-TEST_F(DataFile, IsLeftBehindOpenWhenAnotherIsOpened) {
-    SetUpPulseEpoch();
-    ASSERT_EQ(ITCCreateFile(folder.File("first.itc").c_str(), 0), ITC_SUCCESS);
-    ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);
-    FILE* first = ITCOpenFilePtr;
-    // The count and positions of the first file go on; the epoch itself stands at 580.
-    ASSERT_EQ(Create(), ITC_SUCCESS);
-    EXPECT_NE(ITCOpenFilePtr, first);
-    EXPECT_EQ(ITCSaveToFile(), ITC_SUCCESS);
-    EXPECT_EQ(ITCCloseFile(), 0);
-    EXPECT_EQ(FileContent(path), Join({FileHeaderBytes(8, 2, 1532), PulseEpochBytes({0, 0, 0, 0}),
-                                       Big32(580), Big32(1532)}));
-    EXPECT_EQ(fclose(first), 0);
-}
-
-void ExpectNoEpoch(int32_t epoch) {
-    EXPECT_EQ(ITCEpochParameters(epoch), ITC_FILE_ERROR) << epoch;
-    EXPECT_EQ(ITCRetrieveEpoch(epoch), ITC_FILE_ERROR) << epoch;
-    EXPECT_EQ(ITCRetrieveEpochStm(epoch), ITC_FILE_ERROR) << epoch;
-    EXPECT_EQ(ITCRetrieveEpochStmGClamp(epoch, 0), ITC_FILE_ERROR) << epoch;
-}
-
 TEST_F(DataFile, EpochsOutsideItsTableAndClosedFiles) {
+    const auto expectNoEpoch = [](int32_t epoch) {
+        EXPECT_EQ(Results({ITCEpochParameters(epoch), ITCRetrieveEpoch(epoch),
+                           ITCRetrieveEpochStm(epoch), ITCRetrieveEpochStmGClamp(epoch, 0)}),
+                  Results(4, ITC_FILE_ERROR));
+    };
     SetUpPulseEpoch();
-    ASSERT_EQ(Create(), ITC_SUCCESS);
-    ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);
-    for (const int32_t epoch : {-1, 1, 2, INT32_MAX, INT32_MIN}) ExpectNoEpoch(epoch);
-    EXPECT_EQ(ITCEpochParameters(0), ITC_SUCCESS);
-    const FILE* stream = ITCOpenFilePtr;
-    EXPECT_EQ(ITCCloseFile(), 0);
-    EXPECT_EQ(ITCCloseFile(), -1);
+    ASSERT_EQ(Results({Create(), ITCSaveToFile()}), Results(2));
+    EpochPosition[1] = 580;  // the next one's, not yet in the file
+    for (const int32_t epoch : {-1, 1, 2, INT32_MAX, INT32_MIN}) expectNoEpoch(epoch);
+    const FILE* const stream = ITCOpenFilePtr;
+    EXPECT_EQ(Results({ITCEpochParameters(0), ITCCloseFile(), ITCCloseFile()}),
+              Results({0, 0, -1}));
     EXPECT_EQ(ITCOpenFilePtr, stream);
+    expectNoEpoch(0);
     uint32_t size = 0;
-    ExpectNoEpoch(0);
-    EXPECT_EQ(ITCSaveToFile(), ITC_FILE_ERROR);
-    EXPECT_EQ(ITCWriteStmParams(0, &size), ITC_FILE_ERROR);
-    EXPECT_EQ(ITCReadStmParams(0), ITC_FILE_ERROR);
-    epochhdr->stimType[0] = 15;
-    EXPECT_EQ(ITCWriteStmParams(0, &size), ITC_STIMULUS_ERROR);
-    EXPECT_EQ(ITCReadStmParams(0), ITC_STIMULUS_ERROR);
-    EXPECT_EQ(filehdr->numEpochs, 1);
-    EXPECT_EQ(FileContent(path).size(), 1536);
+    for (const int8_t type : {3, 15}) {
+        const int32_t result = type == 3 ? ITC_FILE_ERROR : ITC_STIMULUS_ERROR;
+        epochhdr->stimType[0] = type;
+        EXPECT_EQ(Results({ITCWriteStmParams(0, &size), ITCReadStmParams(0)}), Results(2, result));
+    }
+}
+
+TEST_F(DataFile, EpochsAreAppendedWithTheTableBehindThem) {
+    ASSERT_EQ(Create(), ITC_SUCCESS);
+    EXPECT_EQ(ftell(ITCOpenFilePtr), 580);
+    const Samples first{1, 0xFFFE, 3, 0x8000}, second{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+    SetUpPulseEpoch();
+    std::copy(first.begin(), first.end(), session.input.begin());
+    ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);  // flushed: complete without a close
+    EXPECT_EQ(FileContent(path),
+              Join({FileHeaderBytes(8, 1, 1532), PulseEpochBytes(first), Big32(580)}));
+    SetUpPulseEpoch(3);
+    std::copy(second.begin(), second.end(), session.input.begin());
+    ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);  // 912 + 3 * 32 + 24 bytes
+    EXPECT_EQ(FileContent(path), Join({FileHeaderBytes(8, 2, 2564), PulseEpochBytes(first),
+                                       PulseEpochBytes(second), Big32(580), Big32(1532)}));
+    EXPECT_EQ(ftell(ITCOpenFilePtr), 2564);
+    EXPECT_EQ(EpochPosition[2], 2564);
+}
+
+// Types 5 and 8 take no bytes on file but count all the same, so later epochs are recorded beyond
+// their real start; the conductances of a dynamic clamp follow it, but not within a sum.
+TEST_F(DataFile, CountsEveryStimulusTypesBytes) {
+    constexpr uint32_t kPoints = 1000;
+    std::vector<float> conductance(kPoints, 1.0F);
+    ExcitatoryG = InhibitoryG = conductance.data();
+    for (const Stimulus& stimulus : kStimuli) {
+        for (const bool inSum : {false, true}) {
+            if (inSum && stimulus.add == nullptr) continue;
+            SCOPED_TRACE(testing::Message() << int{stimulus.type} << " " << inSum);
+            filehdr->numEpochs = 0;
+            ASSERT_EQ(Create(), ITC_SUCCESS);
+            SetUpAcquisition(1, kPoints);
+            Record record(stimulus);
+            ASSERT_EQ(inSum ? InstallSum(0, 2) : stimulus.build(0, record.words), ITC_SUCCESS);
+            if (stimulus.type == 7) InstallSum(0, 0);
+            for (int i = 0; inSum && i < 2; ++i) ASSERT_EQ(stimulus.add(0, record.words), 0);
+            const QuietOutput quiet;
+            for (int i = 0; i < 2; ++i) ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+            const uint32_t conductances = stimulus.type == 11 && !inSum ? 8 * kPoints : 0;
+            const uint32_t other = 912 + 2 * kPoints + (inSum ? 1284 : 0) + conductances;
+            const uint32_t counted = other + (inSum ? 2 : 1) * stimulus.size;
+            const uint32_t onFile = stimulus.type == 5 || stimulus.type == 8 ? other : counted;
+            EXPECT_EQ(EpochPosition[2], 580 + 2 * counted);
+            const Bytes file = FileContent(path);
+            ASSERT_EQ(file.size(), 580 + 2 * onFile + 8);
+            const Bytes table = Join({Big32(580), Big32(580 + counted)});
+            EXPECT_EQ(Bytes(file.end() - 8, file.end()), table);
+            EXPECT_TRUE(Word(file, 536) == 2 && Word(file, 540) == 580 + 2 * onFile);
+            EXPECT_EQ(Word(file, 580 + onFile + 576), kPoints);
+        }
+    }
+    ExcitatoryG = InhibitoryG = nullptr;
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <initializer_list>
 #include <iterator>
 #include <memory>
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,18 +26,12 @@ std::vector<Value> First(const std::vector<Value>& values, size_t count) {
 }
 
 // Two hexadecimal digits a byte; blanks may stand between bytes.
-inline Bytes Hex(std::string_view digits) {
+inline Bytes Hex(const std::string& digits) {
     Bytes bytes;
-    for (size_t i = 0; i + 1 < digits.size(); ++i) {
-        if (digits[i] == ' ') continue;
-        bytes.push_back(
-            static_cast<uint8_t>(std::stoi(std::string(digits.substr(i++, 2)), {}, 16)));
-    }
+    for (size_t i = 0; i + 1 < digits.size(); ++i)
+        if (digits[i] != ' ')
+            bytes.push_back(static_cast<uint8_t>(std::stoi(digits.substr(i++, 2), {}, 16)));
     return bytes;
-}
-
-inline Bytes Big16(uint32_t value) {
-    return {static_cast<uint8_t>(value >> 8), static_cast<uint8_t>(value)};
 }
 
 inline Bytes Big32(uint32_t value) {
@@ -68,21 +63,16 @@ inline Bytes Text(std::string_view text, size_t size) {
 
 inline Bytes BigSamples(const Samples& samples) {
     Bytes bytes;
-    for (uint16_t sample : samples) {
-        for (uint8_t byte : Big16(sample)) bytes.push_back(byte);
-    }
+    for (const uint16_t sample : samples)
+        for (const int shift : {8, 0}) bytes.push_back(sample >> shift & 0xFF);
     return bytes;
 }
 
 // The header that a started library gives to its files.
 inline Bytes FileHeaderBytes(uint8_t version, uint32_t numEpochs, uint32_t tablePosition) {
-    return Join({{version},
-                 Bytes(519),
-                 Hex("01 02 0000 45480000 45480000 05 000000"),
-                 Big32(numEpochs),
-                 Big32(tablePosition),
-                 Hex("00000000 02 01 00 00 00000000"),
-                 Bytes(24)});
+    const Bytes defaults = Hex("01 02 0000 45480000 45480000 05 000000");
+    const Bytes counts = Join({Big32(numEpochs), Big32(tablePosition)});
+    return Join({{version}, Bytes(519), defaults, counts, Hex("00000000 02 01"), Bytes(30)});
 }
 
 // A header with nothing but an acquisition in it, of the first entries of "0123"/"0123".
@@ -96,29 +86,20 @@ inline Bytes EpochHeaderBytes(uint32_t interval, uint32_t points, const Bytes& t
     return bytes;
 }
 
-struct CloseStream {
-    void operator()(FILE* stream) const { fclose(stream); }
-};
-using Stream = std::unique_ptr<FILE, CloseStream>;
+using Stream = std::unique_ptr<FILE, int (*)(FILE*)>;
 
 // A temporary file on disk, so that seeking behaves as in a data file, positioned at its start.
 inline Stream StreamOver(const Bytes& bytes = {}) {
-    Stream stream(std::tmpfile());
-    if (!stream) ADD_FAILURE() << "no temporary file";
-    for (const uint8_t byte : bytes) fputc(byte, stream.get());
+    Stream stream(std::tmpfile(), fclose);
+    fwrite(bytes.data(), 1, bytes.size(), stream.get());
     rewind(stream.get());
     return stream;
 }
 
-// A stream that refuses every byte.
-inline Stream RefusingStream() { return Stream(fopen("/dev/null", "rb")); }
-
 inline Bytes Content(FILE* stream) {
     Bytes bytes;
     rewind(stream);
-    for (int byte = fgetc(stream); byte != EOF; byte = fgetc(stream)) {
-        bytes.push_back(static_cast<uint8_t>(byte));
-    }
+    for (int byte = fgetc(stream); byte != EOF; byte = fgetc(stream)) bytes.push_back(byte & 0xFF);
     return bytes;
 }
 
@@ -128,26 +109,17 @@ inline Bytes FileContent(const std::string& path) {
 }
 
 inline void WriteFile(const std::string& path, const Bytes& bytes) {
-    std::ofstream file(path, std::ios::binary);
-    file.write(reinterpret_cast<const char*>(bytes.data()),
-               static_cast<std::streamsize>(bytes.size()));
+    const std::string content(bytes.begin(), bytes.end());
+    std::ofstream(path, std::ios::binary) << content;
 }
 
-// Marsaglia's xorshift: the same numbers on every host.
-class PseudoRandom {
-  public:
-    uint32_t Next() {
-        state ^= state << 13;
-        state ^= state >> 17;
-        return state ^= state << 5;
-    }
+// The same numbers on every host.
+struct PseudoRandom : std::mt19937 {
+    uint32_t Next() { return static_cast<uint32_t>((*this)()); }
     template <class Container>
     void Fill(Container& values) {
-        for (auto& value : values) value = static_cast<std::decay_t<decltype(value)>>(Next());
+        for (auto& value : values) value = static_cast<std::decay_t<decltype(value)>>((*this)());
     }
-
-  private:
-    uint32_t state = 2463534242U;
 };
 
 }  // namespace corvantis_test

@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "Corvantis.h"
 #include "FileBytes.h"
@@ -19,6 +19,11 @@ class RecordingTest : public testing::Test {
     explicit RecordingTest(int32_t capacity = 65536) : session(capacity) {}
     int32_t Create() const { return ITCCreateFile(path.c_str(), 1); }
     int32_t Open() const { return ITCOpenFile(path.c_str()); }
+    void Open(const Bytes& file) const {
+        WriteFile(path, file);
+        ITCCloseFile();
+        ASSERT_EQ(Open(), ITC_SUCCESS);
+    }
 
     LibrarySession session;
     const TemporaryFolder folder;
@@ -44,10 +49,6 @@ inline void SetUpPulseEpoch(int32_t entries = 1) {
     for (int32_t i = 0; i < entries; ++i) ASSERT_EQ(ITCPulseParams(i, &kPulse), 0);
 }
 
-inline void Acquire(LibrarySession& session, const Samples& samples) {
-    std::copy(samples.begin(), samples.end(), session.input.begin());
-}
-
 // 912 + 32 * entries + 2 * samples bytes.
 inline Bytes PulseEpochBytes(const Samples& samples) {
     const auto entries = static_cast<uint32_t>(samples.size() / kPulseEpochPoints);
@@ -56,9 +57,22 @@ inline Bytes PulseEpochBytes(const Samples& samples) {
     return Join({epoch, BigSamples(samples)});
 }
 
+// The header, the epochs one behind the other, and the table of their positions.
+inline Bytes DataFileBytes(const std::vector<Bytes>& epochs, uint8_t version = 8) {
+    Bytes file(580), table;
+    for (const Bytes& epoch : epochs) {
+        table = Join({table, Big32(static_cast<uint32_t>(file.size()))});
+        file = Join({file, epoch});
+    }
+    Put(file, 0,
+        FileHeaderBytes(version, static_cast<uint32_t>(epochs.size()),
+                        static_cast<uint32_t>(file.size())));
+    return Join({file, table});
+}
+
 // A file of one epoch of one entry: header, epoch of 952 bytes at 580, table at 1532.
 inline Bytes PulseFileBytes(uint8_t version = 8) {
-    return Join({FileHeaderBytes(version, 1, 1532), PulseEpochBytes({1, 2, 3, 4}), Big32(580)});
+    return DataFileBytes({PulseEpochBytes({1, 2, 3, 4})}, version);
 }
 
 }  // namespace corvantis_test

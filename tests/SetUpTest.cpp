@@ -1,11 +1,12 @@
-// Start-up, ending and re-start of the library, with every driver call made to fail.
+// Start-up, ending and re-start of the library, and the set-up of an acquisition.
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <cstring>
 #include <ctime>
-#include <functional>
+#include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "Corvantis.h"
@@ -17,26 +18,27 @@ namespace {
 
 using namespace corvantis_test;
 
-constexpr char kAllLines[] = "opening\ninitializing\nitc18\nsetting defaults\n";
-
 ITC18Simulator_State Device() {
     ITC18Simulator_State state{};
     EXPECT_EQ(ITC18Simulator_GetState(0, &state), 0);
     return state;
 }
 
-int32_t AnySize() {
-    uint32_t size = 0;
-    return ITCStmParamsSize(&size, 1);
+void Fail(int32_t call, int32_t result) { EXPECT_EQ(ITC18Simulator_FailCall(call, result), 0); }
+
+std::string Image(const ITCEpochHeader& header) {
+    return {reinterpret_cast<const char*>(&header), sizeof header};
 }
 
 // Buffers for a start-up by hand; no interface is open when a test begins or ends.
 class SetUpTest : public testing::Test {
   protected:
     SetUpTest() { ITC18Simulator_Reset(); }
-    ~SetUpTest() override { ITC18Simulator_Reset(); }
-    static void Fail(int32_t call, int32_t result = 99) {
-        ASSERT_EQ(ITC18Simulator_FailCall(call, result), 0);
+    ~SetUpTest() override {
+        EXPECT_EQ(ITCFinish(), ITC_SUCCESS);
+        EXPECT_EQ(Device().open, 0);
+        Drop(ITCbufsize, itc);
+        ITC18Simulator_Reset();
     }
     int32_t Start(int32_t deviceNumber = 0) {
         QuietOutput printed;
@@ -44,114 +46,70 @@ class SetUpTest : public testing::Test {
         lines = printed.Text();
         return result;
     }
-    template <class... Block>
-    static void Drop(Block*&... block) {
-        (ITCFree(block), ...);
-        ((block = nullptr), ...);
-    }
-    static void End() {
-        EXPECT_EQ(ITCFinish(), ITC_SUCCESS);
-        EXPECT_EQ(Device().open, 0);
-        Drop(ITCbufsize, itc);
-    }
-    // What a start-up that failed too early for an ending has taken.
-    static void DropBlocks() { Drop(epochhdr, filehdr, EpochPosition, ITCbufsize, itc); }
 
     uint16_t samples[16] = {};
-    uint16_t* input = samples;
-    uint16_t* output = samples + 8;
+    uint16_t *input = samples, *output = samples + 8;
     int32_t capacity = 8;
     std::string lines;
 };
 
-TEST_F(SetUpTest, StartSetsTheDefaults) {
-    const auto before = static_cast<int32_t>(std::time(nullptr));
-    ASSERT_EQ(Start(), ITC_SUCCESS);
-    EXPECT_EQ(lines, kAllLines);
-    EXPECT_EQ(InitFlag, 1);
-    EXPECT_GE(InitializationTime, before);
-    EXPECT_LE(InitializationTime, static_cast<int32_t>(std::time(nullptr)));
+TEST_F(SetUpTest, StartsSetTheDefaults) {
+    const auto now = static_cast<int32_t>(std::time(nullptr));
     ITCEpochHeader epoch{};
-    epoch.sequenceLength = 1;
-    epoch.channelSequence[0] = 0xC000;
-    EXPECT_EQ(std::memcmp(epochhdr, &epoch, sizeof(epoch)), 0);
-    EXPECT_EQ(EpochPosition[0], 580U);
-    EXPECT_EQ(*ITCbufsize, capacity);
-    EXPECT_NE(ITCbufsize, &capacity);
-    EXPECT_EQ(ITCInputBuffer, &input);
-    EXPECT_EQ(ITCOutputBuffer, &output);
-    EXPECT_EQ(Device().interval, 10);
-    EXPECT_EQ(Device().sequenceLength, 1);
-    EXPECT_EQ(Device().sequence[0], 0xC000U);
-    EXPECT_EQ(Device().prepared, 0);
-    End();
-    EXPECT_EQ(InitFlag, 1);
+    for (const int32_t device : {0, 1}) {
+        InitializationTime = 12345;
+        if (device == 0) itc = nullptr;
+        ASSERT_EQ(device ? Start() : ITCInitAnalysis(&input, &output, &capacity), ITC_SUCCESS);
+        EXPECT_TRUE(device ? InitializationTime >= now : InitializationTime == 12345);
+        EXPECT_EQ(Image(*epochhdr), Image(epoch));
+        EXPECT_TRUE(filehdr->version == 8 * device && EpochPosition[0] == 580 && InitFlag == 1);
+        EXPECT_TRUE(*ITCbufsize == capacity && ITCbufsize != &capacity);
+        EXPECT_TRUE(ITCInputBuffer == &input && ITCOutputBuffer == &output);
+        const int32_t refused = device ? ITC_SUCCESS : ITC_NOT_STARTED;
+        EXPECT_EQ(Results({ITCQuickReInit(0), ITCSetSeq("0", "0")}), Results({refused, refused}));
+        EXPECT_EQ(ITCInitAcq(), device ? ITC_TOO_LARGE : ITC_NOT_STARTED) << "no interval";
+        EXPECT_EQ(device == 0 ? ITCFinish() : ITC_SUCCESS, ITC_SUCCESS);
+        epoch.sequenceLength = 1;
+        epoch.channelSequence[0] = 0xC000;
+    }
 }
 
-struct Fault {
-    int32_t call;
-    const char* lines;
-    bool started;
-};
-const Fault kFaults[] = {{ITC18Simulator_CallOpen, "opening\n", false},
-                         {ITC18Simulator_CallInitialize, "opening\ninitializing\nitc18\n", true},
-                         {ITC18Simulator_CallSetSamplingInterval, kAllLines, true},
-                         {ITC18Simulator_CallSetSequence, kAllLines, true}};
-
-TEST_F(SetUpTest, AFailingDeviceStopsTheStart) {
-    for (const Fault& fault : kFaults) {
+// How far each failing call of the device lets a start-up come, and a quick restart after it.
+TEST_F(SetUpTest, AFailingDeviceStopsAStartUntilItWorks) {
+    const std::string all = "opening\ninitializing\nitc18\nsetting defaults\n";
+    for (const auto& [call, printed] :
+         {std::pair{ITC18Simulator_CallOpen, size_t{8}},
+          std::pair{ITC18Simulator_CallInitialize, size_t{27}},
+          std::pair{ITC18Simulator_CallSetSamplingInterval, all.size()},
+          std::pair{ITC18Simulator_CallSetSequence, all.size()}}) {
         InitFlag = 0;
-        Fail(fault.call);
-        EXPECT_EQ(Start(), ITC_NOT_STARTED) << fault.call;
-        EXPECT_EQ(lines, fault.lines);
-        EXPECT_EQ(InitFlag, fault.started ? 1 : 0);
-        EXPECT_EQ(filehdr->version, 8);
-        EXPECT_EQ(AnySize(), fault.started ? ITC_SUCCESS : ITC_NOT_STARTED);
-        EXPECT_EQ(Device().open, fault.started ? 1 : 0);
-        Fail(fault.call, 0);
-        EXPECT_EQ(ITCQuickReInit(0), ITC_SUCCESS) << "goes on where the device stopped";
-        EXPECT_EQ(InitFlag, 1);
-        EXPECT_EQ(EpochPosition[0], 580U);
-        EXPECT_EQ(filehdr->inputScale, 3200.0F);
-        EXPECT_EQ(Device().open, 1);
-        End();
+        Fail(call, 99);
+        EXPECT_EQ(Results({Start(), ITCQuickReInit(0)}), Results({1, 1})) << call;
+        EXPECT_EQ(lines, all.substr(0, printed));
+        EXPECT_EQ(InitFlag, call == ITC18Simulator_CallOpen ? 0 : 1);
+        EXPECT_EQ(Device().open, InitFlag);
+        Fail(call, 0);
+        EXPECT_EQ(ITCQuickReInit(0), ITC_SUCCESS);
+        EXPECT_TRUE(InitFlag == 1 && Device().open == 1 && Device().interval == 10);
+        EXPECT_TRUE(filehdr->inputScale == 3200.0F && EpochPosition[0] == 580U);
+        EXPECT_EQ(ITCFinish(), ITC_SUCCESS);
+        Drop(ITCbufsize, itc);
     }
-    InitFlag = 0;
-    EXPECT_EQ(Start(77), ITC_NOT_STARTED) << "there is no such interface";
-    DropBlocks();
     Fail(ITC18Simulator_CallGetStructureSize, -1);
     EXPECT_EQ(Start(), ITC_OUT_OF_MEMORY);
-    EXPECT_EQ(lines, "");
-    EXPECT_EQ(InitFlag, 0);
-}
-
-TEST_F(SetUpTest, ASecondStartForgetsTheFirstAndTakesTheInterfaceOver) {
-    ASSERT_EQ(Start(), ITC_SUCCESS);
-    filehdr->numEpochs = 5;
-    epochhdr->epochTime = 5;
-    const ITCPulseParameters pulse{};
-    ASSERT_EQ(ITCPulseParams(2, &pulse), ITC_SUCCESS);
-    void* const forgotten[] = {StmParameters[2], epochhdr, filehdr, EpochPosition, ITCbufsize, itc};
-    ASSERT_EQ(Start(), ITC_SUCCESS);
-    EXPECT_EQ(filehdr->numEpochs, 0);
-    EXPECT_EQ(epochhdr->epochTime, 0);
-    EXPECT_EQ(StmParameters[2], nullptr);
-    for (void* const block : forgotten) ITCFree(block);
-    ASSERT_EQ(ITCSetAcqParams(100, 8, 0, 0), ITC_SUCCESS);
-    EXPECT_EQ(ITCInitAcq(), ITC_SUCCESS);
-    End();
+    Fail(ITC18Simulator_CallGetStructureSize, 0);
+    EXPECT_EQ(Results({Start(77), Start()}), Results({1, 0})) << "there is no such interface";
 }
 
 // The device fails while an experiment runs: that goes on, and acquires again after a quick
-// restart.
-TEST_F(SetUpTest, AFailedSecondStartLeavesTheFirstToGoOn) {
-    ASSERT_EQ(Start(), ITC_SUCCESS);
+// restart, which keeps everything but the device's state. A start that succeeds forgets it.
+TEST_F(SetUpTest, SecondStarts) {
+    ASSERT_EQ(Results({Start(), ITCSetSeq("1", "2"), ITCSetAcqParams(100, 8, 3, 4)}), Results(3));
     const ITCPulseParameters pulse{7, 0, 8, 0, 0, {}};
-    ASSERT_EQ(ITCSetAcqParams(100, 8, 0, 0), ITC_SUCCESS);
     ASSERT_EQ(ITCPulseParams(0, &pulse), ITC_SUCCESS);
     filehdr->numEpochs = 5;
-    void* const forgotten[] = {epochhdr, filehdr, EpochPosition, ITCbufsize, itc};
-    Fail(ITC18Simulator_CallOpen);
+    std::vector<void*> forgotten = {epochhdr, filehdr, EpochPosition, ITCbufsize, itc};
+    Fail(ITC18Simulator_CallOpen, 99);
     capacity = 3;
     EXPECT_EQ(Start(), ITC_NOT_STARTED);
     Fail(ITC18Simulator_CallOpen, 0);
@@ -159,108 +117,124 @@ TEST_F(SetUpTest, AFailedSecondStartLeavesTheFirstToGoOn) {
         samples[15] = 0;
         const QuietOutput quiet;
         EXPECT_EQ(ITCUpdateStm(), ITC_SUCCESS);
-        EXPECT_EQ(samples[15], 7);
-        EXPECT_EQ(filehdr->numEpochs, 5);
+        EXPECT_TRUE(samples[15] == 7 && filehdr->numEpochs == 5);
         EXPECT_EQ(ITCInitAcq(), restarted ? ITC_SUCCESS : ITC_NOT_STARTED);
         EXPECT_EQ(ITCQuickReInit(0), ITC_SUCCESS);
+        EXPECT_TRUE(epochhdr->samplingInterval == 100 && Device().interval == 10);
     }
-    ITCFreeParams(0);
-    End();
+    Fail(ITC18Simulator_CallOpen, 99);
+    EXPECT_EQ(ITCQuickReInit(0), ITC_NOT_STARTED);
+    EXPECT_EQ(Device().open, 0) << "the old interface was let go";
+    Fail(ITC18Simulator_CallOpen, 0);
+    Fail(ITC18Simulator_CallClose, 99);
+    EXPECT_EQ(ITCQuickReInit(0), ITC_SUCCESS) << "a refusal to close is ignored";
+    Fail(ITC18Simulator_CallClose, 0);
+    const std::initializer_list<void*> second = {epochhdr,   filehdr, EpochPosition,
+                                                 ITCbufsize, itc,     StmParameters[0]};
+    forgotten.insert(forgotten.end(), second);
+    ASSERT_EQ(Results({Start(), ITCInitAcq()}), Results({0, 4})) << "of an interval not set";
+    EXPECT_TRUE(filehdr->numEpochs == 0 && epochhdr->epochPoints == 0 && !StmParameters[0]);
+    EXPECT_EQ(Device().prepared, 1);
     for (void* const block : forgotten) ITCFree(block);
 }
 
-TEST_F(SetUpTest, QuickRestartKeepsEverythingButTheDevicesState) {
-    ASSERT_EQ(Start(), ITC_SUCCESS);
-    ASSERT_EQ(ITCSetSeq("12", "21"), ITC_SUCCESS);
-    ASSERT_EQ(ITCSetAcqParams(2000, 8, 3, 4), ITC_SUCCESS);
-    const ITCPulseParameters pulse{1, 2, 8, 0, 0, {}};
-    ASSERT_EQ(ITCPulseParams(2, &pulse), ITC_SUCCESS);
-    filehdr->numEpochs = 5;
-    const ITCEpochHeader* const header = epochhdr;
-    ASSERT_EQ(ITCQuickReInit(1), ITC_SUCCESS);
-    EXPECT_EQ(Device().open, 0) << "the old interface was let go";
-    Fail(ITC18Simulator_CallClose);
-    ASSERT_EQ(ITCQuickReInit(0), ITC_SUCCESS) << "a refusal to close is ignored";
-    EXPECT_EQ(Device().interval, 10);
-    EXPECT_EQ(epochhdr, header);
-    EXPECT_EQ(epochhdr->sequenceLength, 1);
-    EXPECT_EQ(epochhdr->samplingInterval, 2000);
-    EXPECT_EQ(filehdr->numEpochs, 5);
-    EXPECT_NE(StmParameters[2], nullptr);
-    for (const Fault& fault : kFaults) {
-        Fail(fault.call);
-        EXPECT_EQ(ITCQuickReInit(0), ITC_NOT_STARTED) << fault.call;
-        Fail(fault.call, 0);
-    }
-    EXPECT_EQ(ITCQuickReInit(0), ITC_SUCCESS);
-    ITCFreeParams(2);
-    End();
-}
-
-TEST_F(SetUpTest, AnalysisStartsWithoutDevice) {
-    itc = nullptr;  // no device of an earlier start-up
-    InitializationTime = 12345;
-    ASSERT_EQ(ITCInitAnalysis(&input, &output, &capacity), ITC_SUCCESS);
-    EXPECT_EQ(InitFlag, 1);
-    EXPECT_EQ(InitializationTime, 12345);
-    EXPECT_EQ(*ITCbufsize, capacity);
-    EXPECT_EQ(ITCInputBuffer, &input);
-    EXPECT_EQ(ITCOutputBuffer, &output);
-    EXPECT_EQ(filehdr->version, 0);
-    EXPECT_EQ(ITCCreateFile(TemporaryFolder().File("data.itc").c_str(), 0), ITC_SUCCESS);
-    EXPECT_EQ(ITCCloseFile(), 0);
-    EXPECT_EQ(filehdr->version, 8) << "no file without a version";
-    EXPECT_EQ(EpochPosition[0], 580U);
-    EXPECT_EQ(AnySize(), ITC_SUCCESS);
-    EXPECT_EQ(ITCQuickReInit(0), ITC_NOT_STARTED);
-    EXPECT_EQ(ITCSetSeq("0", "0"), ITC_NOT_STARTED);
-    EXPECT_EQ(ITCInitAcq(), ITC_NOT_STARTED);
-    End();
-}
-
 TEST_F(SetUpTest, NothingWorksWithoutAStart) {
-    uint32_t size = 0;
-    int32_t value = 0;
-    const std::vector<std::function<int32_t()>> calls = {
-        AnySize,
-        ITCInitAcq,
-        ITCUpdateStm,
-        ITCSaveToFile,
-        [] { return ITCSetSeq("0", "0"); },
-        [] { return ITCSetAcqParams(100, 1, 0, 0); },
-        [] { return ITCNewRandomSeed(1, 0, 0); },
-        [] { return ITCReadStmParams(0); },
-        [] { return ITCEpochParameters(0); },
-        [] { return ITCRetrieveEpoch(0); },
-        [] { return ITCRetrieveEpochStm(0); },
-        [] { return ITCRetrieveEpochStmGClamp(0, 0); },
-        [&] { return ITCWriteStmParams(0, &size); },
-        [&] { return ITCRetrieveRandomSeed(&value, 0); },
-        [&] { return ITCRetrieveStmAmp(&value, 11, nullptr); }};
-    const auto expectRefusals = [&](const char* when) {
-        for (size_t n = 0; n < calls.size(); ++n)
-            EXPECT_EQ(calls[n](), ITC_NOT_STARTED) << when << ", call " << n;
-        for (const Entry& builder : kBuilders) EXPECT_EQ(builder.give(0, {}), ITC_NOT_STARTED);
-        for (const Entry& adder : kAdders) EXPECT_EQ(adder.give(0, {}), ITC_NOT_STARTED);
-        EXPECT_EQ(ITCFreeParams(0), ITC_SUCCESS);
-        EXPECT_EQ(Device().open, 0);
-    };
     InitFlag = 0;
-    EXPECT_EQ(ITCFinish(), ITC_NOT_STARTED);
-    EXPECT_EQ(ITCQuickReInit(0), ITC_NOT_STARTED);
-    expectRefusals("before");
-    ASSERT_EQ(Start(), ITC_SUCCESS);
-    ASSERT_EQ(ITCFinish(), ITC_SUCCESS);
-    EXPECT_EQ(ITCFinish(), ITC_NOT_STARTED);
-    EXPECT_EQ(ITCQuickReInit(0), ITC_NOT_STARTED);
-    expectRefusals("after");
+    filehdr = nullptr;  // as in a program that has just loaded the library
+    epochhdr = nullptr;
+    for (const bool ended : {false, true}) {
+        uint32_t size = 0;
+        int32_t value = 0;
+        EXPECT_EQ(
+            Results({ITCFinish(), ITCInitAcq(), ITCUpdateStm(), ITCSaveToFile(), ITCQuickReInit(0),
+                     ITCStmParamsSize(&size, 1), ITCSetSeq("0", "0"), ITCSetAcqParams(100, 1, 0, 0),
+                     ITCNewRandomSeed(1, 0, 0), ITCReadStmParams(0), ITCEpochParameters(0),
+                     ITCRetrieveEpoch(0), ITCRetrieveEpochStm(0), ITCRetrieveEpochStmGClamp(0, 0),
+                     ITCWriteStmParams(0, &size), ITCRetrieveRandomSeed(&value, 0),
+                     ITCRetrieveStmAmp(&value, 11, nullptr)}),
+            Results(17, ITC_NOT_STARTED));
+        for (const Stimulus& stimulus : kStimuli)
+            for (const auto give : {stimulus.build, stimulus.add})
+                EXPECT_EQ(give == nullptr ? 1 : give(0, Record(stimulus).words), ITC_NOT_STARTED);
+        EXPECT_EQ(Results({ITCFreeParams(0), ITCGetNumEpochs(), ITCGetSegments()}), Results(3));
+        EXPECT_STREQ(ITCWriteFileCom("file"), "file") << "headers are blank, but there";
+        EXPECT_STREQ(ITCWriteOutputUnits("pA", 3), ITCGetOutputUnits(3));
+        EXPECT_EQ(ITCGetStimParams(0, nullptr, 1), nullptr);
+        ASSERT_EQ(ended ? Results(2) : Results({Start(), ITCFinish()}), Results(2));
+    }
     Drop(ITCbufsize, itc);
     // The buffers of the ended session may be gone by now.
-    Fail(ITC18Simulator_CallOpen);
+    Fail(ITC18Simulator_CallOpen, 99);
     EXPECT_EQ(Start(), ITC_NOT_STARTED);
-    epochhdr->sequenceLength = epochhdr->epochPoints = 1;
-    EXPECT_EQ(ITCUpdateStm(), ITC_STIMULUS_ERROR);
-    DropBlocks();
+    epochhdr->sequenceLength = epochhdr->epochPoints = *ITCbufsize = 1;
+    const ITCSpatialStmParameters spatial{1, {}};
+    EXPECT_EQ(Results({ITCSpatialParams(0, &spatial), ITCUpdateStm()}), Results({0, 2}));
+    ITCFreeParams(0);
+}
+
+// Inputs, outputs, the result, and length and words in the header. Good sequences reach the device;
+// of bad ones the length stays if it was right, and the words as far as they were written.
+TEST_F(SetUpTest, Sequences) {
+    ASSERT_EQ(Start(), ITC_SUCCESS);
+    for (const char* text : {"0 0 0 1 C000", "01 10 0 2 0800 C080", "D D 0 1 E400",
+                             "7654 3210 0 4 1B80 1300 0A80 C200", "D23 1D0 0 3 0C00 2100 C180",
+                             "01 0 6 2 0900 D180", "00000 00000 6 2 0900 D180", "8 0 6 1 0900 D180",
+                             "d 0 6 1 0900", "/ 0 6 1 0900", "\xB0 0 6 1 0900", "7 4 6 1 0380 D180",
+                             "5x7 000 6 3 0280 D180", "57D 3/0 6 3 1A80 0380"}) {
+        SCOPED_TRACE(text);
+        std::istringstream row(text);
+        std::string inputs, outputs;
+        int32_t result = 0, length = 0;
+        row >> inputs >> outputs >> result >> length >> std::hex;
+        ASSERT_EQ(ITCSetSeq("23", "12"), ITC_SUCCESS);
+        EXPECT_EQ(ITCSetSeq(inputs.c_str(), outputs.c_str()), result);
+        EXPECT_EQ(epochhdr->sequenceLength, length);
+        const auto state = Device();
+        EXPECT_EQ(state.sequenceLength, result == 0 ? length : 2);
+        uint32_t word = 0;
+        for (int i = 0; row >> word; ++i) {
+            EXPECT_EQ(epochhdr->channelSequence[i], word);
+            EXPECT_EQ(state.sequence[i], result == 0 ? word : i == 0 ? 0x900 : 0xD180);
+        }
+    }
+    EXPECT_EQ(ITCSetSeq("", ""), ITC_NOT_STARTED) << "no device holds 49152 entries";
+    EXPECT_EQ(epochhdr->sequenceLength, 49152);
+    for (uint32_t i = 0; i < 8; ++i) EXPECT_EQ(itcInputs16[i], 7 - i);
+    for (uint32_t i = 0; i < 4; ++i) EXPECT_EQ(itcOutputs16[i], 0x18 - i * 8);
+}
+
+TEST_F(SetUpTest, IntervalsAndLengths) {
+    ASSERT_EQ(Start(), ITC_SUCCESS);
+    using Case = std::tuple<const char*, int32_t, int32_t, int32_t>;
+    for (const auto& [entries, interval, points, result] :
+         {Case("0", 4, 8, 0), Case("0", 3, 8, 6), Case("0", 65535, 0, 0), Case("0", 65536, 0, 6),
+          Case("0", 9, 9, 6), Case("0", 9, INT32_MAX, 6), Case("0", 0, 1, 6), Case("01", 8, 8, 0),
+          Case("0", INT32_MIN, 1, 6), Case("01", 7, 1, 6), Case("01", 131071, 1, 0),
+          Case("01", 131072, 1, 6), Case("0123", 262143, 1, 0), Case("0123", 15, 1, 6)}) {
+        SCOPED_TRACE(testing::Message() << entries << " " << interval << " " << points);
+        ASSERT_EQ(Results({ITCSetSeq(entries, entries), ITCSetAcqParams(65500, 7, 1, 2)}),
+                  Results(2));
+        ITCEpochHeader expected = *epochhdr;
+        if (result == ITC_SUCCESS) {
+            expected.samplingInterval = interval;
+            expected.epochPoints = points;
+            expected.acqSettingA = -3;
+            expected.acqSettingB = 127;
+        }
+        EXPECT_EQ(ITCSetAcqParams(interval, points, -3, 127), result);
+        EXPECT_EQ(Image(*epochhdr), Image(expected));
+        EXPECT_EQ(ITCInitAcq(), ITC_SUCCESS);
+        EXPECT_EQ(Device().interval, expected.samplingInterval / expected.sequenceLength);
+    }
+    for (const auto& [length, interval] : {std::pair{1, 3}, {0, 100}, {-1, INT32_MIN}, {-1, 100}}) {
+        epochhdr->sequenceLength = length;
+        epochhdr->samplingInterval = interval;
+        QuietOutput printed;
+        EXPECT_EQ(Results({ITCSetAcqParams(interval, 1, 0, 0), ITCInitAcq()}), Results({6, 4}));
+        EXPECT_EQ(printed.Text(), "Fail-point (itc-code/ITCInitialize:436)\n");
+    }
+    Fail(ITC18Simulator_CallInitializeAcquisition, 7);
+    EXPECT_EQ(ITCInitAcq(), ITC_NOT_STARTED);
 }
 
 }  // namespace

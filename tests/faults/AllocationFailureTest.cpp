@@ -1,156 +1,191 @@
-// Memory runs out at every allocation in turn, of a recording and of a reading session: each call
-// gives a documented code, nothing that was saved is damaged, and no block is lost.
+// Memory: it runs out at every allocation in turn, of a recording and of a reading session, and
+// what a file can make the library take of it is bounded by the file's size.
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <algorithm>
-#include <array>
+#include <cstdlib>
+#include <set>
 #include <vector>
 
 #include "Corvantis.h"
-#include "FailingAllocations.h"
+#include "FileBytes.h"
 #include "LibrarySession.h"
+#include "PulseEpoch.h"
+
+namespace {
+
+int64_t failing = 0, asked = 0;
+int64_t live = 0, bytesInUse = 0, peakBytes = 0;
+
+}  // namespace
+
+// In place of the library's pair for this program. The allocation with the number `failing`,
+// counted from 1, fails.
+void* ITCMalloc(size_t /*count*/, size_t size) {
+    if (++asked == failing) return nullptr;
+    void* const block = std::malloc(size);
+    ++live;
+    bytesInUse += static_cast<int64_t>(malloc_usable_size(block));
+    peakBytes = std::max(peakBytes, bytesInUse);
+    return block;
+}
+int32_t ITCFree(void* block) {
+    if (block != nullptr) --live;
+    bytesInUse -= static_cast<int64_t>(malloc_usable_size(block));
+    std::free(block);
+    return ITC_SUCCESS;
+}
 
 namespace corvantis_test {
 namespace {
 
-constexpr int32_t kPoints = 32;
-constexpr int32_t kEpochs = 4;
-const ITCPulseParameters kPulse = {1000, 5, 16, 8, 8, {}};
+constexpr int32_t kPoints = 32, kEpochs = 4, kCapacity = 1000;
+const ITCPulseParameters kHalf = {1000, 5, 16, 8, 8, {}};
 const ITCNoiseParameters kNoise = {500, 5, 3, 16, 8, 8, 0, 1000, 1};
+const std::set<int32_t> kDocumented = {ITC_SUCCESS, ITC_STIMULUS_ERROR, ITC_OUT_OF_MEMORY,
+                                       ITC_FILE_ERROR};
 
-template <class... Block>
-void Drop(Block*&... block) {
-    (ITCFree(block), ...);
-    ((block = nullptr), ...);
+// Whether it came to the allocation that was to fail.
+template <class Call>
+bool FailsAllocation(int64_t number, Call call) {
+    failing = number;
+    asked = 0;
+    call();
+    failing = 0;
+    return asked >= number;
 }
 
-// A session that ends its library properly however far it came.
-class RecordingSession {
-  public:
-    RecordingSession() {
-        // An ending leaves them where they were.
-        epochhdr = nullptr;
-        filehdr = nullptr;
-        EpochPosition = nullptr;
-        ITCbufsize = nullptr;
-        const int32_t capacity = kPoints * 2;
-        result = ITCInit(&inputBuffer, &outputBuffer, &capacity, 0);
-    }
-    RecordingSession(const RecordingSession&) = delete;
-    RecordingSession& operator=(const RecordingSession&) = delete;
-    ~RecordingSession() {
-        ITCCloseFile();
-        FreeChannels();
-        // A start-up that failed leaves its blocks to whoever starts the program again.
-        if (ITCFinish() != ITC_SUCCESS) Drop(epochhdr, filehdr, EpochPosition);
-        Drop(ITCbufsize, itc);
-    }
-    int32_t result;
-
-  private:
-    std::array<uint16_t, kPoints* 2> input = {};
-    std::array<uint16_t, kPoints* 2> output = {};
-    uint16_t* inputBuffer = input.data();
-    uint16_t* outputBuffer = output.data();
-};
-
-void ExpectOneOf(int32_t result, std::initializer_list<int32_t> codes) {
-    EXPECT_NE(std::find(codes.begin(), codes.end(), result), codes.end()) << result;
-}
-
-int32_t BuildSum() {
-    const int32_t built = InstallSum(0, 2);
-    if (built != ITC_SUCCESS) return built;
-    const int32_t first = ITCAddPulseParams(0, &kPulse);
-    return first == ITC_SUCCESS ? ITCAddNoiseParams(0, &kNoise) : first;
-}
-
-// Records what it can into the file; returns the numbers of the epochs whose saving succeeded.
+// Records what it can; the numbers of the epochs whose saving succeeded, each in time and sample.
 std::vector<int32_t> RecordEpochs(const std::string& path) {
     std::vector<int32_t> saved;
-    const RecordingSession session;
-    ExpectOneOf(session.result, {ITC_SUCCESS, ITC_OUT_OF_MEMORY});
+    epochhdr = nullptr;  // an ending leaves them where they were
+    filehdr = nullptr;
+    EpochPosition = nullptr;
+    const LibrarySession session(2 * kPoints, true);
+    const QuietOutput quiet;
+    EXPECT_TRUE(session.result == ITC_SUCCESS || session.result == ITC_OUT_OF_MEMORY);
     if (session.result != ITC_SUCCESS) return saved;
-    EXPECT_EQ(ITCSetSeq("01", "01"), ITC_SUCCESS);
-    EXPECT_EQ(ITCSetAcqParams(200, kPoints, 0, 0), ITC_SUCCESS);
+    SetUpAcquisition(2, kPoints);
     EXPECT_EQ(ITCCreateFile(path.c_str(), 1), ITC_SUCCESS);
     for (int32_t epoch = 0; epoch < kEpochs; ++epoch) {
-        ExpectOneOf(BuildSum(), {ITC_SUCCESS, ITC_OUT_OF_MEMORY, ITC_STIMULUS_ERROR});
-        ExpectOneOf(ITCNoiseParams(1, &kNoise), {ITC_SUCCESS, ITC_OUT_OF_MEMORY});
-        ExpectOneOf(ITCUpdateStm(), {ITC_SUCCESS, ITC_STIMULUS_ERROR, ITC_OUT_OF_MEMORY});
+        const int32_t added = InstallSum(0, 2) == ITC_SUCCESS ? ITCAddPulseParams(0, &kHalf) : 0;
+        const auto* sum = static_cast<const ITCSummedParameters*>(StmParameters[0]);
+        EXPECT_TRUE(added != ITC_OUT_OF_MEMORY || sum->componentType[0] == 3) << "it has its type";
+        if (added == ITC_SUCCESS) ITCAddNoiseParams(0, &kNoise);
+        ITCNoiseParams(1, &kNoise);
+        EXPECT_TRUE(kDocumented.contains(ITCUpdateStm()));
         epochhdr->epochTime = static_cast<float>(epoch);
-        (*ITCInputBuffer)[0] = static_cast<uint16_t>(1000 + epoch);
+        session.inputBuffer[0] = static_cast<uint16_t>(epoch);
         const int32_t result = ITCSaveToFile();
-        ExpectOneOf(result, {ITC_SUCCESS, ITC_FILE_ERROR, ITC_OUT_OF_MEMORY});
+        EXPECT_TRUE(kDocumented.contains(result));
         if (result == ITC_SUCCESS) saved.push_back(epoch);
     }
     return saved;
 }
 
-// How often an epoch with this number is found in the file, and whether its samples came back too.
-int CountEpoch(int32_t number) {
-    int found = 0;
-    for (int32_t epoch = 0; epoch < ITCGetNumEpochs(); ++epoch) {
-        if (ITCRetrieveEpoch(epoch) != ITC_SUCCESS) continue;
-        const bool same = epochhdr->epochTime == static_cast<float>(number);
-        if (same && (*ITCInputBuffer)[0] == 1000 + number) ++found;
-        FreeChannels();
-    }
-    return found;
-}
-
 TEST(AllocationFailure, CostsARecordingNoEpochThatWasSaved) {
-    const QuietOutput quiet;
     const TemporaryFolder folder;
     const std::string path = folder.File("data.itc");
-    const int64_t before = LiveBlocks();
+    const int64_t before = live;
     bool failed = true;
     for (int64_t number = 1; failed; ++number) {
         SCOPED_TRACE(number);
-        FailAllocation(number);
-        const std::vector<int32_t> saved = RecordEpochs(path);
-        failed = AllocationFailed();
-        FailAllocation(0);
-        EXPECT_EQ(LiveBlocks(), before);
-        EXPECT_TRUE(failed || saved.size() == size_t{kEpochs});
+        std::vector<int32_t> saved;
+        failed = FailsAllocation(number, [&] { saved = RecordEpochs(path); });
+        EXPECT_EQ(live, before);
+        EXPECT_TRUE(failed || saved.size() == kEpochs);
         if (saved.empty()) continue;
-        const RecordingSession reading;
+        const LibrarySession reading(2 * kPoints);
+        const QuietOutput quiet;
         ASSERT_EQ(ITCOpenFile(path.c_str()), ITC_SUCCESS);
-        for (const int32_t epoch : saved) EXPECT_GE(CountEpoch(epoch), 1) << epoch;
+        std::set<int32_t> found;
+        for (int32_t epoch = 0; epoch < ITCGetNumEpochs(); ++epoch) {
+            if (ITCRetrieveEpoch(epoch) == 0 && epochhdr->epochTime == reading.inputBuffer[0])
+                found.insert(reading.inputBuffer[0]);
+            FreeChannels();
+        }
+        for (const int32_t epoch : saved) EXPECT_TRUE(found.contains(epoch)) << epoch;
     }
 }
 
-// Opens, reads and recomputes; every failure is a documented code.
-int32_t ReadEverything(const std::string& path) {
-    int32_t worst = ITCInitializeAnalysis(kPoints * 2);
-    if (worst != ITC_SUCCESS) return worst;
-    std::array<uint16_t, kPoints * 2> samples;
-    worst = ITCOpenFileForInput(path.c_str());
-    for (int32_t epoch = 0; worst == ITC_SUCCESS && epoch < kEpochs; ++epoch) {
-        worst = ITCReadEpoch(epoch, samples.data());
-        FreeChannels();
-        if (worst == ITC_SUCCESS) worst = ITCReadEpochStm(epoch, samples.data());
-        FreeChannels();
-    }
-    ITCCloseOpenFile();
-    ITCFinishAnalysis();
-    return worst;
+// The place of an epoch that its table had no room for goes to the next one. A file wave counts 8
+// bytes that are not written, so that this is not where the file ends.
+TEST(AllocationFailure, OfTheTableLeavesTheNextEpochItsPlace) {
+    const TemporaryFolder folder;
+    const LibrarySession session(4);
+    const QuietOutput quiet;
+    SetUpAcquisition(1, 4);
+    const ITCFilewaveParameters wave{session.inputBuffer, 4};
+    EXPECT_EQ(Results({ITCFilewaveParams(0, &wave), ITCCreateFile(folder.File("x").c_str(), 1),
+                       ITCSaveToFile(), ITCSaveToFile()}),
+              Results(4));
+    const auto save = [] { EXPECT_EQ(ITCSaveToFile(), ITC_OUT_OF_MEMORY); };
+    EXPECT_TRUE(FailsAllocation(1, save));
+    EXPECT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+    EXPECT_EQ(EpochPosition[3], 580 + 2 * (912 + 8 + 8));
 }
 
 TEST(AllocationFailure, GivesADocumentedCodeWhileReading) {
-    const QuietOutput quiet;
     const TemporaryFolder folder;
     const std::string path = folder.File("data.itc");
     ASSERT_EQ(RecordEpochs(path).size(), size_t{kEpochs});
+    const auto readEverything = [&] {
+        const QuietOutput quiet;
+        uint16_t samples[2 * kPoints];
+        if (const int32_t result = ITCInitializeAnalysis(2 * kPoints)) return result;
+        int32_t result = ITCOpenFileForInput(path.c_str());
+        for (int32_t epoch = 0; result == ITC_SUCCESS && epoch < 2 * kEpochs; ++epoch) {
+            result = (epoch % 2 == 0 ? ITCReadEpoch : ITCReadEpochStm)(epoch / 2, samples);
+            FreeChannels();
+        }
+        ITCCloseOpenFile();
+        ITCFinishAnalysis();
+        return result;
+    };
     bool failed = true;
     for (int64_t number = 1; failed; ++number) {
-        SCOPED_TRACE(number);
-        FailAllocation(number);
-        const int32_t result = ReadEverything(path);
-        failed = AllocationFailed();
-        FailAllocation(0);
-        ExpectOneOf(result, {ITC_SUCCESS, ITC_STIMULUS_ERROR, ITC_OUT_OF_MEMORY, ITC_FILE_ERROR});
-        EXPECT_EQ(result == ITC_SUCCESS, !failed);
+        int32_t result = -1;
+        failed = FailsAllocation(number, [&] { result = readEverything(); });
+        EXPECT_TRUE(kDocumented.contains(result) && (result != ITC_SUCCESS) == failed) << number;
+    }
+}
+
+// Pairs of damaged counts: epochs, table, points, entries, types, components, the components' types
+// and points; and four sums of components that have no bytes in the file.
+TEST(MemoryBound, HoldsForEveryCountOfTheFile) {
+    const TemporaryFolder folder;
+    const std::string path = folder.File("data.itc");
+    const LibrarySession session(kCapacity);
+    const QuietOutput quiet;
+    const auto expectBound = [&](const Bytes& file, int64_t least, int64_t most) {
+        WriteFile(path, file);
+        for (const auto retrieve : {ITCRetrieveEpoch, ITCRetrieveEpochStm}) {
+            const int64_t before = peakBytes = bytesInUse;
+            ITCOpenFile(path.c_str());
+            for (const int32_t epoch : {0, 1}) {
+                retrieve(epoch);
+                FreeChannels();
+            }
+            EXPECT_TRUE(peakBytes - before >= least && peakBytes - before <= most);
+            ITCCloseFile();
+        }
+    };
+    const Bytes sum = Join({Big32(256), Bytes(256, 8), Bytes(1024)});
+    const Bytes sums =
+        Join({EpochHeaderBytes(100, 4, {7, 7, 7, 7}), sum, sum, sum, sum, Bytes(32)});
+    expectBound(DataFileBytes({sums}), 1024 * 32, 80000);
+    const Bytes two = Join({Big32(2), Bytes(256, 2), Bytes(1024 + 2 * 36 + 64)});
+    const Bytes sound = DataFileBytes({Join({EpochHeaderBytes(100, 32, {7}), two})});
+    for (const size_t first : {536, 540, 1156, 1160, 1492}) {
+        for (const size_t second : {540, 1156, 1160, 1185, 1492, 1496, 2788}) {
+            for (const uint32_t value : {0x7FFFFFFFU, 0xFFFFFFFFU, 0x3FFFFFFFU, 256U, 999U, 4U}) {
+                Bytes damaged = sound;
+                Put(damaged, first, Big32(value));
+                Put(damaged, second, Big32(value / 2 + 1));
+                expectBound(damaged, 0, 70000 + 120 * kCapacity);
+            }
+        }
     }
 }
 

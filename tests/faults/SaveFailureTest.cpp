@@ -11,8 +11,7 @@
 
 namespace {
 
-int failingFlush = 0;
-int flushes = 0;
+int failingFlush = 0, flushes = 0;
 bool cutFails = false;
 std::function<void()> afterFlush;
 
@@ -38,14 +37,12 @@ namespace {
 using SaveFailure = RecordingTest;
 
 TEST_F(SaveFailure, LeavesNothingThatCouldPassForTheEpoch) {
-    constexpr size_t kStart = 1532, kEntries = kStart + 580;
-    const auto entriesInFile = [this] { return Word(FileContent(path), kEntries); };
+    const auto entries = [this] { return Word(FileContent(path), 1532 + 580); };  // of the second
     for (const bool fails : {false, true}) {
         for (const int flush : {1, 2}) {
             filehdr->numEpochs = 0;
             SetUpPulseEpoch();
-            ASSERT_EQ(Create(), ITC_SUCCESS);
-            ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);
+            ASSERT_EQ(Results({Create(), ITCSaveToFile()}), Results({0, 0}));
             const Bytes saved = FileContent(path);
             flushes = 0, failingFlush = flush, cutFails = fails;
             SetUpAcquisition(1, 5000);
@@ -53,12 +50,12 @@ TEST_F(SaveFailure, LeavesNothingThatCouldPassForTheEpoch) {
             failingFlush = 0, cutFails = false;
             EXPECT_EQ(First(FileContent(path), saved.size()), saved);
             EXPECT_EQ(FileContent(path).size() == saved.size(), !fails);
-            EXPECT_TRUE(!fails || entriesInFile() == 0);
+            EXPECT_TRUE(!fails || entries() == 0);
             flushes = 0;
-            afterFlush = [&] { EXPECT_TRUE(flushes > 1 || entriesInFile() == (fails ? 0 : 1)); };
+            afterFlush = [&] { EXPECT_TRUE(flushes > 1 || entries() == (fails ? 0 : 1)); };
             EXPECT_EQ(ITCSaveToFile(), ITC_SUCCESS);
             afterFlush = nullptr;
-            EXPECT_EQ(entriesInFile(), 1U);
+            EXPECT_EQ(entries(), 1U);
         }
     }
 }

@@ -23,9 +23,9 @@ int main(int count, char** names) {
     for (const auto& folder : {files, calls}) std::filesystem::create_directories(folder);
     for (uint32_t type = 1; type <= corvantis::kLargestType; ++type) {
         const std::string name = std::to_string(type) + "-";
-        // Two versions and two lengths of the sequence, each with four kinds of reading of six
-        // channels, which FuzzDataFile chooses by the sum of the bytes.
-        for (uint32_t choice = 0; choice < 4 * 24; ++choice) {
+        // Two versions and two lengths of the sequence, each with the channels and components that
+        // FuzzDataFile chooses by the sum of the bytes.
+        for (uint32_t choice = 0; choice < 4 * 30; ++choice) {
             std::ofstream(files / (name + std::to_string(choice)), std::ios::binary)
                 << corvantis_fuzz::FileBytes(type, choice & 2 ? 4 : 1, choice & 1 ? 8 : 4,
                                              choice / 4);

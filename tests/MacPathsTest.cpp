@@ -44,17 +44,15 @@ const std::pair<std::string, std::string> kPaths[] = {
 };
 
 TEST(MacPaths, BecomePosixPathsWithRoomForThemAndTheirTerminator) {
+    char untouched = '?';
+    EXPECT_EQ(ConvertMacPathToUnix("Disk:a", &untouched, -1), -1);
+    EXPECT_EQ(untouched, '?');
+    EXPECT_EQ(Converted("", 64), "");
     for (const auto& [macPath, unixPath] : kPaths) {
         EXPECT_EQ(Converted(macPath, 2048), unixPath);
         for (size_t size = 0; size < macPath.size() + 3 && size < 80; ++size)
             EXPECT_EQ(Converted(macPath, size), size > unixPath.size() ? unixPath : "");
     }
-}
-
-TEST(MacPaths, WithoutAPathOrRoomThereIsNoResult) {
-    EXPECT_EQ(Converted("", 64), "");
-    for (const int32_t size : {-1, INT32_MIN})
-        EXPECT_EQ(ConvertMacPathToUnix("Disk:a", nullptr, size), -1);
 }
 
 // A volume under a name of our own, as the Mac writes it, where ':' and '/' change places; if this

@@ -31,11 +31,11 @@ Response Step(double density, double longestStep = itc18::kLongestStep) {
 }
 
 TEST(ModelNeuronTest, GatesAtRestAreThePublishedOnes) {
-    const itc18::ModelNeuron rest = itc18::SteadyState(0);
-    EXPECT_NEAR(rest.potential, -65.0, 0.01);
-    EXPECT_NEAR(rest.m, 0.0529, 5e-5);
-    EXPECT_NEAR(rest.h, 0.5961, 5e-5);
-    EXPECT_NEAR(rest.n, 0.3177, 5e-5);
+    const auto [potential, m, h, n] = itc18::SteadyState(0);
+    EXPECT_NEAR(potential, -65.0, 0.01);
+    EXPECT_NEAR(m, 0.0529, 5e-5);
+    EXPECT_NEAR(h, 0.5961, 5e-5);
+    EXPECT_NEAR(n, 0.3177, 5e-5);
 }
 
 TEST(ModelNeuronTest, RatesAreContinuousWhereTheirFormulasAreZeroOverZero) {

@@ -86,6 +86,8 @@ TEST_F(SimulatorTest, RefusesBadArgumentsAndKeepsTheLoadedOnes) {
     for (const int32_t interval : {INT32_MIN, 0, 3, 65536, INT32_MAX})
         EXPECT_EQ(ITC18_SetSamplingInterval(device, interval, 0), ITC18Simulator_BadInterval);
     EXPECT_EQ(ITC18_SetSamplingInterval(device, 20, 1), ITC18Simulator_BadOptions);
+    for (const int32_t call : {-1, 7})
+        EXPECT_EQ(ITC18Simulator_FailCall(call, 1), ITC18Simulator_BadCall);
     ITC18Simulator_State state;
     EXPECT_EQ(ITC18Simulator_GetState(0, &state), 0);
     EXPECT_TRUE(state.interval == 10 && state.sequenceLength == 2 && state.sequence[0] == 0x0800);
@@ -117,15 +119,14 @@ TEST_F(SimulatorTest, PlaysAreRepeatableAndFreeOfTheSampling) {
 // 8 counts a picoampere, 32 a millivolt. Far below rest the gates are shut and Ohm's law holds:
 // V = -54.4 mV - I / 6 nS. Jumps to there pass through the fastest rates and must not explode.
 TEST_F(SimulatorTest, RestsAtMinus65AndFollowsOhmsLawFarBelow) {
-    Play({0xC000}, 1000, {0, 0, 0});
-    EXPECT_EQ(samples, Samples(3, static_cast<uint16_t>(-2080)));
-    for (const int counts : {-3200, -32768}) {
-        Samples ends(4000, 0x7FFF);
-        std::fill(ends.begin() + 1000, ends.begin() + 3000, static_cast<uint16_t>(counts));
-        Play({0xC000}, 100, ends);
-        EXPECT_NEAR(int16_t(samples[2999]) / 32.0, -54.4 + counts / 8 / 6.0, 0.5);
-        EXPECT_NEAR(int16_t(samples[3999]), int16_t(samples[0]), 32);
-    }
+    Samples jumps(4000, 0);
+    std::fill(jumps.begin() + 1000, jumps.begin() + 2000, static_cast<uint16_t>(-3200));
+    std::fill(jumps.begin() + 2000, jumps.begin() + 3000, uint16_t{0x7FFF});
+    std::fill(jumps.begin() + 3000, jumps.end(), uint16_t{0x8000});
+    Play({0xC000}, 100, jumps);
+    EXPECT_EQ(int16_t(samples[999]), -65 * 32);
+    EXPECT_NEAR(int16_t(samples[1999]) / 32.0, -54.4 - 400 / 6.0, 0.5);
+    EXPECT_NEAR(int16_t(samples[3999]) / 32.0, -54.4 - 4096 / 6.0, 0.05);
 }
 
 }  // namespace

@@ -1,12 +1,15 @@
-// The computed shapes by hand, from the dispatcher and from the generators, and what has no shape.
+// Waveforms by hand and at their edges, from the dispatcher and from the generators, and what has
+// no waveform.
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <string>
 
 #include "Corvantis.h"
 #include "LibrarySession.h"
+#include "SpareDeviates.h"
 #include "WrittenSamples.h"
 
 namespace {
@@ -24,32 +27,37 @@ void ExpectGenerated(const Samples& expected, Generate generate) {
 }
 
 // The line comes before any check, so a log shows what was tried.
-void ExpectCalculated(uint32_t type, const void* record, const Samples& expected,
-                      int32_t result = ITC_SUCCESS) {
+Samples Calculated(uint32_t type, const void* record, size_t points, int32_t result = ITC_SUCCESS) {
     QuietOutput lines;
     const auto calculate = [&](uint16_t* buffer) {
         EXPECT_EQ(ITCCalcStimulus(type, buffer, record), result) << "type " << type;
     };
-    EXPECT_EQ(Written(expected.size(), calculate), expected) << "type " << type;
+    const Samples samples = Written(points, calculate);
     const std::string line = "stim type " + std::to_string(static_cast<int32_t>(type)) + "\n";
     EXPECT_EQ(lines.Text(), type == 13 ? line + "alt voltage create\n" : line);
+    return samples;
 }
 
 void ExpectRefused(uint32_t type, const void* record, int32_t result = ITC_STIMULUS_ERROR) {
-    ExpectCalculated(type, record, Samples(8, kUntouched), result);
+    EXPECT_EQ(Calculated(type, record, 8, result), Samples(8, kUntouched)) << "type " << type;
 }
 
 // What cannot be divided is refused by the dispatcher and held by the generators.
-template <class Record, class Result>
-void ExpectWave(uint32_t type, Result (*generate)(int16_t*, const Record*), const Record& record,
+template <class Record, class Buffer, class Result>
+void ExpectWave(uint32_t type, Result (*generate)(Buffer*, const Record*), const Record& record,
                 const Samples& expected, bool isRefused = false) {
     if (isRefused) ExpectRefused(type, &record);
-    if (!isRefused) ExpectCalculated(type, &record, expected);
-    ExpectGenerated(expected, [&](int16_t* buffer) { generate(buffer, &record); });
+    if (!isRefused) EXPECT_EQ(Calculated(type, &record, expected.size()), expected) << type;
+    ExpectGenerated(expected,
+                    [&](auto* samples) { generate(reinterpret_cast<Buffer*>(samples), &record); });
 }
 
-TEST(WaveformTest, SinesByHand) {
-    const LibrarySession session;
+struct WaveformTest : testing::Test {
+    WaveformTest() { epochhdr->samplingInterval = 50; }
+    LibrarySession session;
+};
+
+TEST_F(WaveformTest, SinesByHand) {
     const auto expect = [](int32_t interval, const ITCSineParameters& sine, const Samples& wave) {
         epochhdr->samplingInterval = interval;
         ExpectWave(1, ITCStmCreateSine, sine, wave);
@@ -63,8 +71,7 @@ TEST(WaveformTest, SinesByHand) {
     expect(0, {500, 77, 10, 0, 4, 1, 1, {}}, {77, 0, 0, 0, 0, 77});
 }
 
-TEST(WaveformTest, OthersByHand) {
-    const LibrarySession session;
+TEST_F(WaveformTest, OthersByHand) {
     ExpectWave(3, ITCStmCreatePulse, {10000, 30000, 1, 1, 1, {}}, {30000, 0x9C40, 30000});
     ExpectWave(4, ITCStmCreateRamp, {100, 0, 4, 1, 0, {}}, {0, 25, 50, 75, 0});
     ExpectWave(8, ITCStmCreateTrigSeries, {5, 100, 3, 7, 0, 1, {}}, {5, 105, 5, 5, 105, 5, 5, 105});
@@ -80,7 +87,7 @@ TEST(WaveformTest, OthersByHand) {
         ExpectWave(5, ITCStmCreateFilewave, {wave.data(), length}, expected);
         ExpectWave(14, ITCStmCreateSpatial, {length, {}}, zeros);
         epochhdr->epochPoints = length;
-        ExpectCalculated(11, nullptr, zeros);
+        EXPECT_EQ(Calculated(11, nullptr, zeros.size()), zeros);
         ExpectGenerated(zeros, ITCStmCreateGClamp);
     }
     ExpectWave(5, ITCStmCreateFilewave, {nullptr, 0}, Samples(4, kUntouched));
@@ -90,7 +97,47 @@ TEST(WaveformTest, OthersByHand) {
     ExpectWave(13, ITCStmCreateAltVoltage, {0, 9, 300, 5, 1, 2, {}}, held, true);
 }
 
-TEST(WaveformTest, TypesWithoutWaveformMissingRecordsAndNoSession) {
+// Nothing divided by nothing is no number. Totals wrap: twice -2^31 and 7 are 7.
+TEST_F(WaveformTest, NoiseOfNothing) {
+    const Samples held(7, 9), zeros = {9, 0, 0, 0, 9};
+    ExpectWave(9, ITCStmCreateSegmentedNoise, {700, 9, 1, 5, 1, 1, -2, {}}, held);
+    ExpectWave(2, ITCStmCreateNoise, {2000, 9, 1, 0, 4, 3, 0, 50, 1}, held);
+    ExpectWave(2, ITCStmCreateNoise, {1, 9, 1, INT32_MIN, 7, INT32_MIN, 0, 1, 1}, held);
+    ExpectWave(2, ITCStmCreateNoise, {2000, 9, 1, 3, 1, 1, 0, 0, 2}, zeros);
+    filehdr->version = 4;
+    ExpectWave(2, ITCStmCreateNoise, {1800, 9, 1, 3, 1, 1, 0, 60, 1}, zeros);
+    for (const auto& [tail, pre, window] :  // windows that do not fit
+         {std::array{9, 1, 4}, std::array{1, 9, 4}, std::array{9, -3, 1}, std::array{-1, 9, 1}}) {
+        const ITCNoiseParameters record{100, 5, 1, 10, tail, pre, window, 60, 1};
+        ExpectRefused(2, &record);
+    }
+}
+
+// Three points that would lie before the buffer are passed over, the rest moves up.
+template <class Record>
+void ExpectShift(uint32_t type, Record record) {
+    DropSpareDeviate();
+    Samples expected = Calculated(type, &record, 10);
+    std::rotate(expected.begin(), expected.begin() + 3, expected.end());
+    std::fill(expected.end() - 3, expected.end(), static_cast<uint16_t>(record.mean));
+    record.prePoints = -3;
+    record.tailPoints = 3;
+    DropSpareDeviate();
+    EXPECT_EQ(Calculated(type, &record, 10), expected) << "type " << type;
+}
+
+TEST_F(WaveformTest, NoiseBeforeTheBufferAndAtOneHalf) {
+    ExpectShift(2, ITCNoiseParameters{2500, 7, 77, 10, 0, 0, 0, -500, 1});
+    for (const int32_t segment : {1, 2, 5})
+        ExpectShift(9, ITCSegmentedNoiseParameters{700, 5, 77, 10, 0, 0, segment, {}});
+    int32_t word = -9687;
+    for (int n = 0; n < 117; ++n) ran2(&word);
+    EXPECT_EQ(ran2(&word), 0.5F);
+    const ITCBinaryNoiseParameters record{1000, 0, 9687, 117, 0, 0, 1, {}};
+    EXPECT_EQ(Calculated(10, &record, 117).back(), Low(-1000));
+}
+
+TEST(WaveformRefusals, TypesWithoutWaveformMissingRecordsAndNoSession) {
     const uint8_t record[2048] = {};
     {
         const LibrarySession session;

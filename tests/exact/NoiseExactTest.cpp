@@ -47,10 +47,12 @@ TEST_F(ExactTest, SmoothedNoiseOfEveryWindow) {
         }
     }
     ExpectFiltered({2000000, 1, 3, 300000, 100, 100, 25, 0, 0}, 100, 4);
+    // With a level that shows every bit of a deviate.
+    ExpectFiltered({1 << 30, 0, 42, 1000001, 0, 0, 1, 0, 0}, 100, 4);
     // The file's version chooses the method.
     for (const int8_t version : {-128, -1, 0, 4, 5, 8, 127})
         ExpectFiltered({2000, 10, 31, 64, 8, 8, 6, 200, 2}, 50, version);
-    ExpectDigest(0x1fffa53189702912);
+    ExpectDigest(0xa4783a005033e74a);
 }
 
 TEST_F(ExactTest, SegmentsOfEveryLengthAndSeedInAnyHistory) {
@@ -68,7 +70,8 @@ TEST_F(ExactTest, SegmentsOfEveryLengthAndSeedInAnyHistory) {
                           std::bit_cast<ITCBinaryNoiseParameters>(record), definition::BinaryNoise);
         }
     }
-    ExpectDigest(0xf42cc5296ef869b1);
+    for (const int32_t seed : {77, -1}) ExpectSegments({1 << 30, 0, seed, 3000001, 0, 0, 1, {}});
+    ExpectDigest(0xfabc83260da2e2d0);
 }
 
 TEST_F(ExactTest, StatesBehindWaveformsWithoutPoints) {

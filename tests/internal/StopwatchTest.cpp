@@ -10,41 +10,36 @@
 
 namespace {
 
-// Seconds and microseconds.
+// In seconds and microseconds; subtracting moves whole seconds between the two of the earlier time.
 struct Case {
     timeval later, earlier;
-    int32_t expected;
-    timeval moved = {};  // whole seconds between the two parts of the earlier instant
+    int32_t milliseconds;
+    timeval moved;
+};
+const Case kCases[] = {
+    {{11, 5}, {10, 999990}, 0, {11, -10}},
+    {{11, 1000}, {10, 999990}, 1, {11, -10}},
+    {{5, 999999}, {5, 0}, 999, {5, 0}},
+    {{10, 0}, {10, 1500}, -1, {11, -998500}},  // the clock was set back: toward zero
+    {{4, 900000}, {5, 100000}, -200, {5, 100000}},
+    {{1, 1000000}, {0, 0}, 2000, {0, 0}},  // a second, and not above it
+    {{10, 0}, {2, 3000000}, 5000, {6, -1000000}},
+    {{2157, 483647}, {10, 0}, 2147483, {10, 0}},
+    {{2157, 483648}, {10, 0}, -2147483, {10, 0}},  // 2^31 microseconds are -2^31
+    {{2000000000, 0}, {0, 0}, 1233977, {0, 0}},    // 2 * 10^15 modulo 2^32 microseconds
 };
 
-TEST(Stopwatch, ElapsedMilliseconds) {
-    for (const Case& each : {
-             Case{{11, 5}, {10, 999990}, 0}, Case{{11, 1000}, {10, 999990}, 1},
-             Case{{5, 999999}, {5, 0}, 999}, Case{{12, 0}, {10, 500}, 1999},
-             Case{{10, 0}, {10, 1500}, -1},  // the clock was set back: toward zero
-             Case{{2157, 483647}, {10, 0}, 2147483},
-             Case{{2157, 483648}, {10, 0}, -2147483},  // 2^31 microseconds are -2^31
-             Case{{2000000000, 0}, {0, 0}, 1233977},   // 2 * 10^15 modulo 2^32 microseconds
-         }) {
-        timeval start = each.earlier;
+TEST(Stopwatch, ElapsedMillisecondsAndSubtractedTimeValues) {
+    for (const Case& each : kCases) {
+        timeval start = each.earlier, y = each.earlier, difference = {};
         for (const char* reading : {"first", "second"})
-            EXPECT_EQ(corvantis::ElapsedMilliseconds(each.later, start), each.expected) << reading;
-    }
-}
-
-TEST(Stopwatch, SubtractedTimeValues) {
-    for (const Case& each : {
-             Case{{11, 5}, {10, 999990}, 0, {11, -10}},
-             Case{{4, 900000}, {5, 100000}, 1, {5, 100000}},
-             Case{{3, 0}, {3, 1}, 1, {4, -999999}},
-             Case{{1, 1000000}, {0, 0}, 0, {0, 0}},  // a second, and not above it
-             Case{{10, 0}, {2, 3000000}, 0, {6, -1000000}},
-         }) {
-        timeval y = each.earlier, difference = {};
-        EXPECT_EQ(timeval_subtract(&difference, &each.later, &y), each.expected);
+            EXPECT_EQ(corvantis::ElapsedMilliseconds(each.later, start), each.milliseconds)
+                << reading;
+        EXPECT_EQ(timeval_subtract(&difference, &each.later, &y),
+                  each.later.tv_sec < each.moved.tv_sec);
         EXPECT_TRUE(y.tv_sec == each.moved.tv_sec && y.tv_usec == each.moved.tv_usec);
-        EXPECT_EQ(difference.tv_sec, each.later.tv_sec - y.tv_sec);
-        EXPECT_EQ(difference.tv_usec, each.later.tv_usec - y.tv_usec);
+        EXPECT_EQ(difference.tv_sec, each.later.tv_sec - each.moved.tv_sec);
+        EXPECT_EQ(difference.tv_usec, each.later.tv_usec - each.moved.tv_usec);
     }
 }
 

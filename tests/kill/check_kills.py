@@ -8,26 +8,23 @@ each of them identical to the byte to that of a recording that nobody disturbed.
 
 import random
 import struct
-import subprocess
 import sys
 import tempfile
 import time
 from pathlib import Path
+from subprocess import DEVNULL, PIPE, Popen, run
 
 EPOCHS = 2000
-FIRST_EPOCH = 580
 
 
 def count_and_epochs(path):
-    data = path.read_bytes()
-    count, table = struct.unpack_from(">iI", data, 536)
-    return count, data[FIRST_EPOCH:table]
+    count, table = struct.unpack_from(">iI", path.read_bytes(), 536)
+    return count, path.read_bytes()[580:table]
 
 
 def record(recorder, path, delay=None):
     """Return how many epochs the process had reported as saved when it ended or was killed."""
-    process = subprocess.Popen([recorder, path, str(EPOCHS)], stdout=subprocess.DEVNULL,
-                               stderr=subprocess.PIPE)
+    process = Popen([recorder, path, str(EPOCHS)], stdout=DEVNULL, stderr=PIPE)
     process.stderr.read(1)
     if delay is not None:
         time.sleep(delay)
@@ -41,16 +38,15 @@ def main(folder, recorder, corvantis, kills):
     assert record(recorder, whole) == EPOCHS
     duration = time.monotonic() - start
     expected = count_and_epochs(whole)[1]
-    draw = random.Random(1)
-    early = 0
+    draw, early = random.Random(1), 0
     for _ in range(int(kills)):
         saved = record(recorder, recording, draw.uniform(0, 0.8 * duration))
-        result = subprocess.run([corvantis, "repair", recording, "-o", repaired, "--force"])
-        assert result.returncode in (0, 1)
+        repair = run([corvantis, "repair", recording, "-o", repaired, "--force"], stdout=DEVNULL)
+        assert repair.returncode in (0, 1)
         count, epochs = count_and_epochs(repaired)
         assert count >= saved, f"{saved} epochs were saved, {count} came back"
         assert epochs == expected[:len(epochs)], "an epoch was altered"
-        subprocess.run([corvantis, "check", repaired], check=True, stdout=subprocess.DEVNULL)
+        run([corvantis, "check", repaired], check=True, stdout=DEVNULL)
         early += saved < EPOCHS
     print(f"{kills} kills, {early} of them before the last epoch: every saved epoch came back")
     assert early > 0

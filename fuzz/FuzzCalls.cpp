@@ -1,192 +1,150 @@
 // Any bytes as a sequence of calls: acquisition set-up, stimuli, sums, saving and reading back,
 // with arguments from the bytes. Every result must be one of the documented codes.
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
+#include <span>
 #include <type_traits>
 
 #include "ITCFileIO/StimulusTypes.h"
+#include "ITCUtilities/WrappingArithmetic.h"
 #include "Session.h"
 
 namespace {
 
-// Takes arguments from the front of the input; zeros when it is used up.
-class Arguments {
-  public:
-    Arguments(const uint8_t* data, size_t size) : next_(data), end_(data + size) {}
-    bool Empty() const { return next_ == end_; }
-    template <class T>
-    T Take() {
-        T value;
-        std::memset(&value, 0, sizeof value);
-        for (size_t i = 0; i < sizeof value && next_ != end_; ++i) {
-            reinterpret_cast<uint8_t*>(&value)[i] = *next_++;
-        }
-        return value;
-    }
-    uint8_t Byte() { return Take<uint8_t>(); }
-    int32_t Channel() { return Take<int8_t>() % 5; }
-    // Near the epoch's points most of the time, or few calls would get past the length test.
-    int32_t Count() {
-        const uint8_t kind = Byte();
-        return kind < 250 ? kind % 64 : Take<int32_t>();
-    }
+std::span<const uint8_t> input;
 
-  private:
-    const uint8_t* next_;
-    const uint8_t* end_;
-};
-
-void Expect(int32_t result) {
-    const bool documented = (result >= 0 && result <= 9) && result != 3 && result != 8;
-    if (!documented) std::abort();
+// From the front of the input; zeros when it is used up.
+template <class T>
+T Take() {
+    std::array<uint8_t, sizeof(T)> bytes = {};
+    const size_t count = std::min(sizeof(T), input.size());
+    std::copy_n(input.begin(), count, bytes.begin());
+    input = input.subspan(count);
+    return std::bit_cast<T>(bytes);
+}
+uint32_t Byte() { return Take<uint8_t>(); }
+// Near the epoch's points most of the time, or few calls would get past the length test.
+int32_t Count() {
+    const uint32_t kind = Byte();
+    return kind < 250 ? static_cast<int32_t>(kind % 64) : Take<int32_t>();
 }
 
+int32_t Expect(int32_t result) {
+    corvantis_fuzz::Require(result >= 0 && result <= 9 && result != 3 && result != 8);
+    return result;
+}
+
+// As many bytes for every type, so that an input keeps its later calls when a type is changed.
 template <class Record>
-Record TakeRuns(Arguments& arguments) {
-    Record record = arguments.Take<Record>();
-    record.prePoints = arguments.Count();
-    record.points = arguments.Count();
-    record.tailPoints = static_cast<int32_t>(static_cast<uint32_t>(epochhdr->epochPoints) -
-                                             static_cast<uint32_t>(record.prePoints) -
-                                             static_cast<uint32_t>(record.points));
-    if (arguments.Byte() == 0) record.tailPoints = arguments.Count();
+Record TakeRecord() {
+    static std::array<uint16_t, 64> wave;
+    Record record = {};
+    const auto bytes = Take<std::array<uint8_t, 48>>();
+    const int32_t pre = Count(), points = Count();
+    const int32_t total = corvantis::WrappingAdd(pre, points);
+    if constexpr (requires { record.samples; }) {
+        record = {wave.data(), total % 65};
+    } else if constexpr (requires { record.count; }) {
+        record.count = pre < 64 ? pre % 5 : pre;
+    } else {
+        static_assert(sizeof record <= sizeof bytes);
+        std::memcpy(&record, bytes.data(), sizeof record);
+    }
+    if constexpr (requires { record.points; }) record.points = total;
+    const int32_t tail = Byte() == 0 ? Count() : epochhdr->epochPoints;
+    if constexpr (requires { record.tailPoints; }) {
+        record.points = points;
+        record.prePoints = pre;
+        record.tailPoints = corvantis::WrappingSubtract(tail, total);
+    }
     return record;
 }
 
-template <auto build, auto add, class Record>
-void InstallRecord(Arguments& arguments, const Record& record) {
-    const int32_t channel = arguments.Channel();
-    if constexpr (!std::is_null_pointer_v<decltype(add)>) {
-        if (arguments.Byte() % 2 == 0) return Expect(add(static_cast<uint32_t>(channel), &record));
-    }
-    Expect(build(channel, &record));
+// The first way to build a type, or the second, to add it to a sum.
+template <auto build, auto... add>
+void Install() {
+    const auto install = []<class Record>(int32_t (*)(int32_t, Record*)) {
+        auto record = TakeRecord<std::remove_const_t<Record>>();
+        const int32_t channel = Take<int8_t>() % 5;
+        const bool isAdded = Byte() % 2 != 0 && sizeof...(add) > 0;
+        if (isAdded) (Expect(add(static_cast<uint32_t>(channel), &record)), ...);
+        if (isAdded || Expect(build(channel, &record)) != ITC_SUCCESS) return;
+        for (const int8_t type : epochhdr->stimType) corvantis_fuzz::reachedTypes.insert(type);
+    };
+    install(build);
 }
 
-template <class Record, auto build, auto add>
-void Install(Arguments& arguments) {
-    InstallRecord<build, add>(arguments, TakeRuns<Record>(arguments));
+int32_t BuildGeneric(int32_t /*channel*/, const ITCGenericParameters* record) {
+    return ITCGenericParams(record);
+}
+int32_t BuildDynamicClamp(int32_t channel, const ITCGClampParameters* record) {
+    return ITCGClampParams(channel, record, 77);
 }
 
-void InstallWave(Arguments& arguments) {
-    static std::array<uint16_t, 64> wave;
-    const ITCFilewaveParameters record = {wave.data(), arguments.Count() % 65};
-    InstallRecord<ITCFilewaveParams, ITCAddFilewaveParams>(arguments, record);
+// By the type's code.
+constexpr void (*kInstalls[])() = {Install<ITCSineParams, ITCAddSineParams>,
+                                   Install<ITCNoiseParams, ITCAddNoiseParams>,
+                                   Install<ITCPulseParams, ITCAddPulseParams>,
+                                   Install<ITCRampParams, ITCAddRampParams>,
+                                   Install<ITCFilewaveParams, ITCAddFilewaveParams>,
+                                   Install<BuildGeneric>,
+                                   Install<ITCSummedParams>,
+                                   Install<ITCTrigSeriesParams>,
+                                   Install<ITCSegmentedNoiseParams, ITCAddSegmentedNoiseParams>,
+                                   Install<ITCBinaryNoiseParams, ITCAddBinaryNoiseParams>,
+                                   Install<BuildDynamicClamp, ITCAddGClampParams>,
+                                   Install<ITCCirclePulseParams, ITCAddCirclePulseParams>,
+                                   Install<ITCAltVoltageParams, ITCAddAltVoltParams>,
+                                   Install<ITCSpatialParams>};
+static_assert(std::size(kInstalls) == corvantis::kLargestType);
+
+void SetUp() {
+    const char* const channels[] = {"0", "10", "D3", "0123", "4567", "", "01234", "x"};
+    const char* const inputs = channels[Byte() % 8];
+    Expect(ITCSetSeq(inputs, channels[Byte() % 8]));
+    if (Byte() == 0) epochhdr->sequenceLength = Take<int32_t>();
+    const int32_t interval = Take<uint16_t>() * 2, points = Count();
+    Expect(ITCSetAcqParams(interval, points, Take<int8_t>(), 0));
 }
 
-void InstallSum(Arguments& arguments) {
-    ITCSummedParameters sum;
-    std::memset(&sum, 0, sizeof sum);
-    sum.count = arguments.Byte() == 0 ? arguments.Take<int32_t>() : arguments.Count() % 5;
-    Expect(ITCSummedParams(arguments.Channel(), &sum));
-}
-
-void InstallDynamicClamp(Arguments& arguments) {
-    const auto record = arguments.Take<ITCGClampParameters>();
-    const int32_t channel = arguments.Channel();
-    Expect(ITCGClampParams(channel, &record, arguments.Take<int16_t>()));
-}
-
-void SetUp(Arguments& arguments) {
-    const char* const inputs[] = {"0", "01", "D3", "0123", "4567", "", "01234", "x"};
-    const char* const outputs[] = {"0", "10", "1D", "3210", "0123", "", "01230", "0"};
-    const char* const text = inputs[arguments.Byte() % 8];
-    Expect(ITCSetSeq(text, outputs[arguments.Byte() % 8]));
-    if (arguments.Byte() == 0) epochhdr->sequenceLength = arguments.Take<int32_t>();
-    const int32_t interval = arguments.Take<uint16_t>() * 2;
-    const int32_t points = arguments.Count();
-    Expect(ITCSetAcqParams(interval, points, arguments.Take<int8_t>(), 0));
-}
-
-void ReadBack(Arguments& arguments) {
-    const int32_t epoch = arguments.Take<int8_t>();
-    const uint32_t channel = arguments.Byte() % 5;
+void ReadBack() {
+    const int32_t epoch = Take<int8_t>();
+    const uint32_t channel = Byte() % 5, component = Byte();
     int32_t value = 0;
-    Expect(ITCRetrieveEpoch(epoch));
-    Expect(ITCRetrieveEpochStm(epoch));
+    for (auto* retrieve : {ITCRetrieveEpoch, ITCRetrieveEpochStm}) Expect(retrieve(epoch));
     Expect(ITCRetrieveEpochStmGClamp(epoch, channel));
     Expect(ITCRetrieveRandomSeed(&value, channel));
-    const int32_t seed = arguments.Take<int32_t>();
-    Expect(ITCNewRandomSeed(seed, channel, arguments.Byte()));
+    Expect(ITCNewRandomSeed(Take<int32_t>(), channel, component));
 }
 
-void SpoilHeaders(Arguments& arguments) {
-    filehdr->version = arguments.Take<int8_t>();
-    int8_t& type = epochhdr->stimType[arguments.Byte() % 4];
-    type = arguments.Take<int8_t>();
+void SpoilHeaders() {
+    filehdr->version = Take<int8_t>();
+    epochhdr->stimType[0] = Take<int8_t>();
 }
 
-void InstallGeneric(Arguments& arguments) {
-    const auto record = TakeRuns<ITCGenericParameters>(arguments);
-    Expect(ITCGenericParams(&record));
-}
-
-void InstallSpatial(Arguments& arguments) {
-    const auto record = arguments.Take<ITCSpatialStmParameters>();
-    Expect(ITCSpatialParams(arguments.Channel(), &record));
-}
-
-// No default: a new type is not to be forgotten here.
-void InstallAny(Arguments& arguments) {
-    switch (static_cast<ITCStimulusType>(1 + arguments.Byte() % corvantis::kLargestType)) {
-        case ITC_STIMULUS_SINE:
-            return Install<ITCSineParameters, ITCSineParams, ITCAddSineParams>(arguments);
-        case ITC_STIMULUS_NOISE:
-            return Install<ITCNoiseParameters, ITCNoiseParams, ITCAddNoiseParams>(arguments);
-        case ITC_STIMULUS_PULSE:
-            return Install<ITCPulseParameters, ITCPulseParams, ITCAddPulseParams>(arguments);
-        case ITC_STIMULUS_RAMP:
-            return Install<ITCRampParameters, ITCRampParams, ITCAddRampParams>(arguments);
-        case ITC_STIMULUS_FILEWAVE:
-            return InstallWave(arguments);
-        case ITC_STIMULUS_GENERIC:
-            return InstallGeneric(arguments);
-        case ITC_STIMULUS_SUMMED:
-            return InstallSum(arguments);
-        case ITC_STIMULUS_TRIGGER_SERIES:
-            return Install<ITCTrigSeriesParameters, ITCTrigSeriesParams, nullptr>(arguments);
-        case ITC_STIMULUS_SEGMENTED_NOISE:
-            return Install<ITCSegmentedNoiseParameters, ITCSegmentedNoiseParams,
-                           ITCAddSegmentedNoiseParams>(arguments);
-        case ITC_STIMULUS_BINARY_NOISE:
-            return Install<ITCBinaryNoiseParameters, ITCBinaryNoiseParams, ITCAddBinaryNoiseParams>(
-                arguments);
-        case ITC_STIMULUS_DYNAMIC_CLAMP:
-            return InstallDynamicClamp(arguments);
-        case ITC_STIMULUS_CIRCLE_PULSE:
-            return Install<ITCCirclePulseParameters, ITCCirclePulseParams, ITCAddCirclePulseParams>(
-                arguments);
-        case ITC_STIMULUS_ALTERNATING_VOLTAGE:
-            return Install<ITCAlternateVoltageParameters, ITCAltVoltageParams, ITCAddAltVoltParams>(
-                arguments);
-        case ITC_STIMULUS_SPATIAL:
-            return InstallSpatial(arguments);
-    }
-}
-
-constexpr void (*kCalls[])(Arguments&) = {
-    SetUp,
-    InstallAny,
-    [](Arguments&) { Expect(ITCUpdateStm()); },
-    [](Arguments&) { Expect(ITCSaveToFile()); },
-    ReadBack,
-    [](Arguments& arguments) { Expect(ITCFreeParams(arguments.Byte() % 5)); },
-    SpoilHeaders};
+constexpr void (*kCalls[])() = {SetUp,
+                                [] { kInstalls[Byte() % corvantis::kLargestType](); },
+                                [] { Expect(ITCUpdateStm()); },
+                                [] { Expect(ITCSaveToFile()); },
+                                ReadBack,
+                                [] { Expect(ITCFreeParams(Byte() % 5)); },
+                                SpoilHeaders};
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static std::array<float, corvantis_fuzz::kBufferSamples> conductance;
     corvantis_fuzz::StartLibrary();
-    std::memset(epochhdr, 0, sizeof *epochhdr);
-    std::memset(filehdr, 0, sizeof *filehdr);
+    *epochhdr = {};
+    *filehdr = {};
     filehdr->version = ITC_FILE_VERSION;
     ExcitatoryG = InhibitoryG = conductance.data();
     const corvantis_fuzz::MemoryFile file;
-    Expect(ITCCreateFile(file.Path().c_str(), 1));
-    Arguments arguments(data, size);
-    for (int calls = 0; calls < 64 && !arguments.Empty(); ++calls) {
-        kCalls[arguments.Byte() % std::size(kCalls)](arguments);
-    }
+    Expect(ITCCreateFile(file.path.c_str(), 1));
+    input = {data, size};
+    for (int calls = 0; calls < 64 && !input.empty(); ++calls) kCalls[Byte() % std::size(kCalls)]();
     corvantis_fuzz::ReleaseStimuli();
     ITCCloseFile();
     ExcitatoryG = InhibitoryG = nullptr;

@@ -2,8 +2,7 @@
 // check`.
 #include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
+#include <cstdio>
 #include <string>
 
 #include "Session.h"
@@ -12,41 +11,24 @@
 #include "files/Failure.h"
 #include "output/Terminal.h"
 
-namespace {
-
-// A folder in memory where there is one; repairs replace their output at each input.
-class OutputFolder {
-  public:
-    OutputFolder() { std::filesystem::create_directories(path_); }
-    OutputFolder(const OutputFolder&) = delete;
-    OutputFolder& operator=(const OutputFolder&) = delete;
-    ~OutputFolder() { std::filesystem::remove_all(path_); }
-    std::string File() const { return path_ / "repaired"; }
-
-  private:
-    static std::filesystem::path Base() {
-        const std::filesystem::path memory = "/dev/shm";
-        return is_directory(memory) ? memory : std::filesystem::temp_directory_path();
-    }
-    const std::filesystem::path path_ = Base() / ("fuzz-repair-" + std::to_string(getpid()));
-};
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    // Repairs put a new file in its place, in memory where there is room.
+    static const std::string output =
+        (access("/dev/shm", W_OK) == 0 ? "/dev/shm/" : "/tmp/") + std::to_string(getpid());
     static FILE* const nowhere = std::fopen("/dev/null", "w");
-    static const OutputFolder folder;
-    static const std::string output = folder.File();
     static const corvantis::tool::Terminal terminal = {nowhere, nowhere, true};
     corvantis_fuzz::StartLibrary();
     const corvantis_fuzz::MemoryFile file(data, size);
     try {
         const bool keepPartial = size % 2 == 0;
-        corvantis::tool::RunRepair({file.Path(), output, keepPartial, true, false}, terminal);
+        corvantis::tool::RunRepair({file.path, output, keepPartial, true, false}, terminal);
     } catch (const corvantis::tool::Failure&) {
         return 0;
     }
-    if (corvantis::tool::RunCheck({{output}, false, false}, terminal) != corvantis::tool::kFine)
-        std::abort();
-    return 0;
+    const int checked = corvantis::tool::RunCheck({{output}, false, false}, terminal);
+    corvantis_fuzz::Require(checked == corvantis::tool::kFine);
+    ITCOpenFileForInput(output.c_str());
+    corvantis_fuzz::ReachFirstEpoch();
+    ITCCloseOpenFile();
+    return std::remove(output.c_str());
 }

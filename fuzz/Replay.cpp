@@ -1,32 +1,25 @@
-// Runs a fuzz target on the files and folders that are named, without a fuzzer.
-#include <cstdint>
-#include <cstdio>
+// Runs a fuzz target on the files of a folder, without a fuzzer.
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <vector>
+
+#include "ITCFileIO/StimulusTypes.h"
+#include "Session.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
-namespace {
-
-void ReplayFile(const std::filesystem::path& path) {
-    std::ifstream stream(path, std::ios::binary);
-    const std::vector<char> bytes((std::istreambuf_iterator<char>(stream)), {});
-    LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
-}
-
-}  // namespace
-
 int main(int count, char** names) {
-    int files = 0;
-    for (int i = 1; i < count; ++i) {
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(names[i])) {
-            if (!entry.is_regular_file()) continue;
-            ReplayFile(entry.path());
-            ++files;
-        }
+    if (count != 2) return 2;
+    for (const auto& entry : std::filesystem::directory_iterator(names[1])) {
+        std::ifstream stream(entry.path(), std::ios::binary);
+        const std::string bytes((std::istreambuf_iterator<char>(stream)), {});
+        LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
     }
-    std::fprintf(stderr, "%d inputs replayed\n", files);
-    return files > 0 ? 0 : 1;
+    bool complete = true;
+    for (int32_t type = 1; type <= static_cast<int32_t>(corvantis::kLargestType); ++type) {
+        if (corvantis_fuzz::reachedTypes.contains(type)) continue;
+        std::fprintf(stderr, "no input leads to the stimulus type %d\n", type);
+        complete = false;
+    }
+    return complete ? 0 : 1;
 }

@@ -1,8 +1,7 @@
-// Brings the library's generators, whose spare deviates outlive every test, to a known state.
+// Brings the library's generator, whose spare deviate outlives every test, to a known state.
 #pragma once
 
 #include <cstdint>
-#include <cstdlib>
 
 #include "Corvantis.h"
 
@@ -13,14 +12,6 @@ inline void DropSpareDeviate() {
     int32_t word = -1;
     ITCNormalDeviate(&word);
     if (word != -1) ITCNormalDeviate(&word);
-}
-
-inline void DropSpareDeviateOnRand() {
-    std::srand(1);
-    const int first = std::rand();
-    std::srand(1);
-    V4ITCNormalDeviate();
-    if (std::rand() != first) V4ITCNormalDeviate();
 }
 
 }  // namespace corvantis_test

@@ -1,16 +1,16 @@
-// The computed shapes by hand and against their plain formulas, by the dispatcher and by the
-// generators, and what has no shape.
+// Waveforms by hand and at their edges, from the dispatcher and from the generators, and what has
+// no waveform.
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <string>
-#include <utility>
 
 #include "Corvantis.h"
 #include "LibrarySession.h"
+#include "SpareDeviates.h"
 #include "WrittenSamples.h"
-#include "reference/Definitions.h"
 
 namespace {
 
@@ -18,189 +18,137 @@ using namespace corvantis_test;
 
 uint16_t Low(int64_t level) { return static_cast<uint16_t>(level); }
 
-template <class Record, class Result>
-Samples Generated(size_t points, Result (*generate)(int16_t*, const Record*),
-                  const Record& record) {
+template <class Generate>
+void ExpectGenerated(const Samples& expected, Generate generate) {
     QuietOutput none;
-    const Samples samples = Written(
-        points, [&](uint16_t* buffer) { generate(reinterpret_cast<int16_t*>(buffer), &record); });
+    const auto calculate = [&](auto* buffer) { generate(reinterpret_cast<int16_t*>(buffer)); };
+    EXPECT_EQ(Written(expected.size(), calculate), expected);
     EXPECT_EQ(none.Text(), "") << "the dispatcher alone prints";
-    return samples;
-}
-
-// Both ways of computing a record give these samples.
-template <class Record, class Result>
-void ExpectWave(uint32_t type, Result (*generate)(int16_t*, const Record*), const Record& record,
-                const Samples& expected) {
-    QuietOutput lines;
-    const Samples calculated = Written(expected.size(), [&](uint16_t* buffer) {
-        EXPECT_EQ(ITCCalcStimulus(type, buffer, &record), ITC_SUCCESS);
-    });
-    EXPECT_EQ(lines.Text(), "stim type " + std::to_string(type) + "\n" +
-                                (type == 13 ? "alt voltage create\n" : ""));
-    EXPECT_EQ(calculated, expected);
-    EXPECT_EQ(Generated(expected.size(), generate, record), expected);
-}
-
-// Lengths of the three runs; a count of 0 or below writes nothing.
-struct Runs {
-    int32_t prePoints, points, tailPoints;
-};
-constexpr Runs kRuns[] = {{3, 24, 2}, {0, 7, 0},   {-2, 5, 1}, {2, -3, 1},
-                          {2, 0, -1}, {-1, 5, -9}, {-1, 0, 0}, {1, 1, 1}};
-
-template <class Record, class Result, class Formula>
-void ExpectPlainWave(uint32_t type, Result (*generate)(int16_t*, const Record*), Record record,
-                     Formula formula) {
-    for (const Runs& runs : kRuns) {
-        record.prePoints = runs.prePoints;
-        record.points = runs.points;
-        record.tailPoints = runs.tailPoints;
-        const int32_t size =
-            std::max(runs.prePoints, 0) + std::max(runs.points, 0) + std::max(runs.tailPoints, 0);
-        const auto calculate = [&](uint16_t* buffer) { formula(buffer, record); };
-        ExpectWave(type, generate, record, Written(static_cast<size_t>(size), calculate));
-    }
-}
-
-class WaveformTest : public testing::Test {
-  protected:
-    LibrarySession session;
-};
-
-TEST_F(WaveformTest, SineByHand) {
-    epochhdr->samplingInterval = 37;
-    ITCSineParameters record{1000, 0, 4, 0, 8, 0, 0, {}};
-    ExpectWave(1, ITCStmCreateSine, record, {0, 999, 0, Low(-999), 0, 999, 0, Low(-999)});
-    // Bounds of 32 bits: the conversion stops at 2147483647 and at -2147483648.
-    record = {2000000000, 2000000000, 4, 0, 2, 0, 0, {}};
-    ExpectWave(1, ITCStmCreateSine, record, {Low(2000000000), 0xFFFF});
-    record = {-2000000000, -2000000000, 4, 0, 2, 0, 0, {}};
-    ExpectWave(1, ITCStmCreateSine, record, {Low(-2000000000), 0});
-    // Without a period or an interval it is no number, for which zero is stored.
-    for (const auto& [interval, period] : {std::pair{10, 0}, std::pair{0, 10}, std::pair{0, 0}}) {
-        epochhdr->samplingInterval = interval;
-        record = {500, 77, period, 0, 4, 1, 1, {}};
-        ExpectWave(1, ITCStmCreateSine, record, {77, 0, 0, 0, 0, 77});
-    }
-}
-
-// Its last point is moved by 1 if product and sum are rounded apart.
-TEST_F(WaveformTest, ASineIsRoundedOnce) {
-    epochhdr->samplingInterval = 10;
-    const ITCSineParameters record{INT32_MAX, -2051404981, 361, 0, 6572, 0, 0, {}};
-    const auto calculate = [&](uint16_t* buffer) { definition::Sine(buffer, record, 10); };
-    ExpectWave(1, ITCStmCreateSine, record, Written(6572, calculate));
-}
-
-TEST_F(WaveformTest, PulseRampTriggersAndAlternationByHand) {
-    ExpectWave(3, ITCStmCreatePulse, ITCPulseParameters{10000, 30000, 1, 1, 1, {}},
-               {30000, 0x9C40, 30000});
-    ExpectWave(4, ITCStmCreateRamp, ITCRampParameters{100, 0, 4, 1, 0, {}}, {0, 25, 50, 75, 0});
-    ExpectWave(8, ITCStmCreateTrigSeries, ITCTrigSeriesParameters{5, 100, 3, 7, 0, 1, {}},
-               {5, 105, 5, 5, 105, 5, 5, 105});
-    ExpectWave(13, ITCStmCreateAltVoltage, ITCAlternateVoltageParameters{2, 9, 4, 5, 1, 0, {}},
-               {4, 4, 13, 13, 4, 4});
-}
-
-TEST_F(WaveformTest, RunsOfEveryLengthAndSign) {
-    for (const int32_t interval : {10, 262140}) {
-        epochhdr->samplingInterval = interval;
-        for (const ITCSineParameters& record :
-             {ITCSineParameters{1000, 0, 4, 99, 0, 0, 0, {}},
-              ITCSineParameters{INT32_MAX, -5, -9, 99, 0, 0, 0, {}}}) {
-            ExpectPlainWave(1, ITCStmCreateSine, record, [=](uint16_t* buffer, const auto& sine) {
-                definition::Sine(buffer, sine, interval);
-            });
-        }
-    }
-    for (const auto& [amplitude, mean] : {std::pair{-70000, 5}, std::pair{1, INT32_MAX},
-                                          std::pair{INT32_MIN, INT32_MIN}, std::pair{70001, -7}}) {
-        ExpectPlainWave(3, ITCStmCreatePulse, ITCPulseParameters{amplitude, mean, 0, 0, 0, {}},
-                        definition::Pulse);
-        ExpectPlainWave(4, ITCStmCreateRamp, ITCRampParameters{amplitude, mean, 0, 0, 0, {}},
-                        definition::Ramp);
-    }
-    for (const int32_t period : {1, 3, -3, 24, 1000, INT32_MIN}) {
-        ExpectPlainWave(8, ITCStmCreateTrigSeries,
-                        ITCTrigSeriesParameters{60000, 9000, period, 0, 0, 0, {}},
-                        definition::TriggerSeries);
-        ExpectPlainWave(13, ITCStmCreateAltVoltage,
-                        ITCAlternateVoltageParameters{period, -40000, -3000, 0, 0, 0, {}},
-                        definition::AlternatingVoltage);
-    }
-}
-
-TEST_F(WaveformTest, FileWaveCopiesAndLeavesTheRest) {
-    const Samples wave = {1, 0xFFFF, 0x8000, 40000, 7};
-    for (const int32_t length : {5, 3, 0, -4}) {
-        Samples expected(8, kUntouched);
-        std::copy_n(wave.begin(), std::max(length, 0), expected.begin());
-        ExpectWave(5, ITCStmCreateFilewave, ITCFilewaveParameters{wave.data(), length}, expected);
-    }
-    ExpectWave(5, ITCStmCreateFilewave, ITCFilewaveParameters{nullptr, 0}, Samples(4, kUntouched));
-}
-
-TEST_F(WaveformTest, SpatialAndDynamicClampAreZero) {
-    for (const int32_t points : {9, 1, 0, -5}) {
-        const Samples zeros(static_cast<size_t>(std::max(points, 0)), 0);
-        ExpectWave(14, ITCStmCreateSpatial, ITCSpatialStmParameters{points, {}}, zeros);
-        epochhdr->epochPoints = points;
-        QuietOutput quiet;
-        const auto calculate = [](uint16_t* buffer) {
-            EXPECT_EQ(ITCCalcStimulus(11, buffer, nullptr), ITC_SUCCESS);
-        };
-        EXPECT_EQ(Written(zeros.size(), calculate), zeros);
-        const auto generate = [](uint16_t* buffer) {
-            ITCStmCreateGClamp(reinterpret_cast<int16_t*>(buffer));
-        };
-        EXPECT_EQ(Written(zeros.size(), generate), zeros);
-        EXPECT_EQ(quiet.Text(), "stim type 11\n");
-    }
 }
 
 // The line comes before any check, so a log shows what was tried.
-void ExpectRefused(uint32_t type, const void* record, int32_t result = ITC_STIMULUS_ERROR) {
+Samples Calculated(uint32_t type, const void* record, size_t points, int32_t result = ITC_SUCCESS) {
     QuietOutput lines;
     const auto calculate = [&](uint16_t* buffer) {
         EXPECT_EQ(ITCCalcStimulus(type, buffer, record), result) << "type " << type;
     };
-    EXPECT_EQ(Written(8, calculate), Samples(8, kUntouched));
-    EXPECT_TRUE(
-        lines.Text().starts_with("stim type " + std::to_string(static_cast<int32_t>(type)) + "\n"));
+    const Samples samples = Written(points, calculate);
+    const std::string line = "stim type " + std::to_string(static_cast<int32_t>(type)) + "\n";
+    EXPECT_EQ(lines.Text(), type == 13 ? line + "alt voltage create\n" : line);
+    return samples;
 }
 
-TEST_F(WaveformTest, TypesWithoutWaveformAndMissingRecords) {
-    const uint8_t record[2048] = {};
-    for (const uint32_t type : {0U, 6U, 7U, 12U, 15U, 255U, 0x80000000U, 0xFFFFFFFFU})
-        ExpectRefused(type, record);
-    for (const uint32_t type : {1U, 2U, 3U, 4U, 5U, 8U, 9U, 10U, 13U, 14U})
-        ExpectRefused(type, nullptr);
+void ExpectRefused(uint32_t type, const void* record, int32_t result = ITC_STIMULUS_ERROR) {
+    EXPECT_EQ(Calculated(type, record, 8, result), Samples(8, kUntouched)) << "type " << type;
 }
 
 // What cannot be divided is refused by the dispatcher and held by the generators.
-TEST_F(WaveformTest, ZeroDivisors) {
-    const Samples held(8, 300);
-    const ITCTrigSeriesParameters triggers{300, 9, 0, 5, 1, 2, {}};
-    ExpectRefused(8, &triggers);
-    EXPECT_EQ(Generated(8, ITCStmCreateTrigSeries, triggers), held);
-    const ITCAlternateVoltageParameters alternating{0, 9, 300, 5, 1, 2, {}};
-    ExpectRefused(13, &alternating);
-    EXPECT_EQ(Generated(8, ITCStmCreateAltVoltage, alternating), held);
-    const ITCSegmentedNoiseParameters segments{9, 300, 1, 5, 1, 2, 0, {}};
-    ExpectRefused(9, &segments);
-    EXPECT_EQ(Generated(8, ITCStmCreateSegmentedNoise, segments), held);
-    const ITCBinaryNoiseParameters binary{9, 300, 1, 5, 1, 2, 0, {}};
-    ExpectRefused(10, &binary);
-    EXPECT_EQ(Generated(8, ITCStmCreateBinaryNoise, binary), held);
+template <class Record, class Buffer, class Result>
+void ExpectWave(uint32_t type, Result (*generate)(Buffer*, const Record*), const Record& record,
+                const Samples& expected, bool isRefused = false) {
+    if (isRefused) ExpectRefused(type, &record);
+    if (!isRefused) EXPECT_EQ(Calculated(type, &record, expected.size()), expected) << type;
+    ExpectGenerated(expected,
+                    [&](auto* samples) { generate(reinterpret_cast<Buffer*>(samples), &record); });
 }
 
-TEST(WaveformWithoutStartTest, DispatcherRefusesAndGeneratorsWork) {
-    { const LibrarySession ended; }
+struct WaveformTest : testing::Test {
+    WaveformTest() { epochhdr->samplingInterval = 50; }
+    LibrarySession session;
+};
+
+TEST_F(WaveformTest, SinesByHand) {
+    const auto expect = [](int32_t interval, const ITCSineParameters& sine, const Samples& wave) {
+        epochhdr->samplingInterval = interval;
+        ExpectWave(1, ITCStmCreateSine, sine, wave);
+    };
+    expect(37, {1000, 0, 4, 0, 8, 0, 0, {}}, {0, 999, 0, Low(-999), 0, 999, 0, Low(-999)});
+    // Bounds of 32 bits: the conversion stops at 2147483647 and at -2147483648.
+    expect(37, {2000000000, 2000000000, 4, 0, 2, 0, 0, {}}, {Low(2000000000), 0xFFFF});
+    expect(37, {-2000000000, -2000000000, 4, 0, 2, 0, 0, {}}, {Low(-2000000000), 0});
+    // Without a period or an interval it is no number, for which zero is stored.
+    expect(37, {500, 77, 0, 0, 4, 1, 1, {}}, {77, 0, 0, 0, 0, 77});
+    expect(0, {500, 77, 10, 0, 4, 1, 1, {}}, {77, 0, 0, 0, 0, 77});
+}
+
+TEST_F(WaveformTest, OthersByHand) {
+    ExpectWave(3, ITCStmCreatePulse, {10000, 30000, 1, 1, 1, {}}, {30000, 0x9C40, 30000});
+    ExpectWave(4, ITCStmCreateRamp, {100, 0, 4, 1, 0, {}}, {0, 25, 50, 75, 0});
+    ExpectWave(8, ITCStmCreateTrigSeries, {5, 100, 3, 7, 0, 1, {}}, {5, 105, 5, 5, 105, 5, 5, 105});
+    ExpectWave(13, ITCStmCreateAltVoltage, {2, 9, 4, 5, 1, 0, {}}, {4, 4, 13, 13, 4, 4});
+    // The draws behind this seed's restart are 0.746 and 0.417.
+    ExpectWave(10, ITCStmCreateBinaryNoise, {100, 3, 5, 5, 1, 1, 2, {}},
+               {3, 103, 103, Low(-97), Low(-97), 3, 3});
+    const Samples wave = {1, 0xFFFF, 0x8000, 40000}, held(8, 300);
+    for (const int32_t length : {4, 3, 0, -4}) {
+        const Samples zeros(static_cast<size_t>(std::max(length, 0)), 0);
+        Samples expected(8, kUntouched);
+        std::copy_n(wave.begin(), zeros.size(), expected.begin());
+        ExpectWave(5, ITCStmCreateFilewave, {wave.data(), length}, expected);
+        ExpectWave(14, ITCStmCreateSpatial, {length, {}}, zeros);
+        epochhdr->epochPoints = length;
+        EXPECT_EQ(Calculated(11, nullptr, zeros.size()), zeros);
+        ExpectGenerated(zeros, ITCStmCreateGClamp);
+    }
+    ExpectWave(5, ITCStmCreateFilewave, {nullptr, 0}, Samples(4, kUntouched));
+    ExpectWave(8, ITCStmCreateTrigSeries, {300, 9, 0, 5, 1, 2, {}}, held, true);
+    ExpectWave(9, ITCStmCreateSegmentedNoise, {9, 300, 1, 5, 1, 2, 0, {}}, held, true);
+    ExpectWave(10, ITCStmCreateBinaryNoise, {9, 300, 1, 5, 1, 2, 0, {}}, held, true);
+    ExpectWave(13, ITCStmCreateAltVoltage, {0, 9, 300, 5, 1, 2, {}}, held, true);
+}
+
+// Nothing divided by nothing is no number. Totals wrap: twice -2^31 and 7 are 7.
+TEST_F(WaveformTest, NoiseOfNothing) {
+    const Samples held(7, 9), zeros = {9, 0, 0, 0, 9};
+    ExpectWave(9, ITCStmCreateSegmentedNoise, {700, 9, 1, 5, 1, 1, -2, {}}, held);
+    ExpectWave(2, ITCStmCreateNoise, {2000, 9, 1, 0, 4, 3, 0, 50, 1}, held);
+    ExpectWave(2, ITCStmCreateNoise, {1, 9, 1, INT32_MIN, 7, INT32_MIN, 0, 1, 1}, held);
+    ExpectWave(2, ITCStmCreateNoise, {2000, 9, 1, 3, 1, 1, 0, 0, 2}, zeros);
+    filehdr->version = 4;
+    ExpectWave(2, ITCStmCreateNoise, {1800, 9, 1, 3, 1, 1, 0, 60, 1}, zeros);
+    for (const auto& [tail, pre, window] :  // windows that do not fit
+         {std::array{9, 1, 4}, std::array{1, 9, 4}, std::array{9, -3, 1}, std::array{-1, 9, 1}}) {
+        const ITCNoiseParameters record{100, 5, 1, 10, tail, pre, window, 60, 1};
+        ExpectRefused(2, &record);
+    }
+}
+
+// Three points that would lie before the buffer are passed over, the rest moves up.
+template <class Record>
+void ExpectShift(uint32_t type, Record record) {
+    DropSpareDeviate();
+    Samples expected = Calculated(type, &record, 10);
+    std::rotate(expected.begin(), expected.begin() + 3, expected.end());
+    std::fill(expected.end() - 3, expected.end(), static_cast<uint16_t>(record.mean));
+    record.prePoints = -3;
+    record.tailPoints = 3;
+    DropSpareDeviate();
+    EXPECT_EQ(Calculated(type, &record, 10), expected) << "type " << type;
+}
+
+TEST_F(WaveformTest, NoiseBeforeTheBufferAndAtOneHalf) {
+    ExpectShift(2, ITCNoiseParameters{2500, 7, 77, 10, 0, 0, 0, -500, 1});
+    for (const int32_t segment : {1, 2, 5})
+        ExpectShift(9, ITCSegmentedNoiseParameters{700, 5, 77, 10, 0, 0, segment, {}});
+    int32_t word = -9687;
+    for (int n = 0; n < 117; ++n) ran2(&word);
+    EXPECT_EQ(ran2(&word), 0.5F);
+    const ITCBinaryNoiseParameters record{1000, 0, 9687, 117, 0, 0, 1, {}};
+    EXPECT_EQ(Calculated(10, &record, 117).back(), Low(-1000));
+}
+
+TEST(WaveformRefusals, TypesWithoutWaveformMissingRecordsAndNoSession) {
+    const uint8_t record[2048] = {};
+    {
+        const LibrarySession session;
+        for (const uint32_t type : {0U, 6U, 7U, 12U, 15U, 255U, 0x80000000U, 0xFFFFFFFFU})
+            ExpectRefused(type, record);
+        for (const uint32_t type : {1U, 2U, 3U, 4U, 5U, 8U, 9U, 10U, 13U, 14U})
+            ExpectRefused(type, nullptr);
+    }
     const ITCPulseParameters pulse{20, 5, 2, 1, 1, {}};
-    ExpectRefused(3, &pulse, ITC_NOT_STARTED);
-    ExpectRefused(99, &pulse, ITC_NOT_STARTED);
-    EXPECT_EQ(Generated(4, ITCStmCreatePulse, pulse), (Samples{5, 25, 25, 5}));
+    for (const uint32_t type : {3U, 99U}) ExpectRefused(type, &pulse, ITC_NOT_STARTED);
+    ExpectGenerated({5, 25, 25, 5}, [&](int16_t* buffer) { ITCStmCreatePulse(buffer, &pulse); });
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Comparison of computed values bit for bit, and the counts at which fast paths change their ways.
+// Waveforms beside their definitions, bit for bit and from the same state of the generators.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -7,37 +7,54 @@
 #include <cmath>
 #include <cstdint>
 #include <random>
-#include <span>
+#include <tuple>
 #include <vector>
 
 #include "Corvantis.h"
+#include "ITCFileIO/StimulusTypes.h"
+#include "ITCUtilities/Random/LibraryGenerators.h"
+#include "WrittenSamples.h"
+#include "reference/Definitions.h"
 
 namespace corvantis_test {
 
 // A NaN equals every NaN: which one an operation on two gives, the arithmetic leaves open.
-inline bool IsSame(float a, float b) {
-    return std::bit_cast<uint32_t>(a) == std::bit_cast<uint32_t>(b) ||
-           (std::isnan(a) && std::isnan(b));
-}
-inline bool IsSame(uint16_t a, uint16_t b) { return a == b; }
+inline uint64_t Bits(float value) { return std::isnan(value) ? 1 : std::bit_cast<uint32_t>(value); }
+inline uint64_t Bits(uint16_t value) { return value; }
+
+// FNV-1a over whole values: no host may differ in what a test compares.
+inline constexpr uint64_t kNoValues = 14695981039346656037u;
+inline uint64_t digest = kNoValues;
 
 template <class T>
-size_t CountDifferences(std::span<const T> a, std::span<const T> b) {
-    size_t differences = a.size() == b.size() ? 0 : 1;
-    for (size_t i = 0; i < std::min(a.size(), b.size()); ++i) {
-        differences += IsSame(a[i], b[i]) ? 0 : 1;
+void ExpectSame(const std::vector<T>& found, const std::vector<T>& expected, const auto&... what) {
+    size_t differences = found.size() == expected.size() ? 0 : 1;
+    for (size_t i = 0; i < std::min(found.size(), expected.size()); ++i) {
+        digest = (digest ^ Bits(found[i])) * 1099511628211u;
+        differences += Bits(found[i]) != Bits(expected[i]);
     }
-    return differences;
+    EXPECT_EQ(differences, 0u) << testing::PrintToString(std::tie(what...));
 }
-template <class T>
-size_t CountDifferences(const std::vector<T>& a, const std::vector<T>& b) {
-    return CountDifferences(std::span<const T>(a), std::span<const T>(b));
-}
+
+// Library and definition without spare deviates.
+class ExactTest : public testing::Test {
+  protected:
+    ExactTest() {
+        digest = kNoValues;
+        generators.spare = generators.oldSpare = {};
+        definition::DropSpareDeviates();
+    }
+    static void ExpectDigest(uint64_t expected) {
+        EXPECT_EQ(digest, expected) << "as defined, but not as on the other hosts";
+    }
+
+    corvantis::NoiseGenerators& generators = corvantis::LibraryGenerators();
+};
 
 // Around the sizes of batches, blocks and vectors.
-inline const std::vector<int32_t> kAwkwardCounts = {1,   2,   3,   15,  16,   17,   31,   47,   48,
-                                                    49,  127, 128, 129, 255,  256,  257,  511,  512,
-                                                    513, 767, 769, 999, 1025, 4095, 5001, 65537};
+inline constexpr int32_t kAwkwardCounts[] = {1,   2,   3,   15,  16,   17,   31,   47,   48,
+                                             49,  127, 128, 129, 255,  256,  257,  511,  512,
+                                             513, 767, 769, 999, 1025, 4095, 5001, 65537};
 
 // A level of any magnitude, small ones as often as large ones.
 inline int32_t RandomLevel(std::mt19937& source) {
@@ -45,15 +62,18 @@ inline int32_t RandomLevel(std::mt19937& source) {
     return source() % 2 == 0 ? magnitude : -magnitude;
 }
 
-// A buffer for a record's samples, with content that a forgotten sample would show.
-template <class Record>
-std::vector<uint16_t> BufferFor(const Record& record) {
-    return std::vector<uint16_t>(
-        static_cast<size_t>(record.prePoints + record.points + record.tailPoints), 0x5AA5);
-}
-
-inline int16_t* SignedSamples(std::vector<uint16_t>& samples) {
-    return reinterpret_cast<int16_t*>(samples.data());
+template <class Record, class Definition>
+void ExpectDefined(uint32_t type, const Record& record, Definition definition,
+                   const corvantis::EpochSettings& settings = {}) {
+    const auto points =
+        static_cast<size_t>(std::max(record.prePoints, 0) + std::max(record.points, 0) +
+                            std::max(record.tailPoints, 0));
+    const auto calculate = [&](uint16_t* buffer) {
+        CalculateWaveform(type, buffer, &record, settings, corvantis::LibraryGenerators());
+    };
+    const auto define = [&](uint16_t* buffer) { definition(buffer, record); };
+    ExpectSame(Written(points, calculate), Written(points, define), type, settings.samplingInterval,
+               record);
 }
 
 }  // namespace corvantis_test

@@ -136,8 +136,8 @@ TEST(EpochHeaderOfOldFiles, HasALatencyFromItsSequence) {
     }
 }
 
-// Takes in no 0xEE; chosen by content, since the C library may cut and repeat what it writes.
-// Only once: that one is passed over, not tried again.
+// Stops once before a byte 0xEE and takes in everything after that: what was refused is passed
+// over, not tried again.
 struct RefusingSink {
     Bytes taken;
     bool hasRefused = false;
@@ -148,7 +148,7 @@ struct RefusingSink {
         auto& [taken, hasRefused, stream] = *static_cast<RefusingSink*>(cookie);
         const char* end = bytes + size;
         if (!hasRefused) end = std::find(bytes, end, static_cast<char>(0xEE));
-        hasRefused = hasRefused || end == bytes;
+        hasRefused = hasRefused || end < bytes + size;
         taken.insert(taken.end(), bytes, end);
         return end - bytes;
     }

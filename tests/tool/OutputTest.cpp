@@ -37,7 +37,7 @@ TEST_F(OutputTest, ReplacesFilesAlsoBehindLinksAndNothingElse) {
 
 TEST_F(OutputTest, SaysThatAFileIsBeingRecordedAndGivesItsRightsOn) {
     ASSERT_EQ(chmod("sound.dat", 0640), 0);
-    const Stream recorder(fopen("sound.dat", "r+b"));
+    const Stream recorder(fopen("sound.dat", "r+b"), fclose);
     ASSERT_EQ(flock(fileno(recorder.get()), LOCK_EX), 0);
     EXPECT_TRUE(Contains(RunTool("check sound.dat").results, "note: found a program that is"));
     EXPECT_TRUE(Contains(Repair("out.dat").messages, "is being recorded"));

@@ -55,14 +55,15 @@ Component ReadComponent(int32_t epoch, int32_t entry, int32_t number, int32_t ty
     return component;
 }
 
-// Only a sum has more components than one; its first missing one ends it.
+// Only a sum has another number of components than one.
 std::vector<Component> ReadStimulus(int32_t epoch, int32_t entry) {
     std::vector<Component> components;
-    const bool isSum = ITCGetStimType(entry) == ITC_STIMULUS_SUMMED;
+    // A sum's record begins with the number of its components.
+    int32_t count = 1;
+    if (ITCGetStimType(entry) == ITC_STIMULUS_SUMMED) ITCGetStimParams(entry, &count, sizeof count);
     int32_t type = 0;
-    for (int32_t k = 0; ITCGetStmType(epoch, entry, k, &type) == ITC_SUCCESS; ++k) {
+    for (int32_t k = 0; k < count && ITCGetStmType(epoch, entry, k, &type) == ITC_SUCCESS; ++k) {
         components.push_back(ReadComponent(epoch, entry, k, type));
-        if (!isSum) break;
     }
     return components;
 }

@@ -45,7 +45,8 @@ copy_recording() {
 
 recording() {
     program record-demo "$folder/demo.dat"
-    program show-demo "$folder/demo.dat"
+    run program show-demo "$folder/demo.dat"
+    expect 0 'sine 30 pA + ramp 200 pA, 800 ms'
 }
 
 # The file holds nothing of the day or the machine's memory: recorded again, it is the same.

@@ -51,12 +51,9 @@ TEST_F(SavingUnderDifficulties, RefusalsChangeNothing) {
     const ITCEpochHeader sound = *epochhdr;
     const std::function<void()> spoilers[] = {
         [] { *ITCbufsize = 11; },  // of 12 samples
-        [] { epochhdr->sequenceLength = 5; },
-        [] { epochhdr->sequenceLength = -1; },
+        [] { epochhdr->sequenceLength = 5; }, [] { epochhdr->sequenceLength = -1; },
         [] { epochhdr->epochPoints = -1; },
-        [] { EpochPosition[1] = 0xFFFFFFFF - 1032 + 1; },  // the end beyond 4 GiB
-        [this] { EXPECT_TRUE(ITCCloseFile() == 0 && Open() == ITC_SUCCESS); },
-        [] { ITCCloseFile(); }};
+        [] { EpochPosition[1] = 0xFFFFFFFF - 1032 + 1; }};  // the end beyond 4 GiB
     for (const auto& spoil : spoilers) {
         spoil();
         EXPECT_EQ(ITCSaveToFile(), ITC_FILE_ERROR) << &spoil - spoilers;
@@ -65,6 +62,9 @@ TEST_F(SavingUnderDifficulties, RefusalsChangeNothing) {
         *ITCbufsize = 65536;
         EpochPosition[1] = 580 + 1032;
     }
+    EXPECT_EQ(Results({ITCCloseFile(), ITCSaveToFile(), Open(), ITCSaveToFile()}),
+              Results({0, 7, 0, 7}));
+    EXPECT_TRUE(filehdr->numEpochs == 1 && FileContent(path) == saved);
     ASSERT_EQ(Create(), ITC_SUCCESS);
     std::filesystem::rename(path, folder.File("renamed"));
     EXPECT_EQ(ITCSaveToFile(), ITC_SUCCESS);

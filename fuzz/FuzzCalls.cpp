@@ -119,18 +119,14 @@ void ReadBack() {
     Expect(ITCNewRandomSeed(Take<int32_t>(), channel, component));
 }
 
-void SpoilHeaders() {
-    filehdr->version = Take<int8_t>();
-    epochhdr->stimType[0] = Take<int8_t>();
-}
-
 constexpr void (*kCalls[])() = {SetUp,
                                 [] { kInstalls[Byte() % corvantis::kLargestType](); },
                                 [] { Expect(ITCUpdateStm()); },
                                 [] { Expect(ITCSaveToFile()); },
                                 ReadBack,
                                 [] { Expect(ITCFreeParams(Byte() % 5)); },
-                                SpoilHeaders};
+                                [] { filehdr->version = Take<int8_t>(); },
+                                [] { epochhdr->stimType[0] = Take<int8_t>(); }};
 
 }  // namespace
 

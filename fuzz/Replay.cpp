@@ -15,11 +15,10 @@ int main(int count, char** names) {
         const std::string bytes((std::istreambuf_iterator<char>(stream)), {});
         LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
     }
-    bool complete = true;
-    for (int32_t type = 1; type <= static_cast<int32_t>(corvantis::kLargestType); ++type) {
-        if (corvantis_fuzz::reachedTypes.contains(type)) continue;
-        std::fprintf(stderr, "no input leads to the stimulus type %d\n", type);
-        complete = false;
-    }
-    return complete ? 0 : 1;
+    size_t reached = 0;
+    for (uint32_t type = 1; type <= corvantis::kLargestType; ++type)
+        reached += corvantis_fuzz::reachedTypes.count(static_cast<int32_t>(type));
+    std::fprintf(stderr, "%zu stimulus types of %u are reached\n", reached,
+                 corvantis::kLargestType);
+    return reached == corvantis::kLargestType ? 0 : 1;
 }

@@ -49,7 +49,6 @@ struct MemoryFile {
         Require(write(descriptor, data, size) == static_cast<ssize_t>(size));
     }
     MemoryFile(const MemoryFile&) = delete;
-    MemoryFile& operator=(const MemoryFile&) = delete;
     ~MemoryFile() { close(descriptor); }
 
     const int descriptor = memfd_create("recording", 0);

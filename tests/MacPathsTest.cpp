@@ -40,8 +40,7 @@ const std::pair<std::string, std::string> kPaths[] = {
     {":", "."},
     {kDisk + "\x8E\x83:t\xE9\xFF\xB5.itc", "/\x8E\x83/t\xE9\xFF\xB5.itc"},
     {std::string(300, 'v') + ":a", "/a"},
-    {kDisk + std::string(1000, 'n'), "/" + std::string(1000, 'n')},
-};
+    {kDisk + std::string(1000, 'n'), "/" + std::string(1000, 'n')}};
 
 TEST(MacPaths, BecomePosixPathsWithRoomForThemAndTheirTerminator) {
     char untouched = '?';

@@ -46,6 +46,8 @@ TEST_F(SimulatorTest, RefusesCallsOutOfOrder) {
     const auto initialize = [&](int32_t options) { return ITC18_Initialize(device, options); };
     const auto setInterval = [&] { return ITC18_SetSamplingInterval(device, 10, 0); };
     const auto prepare = [&] { return ITC18_InitializeAcquisition(device); };
+    // Initialising forgets the interval; each play, and a new sequence, needs its own preparation;
+    // an interface is taken over by whoever opens it.
     const std::pair<int32_t, int32_t> results[] = {
         {initialize(0), ITC18Simulator_NotOpen},
         {Play(1), ITC18Simulator_NotOpen},
@@ -58,15 +60,14 @@ TEST_F(SimulatorTest, RefusesCallsOutOfOrder) {
         {initialize(1), ITC18Simulator_BadOptions},
         {(initialize(0), prepare()), ITC18Simulator_NoSequence},
         {(setInterval(), initialize(0), Load({0xC000}), Play(1)), ITC18Simulator_NotPrepared},
-        {(prepare(), Play(1)), ITC18Simulator_NoInterval},  // initialising forgets it
+        {(prepare(), Play(1)), ITC18Simulator_NoInterval},
         {(setInterval(), Play(0)), ITC18Simulator_BadPoints},
         {ITC18Simulator_Play(device, nullptr, samples.data(), 1), ITC18Simulator_NullPointer},
         {Play(1), ITC18Simulator_Success},
-        {Play(1), ITC18Simulator_NotPrepared},  // each play needs its own preparation
-        {(prepare(), Load({0xC000}), Play(1)), ITC18Simulator_NotPrepared},  // a new sequence too
-        {ITC18_Open(other.data(), 3), ITC18Simulator_Success},               // taken over
-        {ITC18_Close(device), ITC18Simulator_NotOpen},
-    };
+        {Play(1), ITC18Simulator_NotPrepared},
+        {(prepare(), Load({0xC000}), Play(1)), ITC18Simulator_NotPrepared},
+        {ITC18_Open(other.data(), 3), ITC18Simulator_Success},
+        {ITC18_Close(device), ITC18Simulator_NotOpen}};
     for (const auto& each : results)
         EXPECT_EQ(each.first, each.second) << "call " << &each - results;
 }

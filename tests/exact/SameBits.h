@@ -65,9 +65,9 @@ inline int32_t RandomLevel(std::mt19937& source) {
 template <class Record, class Definition>
 void ExpectDefined(uint32_t type, const Record& record, Definition definition,
                    const corvantis::EpochSettings& settings = {}) {
-    const auto points =
-        static_cast<size_t>(std::max(record.prePoints, 0) + std::max(record.points, 0) +
-                            std::max(record.tailPoints, 0));
+    size_t points = 0;
+    for (const int32_t run : {record.prePoints, record.points, record.tailPoints})
+        points += static_cast<size_t>(std::max(run, 0));
     const auto calculate = [&](uint16_t* buffer) {
         CalculateWaveform(type, buffer, &record, settings, corvantis::LibraryGenerators());
     };

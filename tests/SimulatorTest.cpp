@@ -3,7 +3,7 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <utility>
+#include <initializer_list>
 #include <vector>
 
 #include "simulator/ITC18Simulator.h"
@@ -46,30 +46,26 @@ TEST_F(SimulatorTest, RefusesCallsOutOfOrder) {
     const auto initialize = [&](int32_t options) { return ITC18_Initialize(device, options); };
     const auto setInterval = [&] { return ITC18_SetSamplingInterval(device, 10, 0); };
     const auto prepare = [&] { return ITC18_InitializeAcquisition(device); };
-    // Initialising forgets the interval; each play, and a new sequence, needs its own preparation;
-    // an interface is taken over by whoever opens it.
-    const std::pair<int32_t, int32_t> results[] = {
-        {initialize(0), ITC18Simulator_NotOpen},
-        {Play(1), ITC18Simulator_NotOpen},
-        {ITC18_Open(nullptr, 0), ITC18Simulator_NullPointer},
-        {open(-1), ITC18Simulator_BadDeviceNumber},
-        {open(4), ITC18Simulator_BadDeviceNumber},
-        {(open(3), setInterval()), ITC18Simulator_NotInitialized},
-        {Load({0xC000}), ITC18Simulator_NotInitialized},
-        {prepare(), ITC18Simulator_NotInitialized},
-        {initialize(1), ITC18Simulator_BadOptions},
-        {(initialize(0), prepare()), ITC18Simulator_NoSequence},
-        {(setInterval(), initialize(0), Load({0xC000}), Play(1)), ITC18Simulator_NotPrepared},
-        {(prepare(), Play(1)), ITC18Simulator_NoInterval},
-        {(setInterval(), Play(0)), ITC18Simulator_BadPoints},
-        {ITC18Simulator_Play(device, nullptr, samples.data(), 1), ITC18Simulator_NullPointer},
-        {Play(1), ITC18Simulator_Success},
-        {Play(1), ITC18Simulator_NotPrepared},
-        {(prepare(), Load({0xC000}), Play(1)), ITC18Simulator_NotPrepared},
-        {ITC18_Open(other.data(), 3), ITC18Simulator_Success},
-        {ITC18_Close(device), ITC18Simulator_NotOpen}};
-    for (const auto& each : results)
-        EXPECT_EQ(each.first, each.second) << "call " << &each - results;
+    const auto expect = [](int32_t result, std::initializer_list<int32_t> calls) {
+        for (const int32_t each : calls) EXPECT_EQ(each, result);
+    };
+    expect(ITC18Simulator_NullPointer, {ITC18_Open(nullptr, 0)});
+    expect(ITC18Simulator_NotOpen, {initialize(0), Play(1)});
+    expect(ITC18Simulator_BadDeviceNumber, {open(-1), open(4)});
+    expect(ITC18Simulator_Success, {open(3)});
+    expect(ITC18Simulator_NotInitialized, {setInterval(), Load({0xC000}), prepare()});
+    expect(ITC18Simulator_BadOptions, {initialize(1)});
+    expect(ITC18Simulator_NoSequence, {(initialize(0), prepare())});
+    expect(ITC18Simulator_Success, {setInterval(), initialize(0), Load({0xC000})});
+    expect(ITC18Simulator_NotPrepared, {Play(1)});
+    // Initialising forgets the interval; each play, and a new sequence, needs its own preparation.
+    expect(ITC18Simulator_NoInterval, {(prepare(), Play(1))});
+    expect(ITC18Simulator_BadPoints, {(setInterval(), Play(0))});
+    expect(ITC18Simulator_NullPointer, {ITC18Simulator_Play(device, nullptr, samples.data(), 1)});
+    expect(ITC18Simulator_Success, {Play(1)});
+    expect(ITC18Simulator_NotPrepared, {Play(1), (prepare(), Load({0xC000}), Play(1))});
+    expect(ITC18Simulator_Success, {ITC18_Open(other.data(), 3)});  // taken over
+    expect(ITC18Simulator_NotOpen, {ITC18_Close(device)});
 }
 
 TEST_F(SimulatorTest, RefusesBadArgumentsAndKeepsTheLoadedOnes) {

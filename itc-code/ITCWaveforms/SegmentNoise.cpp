@@ -66,7 +66,7 @@ void CreateWaveform(uint16_t* buffer, const ITCSegmentedNoiseParameters& record,
     int32_t word = WrappingNegate(record.seed);
     DrawUniformDeviate(generators.uniform, word);
     const float amplitude = static_cast<float>(record.amplitude);
-    LayNoise(buffer, record, [&](auto levels) {
+    LayNoise(buffer, record, [=, &generators, &word](auto levels) {
         DrawNormalDeviates(generators, word, levels);
         for (float& level : levels) level *= amplitude;
     });
@@ -78,7 +78,7 @@ void CreateWaveform(uint16_t* buffer, const ITCBinaryNoiseParameters& record,
     DrawUniformDeviate(generators.uniform, word);
     const float up = static_cast<float>(record.amplitude);
     const float down = static_cast<float>(WrappingNegate(record.amplitude));
-    LayNoise(buffer, record, [&](auto levels) {
+    LayNoise(buffer, record, [=, &generators, &word](auto levels) {
         DrawUniformDeviates(generators.uniform, word, levels);
         for (float& level : levels) level = level > 0.5F ? up : down;
     });

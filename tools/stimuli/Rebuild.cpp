@@ -147,7 +147,7 @@ std::string WhyNotRebuilt(const ITCFileHeader& file, const Stimulus& stimulus) {
         return fmt::format("stimulus type {} is not known", stimulus.type);
     }
     if (!stimulus.isRead) return "its parameters lie behind some of a type that is not known";
-    const std::string caveat = RowOf(stimulus.type).caveat.Get();
+    std::string caveat = RowOf(stimulus.type).caveat.Get();
     if (!caveat.empty()) return caveat;
     for (const Stimulus& component : stimulus.components) {
         const std::string why = WhyNotRebuilt(file, component);

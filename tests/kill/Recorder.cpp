@@ -1,10 +1,12 @@
 // Records the same epochs each time it is run, one byte on standard error for each save: '.' or,
 // for one that failed and is tried again, 'x'. The file has no room beyond the first limit, until a
-// save has failed; then none beyond the next one. Usage: KillRecorder FILE EPOCHS [LIMIT...]
+// save has failed; then none beyond the next one. At the limit "end" it does not try again, and
+// ends. Usage: KillRecorder FILE EPOCHS [LIMIT...]
 #include <sys/resource.h>
 
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 
 #include "tool/SavedSteps.h"
 
@@ -48,7 +50,8 @@ int main(int count, char** arguments) {
         bool isSaved = ITCSaveToFile() == ITC_SUCCESS;
         for (; !isSaved && *limit != nullptr; isSaved = ITCSaveToFile() == ITC_SUCCESS) {
             if (!Report(false)) return 1;
-            LimitFileSize(*++limit);
+            if (*++limit != nullptr && std::strcmp(*limit, "end") == 0) return 0;
+            LimitFileSize(*limit);
         }
         if (!isSaved || !Report(true)) return 1;
     }

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "survey/PositionTable.h"
+
 namespace corvantis::tool {
 namespace {
 
@@ -16,6 +18,19 @@ bool LeadsTo(const DataFile& file, uint32_t last, int64_t table) {
     return hasEnd ? reading.place.end == table : EndsAt(reading, table);
 }
 
+// In pieces, so that a damaged count does not ask for memory that no table fills.
+std::vector<uint32_t> ReadTable(const DataFile& file, int64_t place, int64_t count) {
+    std::vector<uint32_t> table;
+    while (static_cast<int64_t>(table.size()) < count) {
+        const auto done = static_cast<int64_t>(table.size());
+        const auto piece =
+            file.Positions(place + kPositionSize * done, std::min(count - done, kTablePiece));
+        if (piece.empty() || *std::min_element(piece.begin(), piece.end()) == 0) return {};
+        table.insert(table.end(), piece.begin(), piece.end());
+    }
+    return table;
+}
+
 bool IsBefore(const Landmark& landmark, int64_t start) { return landmark.start < start; }
 
 }  // namespace
@@ -24,8 +39,13 @@ Account::Account(const DataFile& file)
     : count_(file.Header().numEpochs), place_(file.RecordedTablePosition()) {
     if (count_ == 0) place_ = kFirstEpoch;  // whatever the header of an empty file says
     hasPlace_ = count_ >= 0 && place_ >= kFirstEpoch && place_ <= file.Size();
-    table_ = ReadTable(file);
-    if (table_.empty()) FindTableAtEnd(file);
+    const bool endsFile = place_ + kPositionSize * count_ == file.Size();
+    if (hasPlace_ && endsFile) SetTable(ReadTable(file, place_, count_));
+}
+
+void Account::SetTable(std::vector<uint32_t> table) {
+    table_ = std::move(table);
+    landmarks_.clear();
     for (size_t i = 0; i < table_.size(); ++i) {
         landmarks_.push_back({table_[i], static_cast<int64_t>(i)});
     }
@@ -33,38 +53,36 @@ Account::Account(const DataFile& file)
                      [](const Landmark& a, const Landmark& b) { return a.start < b.start; });
 }
 
-// In pieces, so that a damaged count does not ask for memory that no table fills.
-std::vector<uint32_t> Account::ReadTable(const DataFile& file) const {
-    std::vector<uint32_t> table;
-    if (!hasPlace_ || place_ + kPositionSize * count_ != file.Size()) return {};
-    while (static_cast<int64_t>(table.size()) < count_) {
-        const auto done = static_cast<int64_t>(table.size());
-        const auto piece =
-            file.Positions(place_ + kPositionSize * done, std::min(count_ - done, kTablePiece));
-        if (piece.empty() || *std::min_element(piece.begin(), piece.end()) == 0) return {};
-        table.insert(table.end(), piece.begin(), piece.end());
-    }
-    return table;
+bool Account::TakeTable(const DataFile& file, int64_t place) {
+    const int64_t entries = (file.Size() - place) / kPositionSize;
+    const bool endsFile = place + kPositionSize * entries == file.Size();
+    if (place < kFirstEpoch || !endsFile || !IsTable(file, place, 1)) return false;
+    std::vector<uint32_t> table = ReadTable(file, place, entries);
+    if (table.empty()) return false;
+    SetTable(std::move(table));
+    count_ = entries;
+    place_ = place;
+    hasPlace_ = true;
+    return true;
 }
 
 // Backwards from the end of the file, for as long as its words can be values of a table.
 void Account::FindTableAtEnd(const DataFile& file) {
-    std::vector<uint32_t> backwards;
+    if (HasTable()) return;
+    int64_t entries = 0;
+    uint32_t behind = 0, last = 0;
     for (int64_t end = file.Size(); end >= kFirstEpoch;) {
         const int64_t count = std::min((end - kFirstEpoch) / kPositionSize, kTablePiece);
         end -= kPositionSize * count;
         const std::vector<uint32_t> piece = file.Positions(end, count);
         for (auto value = piece.rbegin(); value != piece.rend(); ++value) {
-            const bool fits = backwards.empty() || *value <= backwards.back();
+            const bool fits = entries == 0 || *value <= behind;
             if (!fits || *value < kFirstEpoch || *value >= file.Size()) return;
-            backwards.push_back(*value);
-            const auto entries = static_cast<int64_t>(backwards.size());
-            const int64_t place = file.Size() - kPositionSize * entries;
-            if (*value != kFirstEpoch || !LeadsTo(file, backwards.front(), place)) continue;
-            table_.assign(backwards.rbegin(), backwards.rend());
-            count_ = entries;
-            place_ = place;
-            hasPlace_ = true;
+            behind = *value;
+            if (entries == 0) last = *value;
+            const int64_t place = file.Size() - kPositionSize * ++entries;
+            if (*value != kFirstEpoch || !LeadsTo(file, last, place)) continue;
+            TakeTable(file, place);
             return;
         }
         if (count < kTablePiece) return;

@@ -19,10 +19,16 @@ struct Landmark {
 
 class Account {
   public:
+    // By the header, and by the table where it leads to one that ends the file.
     explicit Account(const DataFile& file);
 
-    // Whether the header leads to a place within the file, or a whole table ends the file although
-    // the header leads elsewhere.
+    // Where the header leads astray: takes the rest of the file from there, or what looks like a
+    // table at its end, for the table. Nothing changes if that is none.
+    bool TakeTable(const DataFile& file, int64_t place);
+    void FindTableAtEnd(const DataFile& file);
+    void ForgetTable() { SetTable({}); }
+
+    // Whether it leads to a place within the file.
     bool HasPlace() const { return hasPlace_; }
     int64_t Place() const { return place_; }
     int64_t Count() const { return count_; }
@@ -39,8 +45,7 @@ class Account {
     bool Number(std::vector<EpochPlace>& epochs) const;
 
   private:
-    std::vector<uint32_t> ReadTable(const DataFile& file) const;
-    void FindTableAtEnd(const DataFile& file);
+    void SetTable(std::vector<uint32_t> table);
 
     int64_t count_;
     int64_t place_;

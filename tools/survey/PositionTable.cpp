@@ -44,16 +44,6 @@ bool IsExactTable(const DataFile& file, int64_t position, const std::vector<Epoc
     return true;
 }
 
-bool HasHalfOfTable(const DataFile& file, int64_t position, const std::vector<EpochPlace>& epochs) {
-    const std::vector<uint32_t> expected = RecordedPositions(epochs);
-    const auto found = file.Positions(position, static_cast<int64_t>(expected.size()));
-    size_t equal = 0;
-    for (size_t i = 0; i < found.size(); ++i) {
-        equal += found[i] == expected[i] || found[i] == epochs[i].start ? 1 : 0;
-    }
-    return 2 * equal >= expected.size();
-}
-
 std::vector<uint32_t> RecordedPositions(const std::vector<EpochPlace>& epochs) {
     std::vector<uint32_t> positions;
     int64_t overcounted = 0;

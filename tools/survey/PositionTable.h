@@ -14,8 +14,6 @@ bool IsTable(const DataFile& file, int64_t position, int64_t entries);
 
 // Whether a table of these epochs begins there, with their recorded or their real places.
 bool IsExactTable(const DataFile& file, int64_t position, const std::vector<EpochPlace>& epochs);
-// Whether at least every other value of such a table stands there.
-bool HasHalfOfTable(const DataFile& file, int64_t position, const std::vector<EpochPlace>& epochs);
 
 // The table that the library writes for these epochs: beyond their real starts after types that
 // count bytes without having any.

@@ -4,7 +4,6 @@
 #include <fmt/core.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 #include "survey/Account.h"
@@ -27,17 +26,18 @@ class Walk {
           progress_(terminal, "walking", file.Size()) {}
 
     Survey Follow() {
-        if (!FollowAccount()) Restart();
-        while (!IsAtTable()) {
+        if (!FollowAccount() && !FollowCount()) {
+            account_.FindTableAtEnd(file_);
+            Restart();
+        }
+        while (!ReachTable()) {
             progress_.Reach(position_);
             EpochReading reading = Read();
+            if (IsLastSave(reading)) return EndWithLastSave(std::move(reading));
             if (Belongs(reading)) {
                 Keep(reading);
             } else if (!PassOver(reading)) {
-                survey_.tablePosition = position_;
-                JudgeLastSave(file_, std::move(reading), survey_);
-                CountNumbers();
-                return std::move(survey_);
+                return EndWith(std::move(reading));
             }
         }
         survey_.tablePosition = position_;
@@ -76,11 +76,27 @@ class Walk {
         return reading.condition > Condition::kUnknownType || reading.place.end == 0;
     }
 
-    // While a save writes the header, its count or its place may be one save ahead of the other.
+    // Saves that failed are counted too. While a save writes the header, its place may be one save
+    // ahead of its count. A table without its order has been overwritten, and says nothing.
     bool IsAsCounted() {
         const int64_t counted = account_.Count();
-        if (Count() == 0 || account_.Number(survey_.epochs)) return true;
-        return Count() == counted || (!account_.HasTable() && std::abs(Count() - counted) <= 1);
+        if (Count() == 0) return counted == 0;
+        if (account_.Number(survey_.epochs)) return true;
+        if (!IsTable(file_, account_.Place(), counted)) account_.ForgetTable();
+        return Count() == counted || (!account_.HasTable() && Count() <= counted + 1);
+    }
+
+    // While a save writes the header, its count may be ahead of its place.
+    bool FollowCount() {
+        const Account before = account_;
+        const int64_t counted = file_.Header().numEpochs;
+        Restart();
+        if (counted > 0 && account_.TakeTable(file_, file_.Size() - kPositionSize * counted) &&
+            FollowAccount() && account_.HasTable()) {
+            return true;
+        }
+        account_ = before;
+        return false;
     }
 
     void Restart() {
@@ -89,29 +105,73 @@ class Walk {
         shift_ = 0;
     }
 
+    bool IsAtPlace() const { return account_.HasPlace() && position_ == account_.Place(); }
+
+    // The place that the header of a sound file has for the next save.
+    bool IsAtSave() const {
+        return IsAtPlace() && !account_.HasTable() && (Count() > 0 || account_.Count() == 0);
+    }
+
+    bool ReachTable() { return (IsAtSave() && FollowToNewTable()) || IsAtTable(); }
+
     bool IsAtTable() const {
-        const bool isHere = account_.HasPlace() && position_ == account_.Place();
-        if (account_.HasTable()) return isHere;
-        if (isHere && Count() > 1 && (IsTable(file_, position_, Count()) || IsDamagedTable())) {
-            return true;
-        }
+        if (account_.HasTable()) return IsAtPlace();
+        if (IsAtPlace() && IsLeftAsTable()) return true;
         if (!IsExactTable(file_, position_, survey_.epochs)) return false;
-        return Count() != 1 || position_ + kPositionSize == file_.Size() || !IsRatherEpoch(isHere);
+        // The bits of a table's single value can as well be the time of an epoch.
+        return Count() != 1 || position_ + kPositionSize == file_.Size() ||
+               ReadEpochAt(file_, position_).condition != Condition::kWhole;
     }
 
-    // The bits of a table's single value can as well be the time of an epoch.
-    bool IsRatherEpoch(bool isPlaceOfTable) const {
-        const EpochReading reading = ReadEpochAt(file_, position_);
-        if (reading.condition != Condition::kWhole || !isPlaceOfTable) {
-            return reading.condition == Condition::kWhole;
+    // A save overwrites the beginning first, so what still has it was not overwritten; one that
+    // failed puts the beginning back first, over an epoch that must not be believed.
+    bool IsLeftAsTable() const {
+        return Count() > 0 && IsTable(file_, position_, 1) &&
+               file_.Size() >= position_ + kPositionSize * Count();
+    }
+
+    // The table of the new epoch, which the header does not count yet, or of several, if the
+    // machine has lost power.
+    bool FollowToNewTable() {
+        const Survey before = survey_;
+        const int64_t position = position_, shift = shift_;
+        for (EpochReading reading = Read(); reading.condition <= Condition::kNoEntries;
+             reading = Read()) {
+            Keep(reading);
+            if (IsTable(file_, position_, 1) && IsNewTable()) return true;
         }
-        return IsExactTable(file_, reading.place.end, {survey_.epochs.back(), reading.place});
+        survey_ = before;
+        position_ = position;
+        shift_ = shift;
+        return false;
     }
 
-    // A save overwrites the beginning first, so what still has it was not overwritten.
-    bool IsDamagedTable() const {
-        return file_.Size() >= position_ + kPositionSize * Count() &&
-               IsTable(file_, position_, 1) && HasHalfOfTable(file_, position_, survey_.epochs);
+    bool IsNewTable() {
+        if (IsExactTable(file_, position_, survey_.epochs)) return true;
+        const Account before = account_;
+        if (account_.TakeTable(file_, position_) && account_.Number(survey_.epochs)) return true;
+        account_ = before;
+        return false;
+    }
+
+    // Where the header counts no epoch, there may have been other saves.
+    bool IsLastSave(const EpochReading& reading) const {
+        return IsAtSave() && (account_.Count() > 0 || reading.condition == Condition::kCut ||
+                              IsCompleteSave(file_, reading));
+    }
+
+    Survey EndWithLastSave(EpochReading reading) {
+        if (!IsCompleteSave(file_, reading)) return EndWith(std::move(reading));
+        Keep(reading);
+        survey_.tablePosition = position_;
+        CountNumbers();
+        return std::move(survey_);
+    }
+
+    Survey EndWith(EpochReading reading) {
+        SetAsideRest(file_, std::move(reading), survey_);
+        CountNumbers();
+        return std::move(survey_);
     }
 
     EpochReading Read() const {
@@ -304,7 +364,7 @@ class Walk {
 
     const DataFile& file_;
     const Terminal& terminal_;
-    const Account account_;
+    Account account_;
     Progress progress_;
     Survey survey_;
     int64_t position_ = kFirstEpoch;

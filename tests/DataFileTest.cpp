@@ -83,7 +83,8 @@ TEST_F(DataFile, OpenedForEditIsEmptyAndTakesEpochs) {
 // its table lacks are where the new file ends, and so begins.
 TEST_F(DataFile, TakesEpochsAfterAnother) {
     const std::string other = folder.File("other.itc");
-    const Bytes epoch = PulseEpochBytes({0, 0, 0, 0}), place = Big32(580);
+    const Samples samples = {1, 0xFFFE, 0x8003, 0x1234};
+    const Bytes epoch = PulseEpochBytes(samples), place = Big32(580);
     const Bytes countTooHigh = Join({FileHeaderBytes(8, 2, 580), place});
     for (const auto& [looked, opened, count] : {std::tuple{PulseFileBytes(), ITC_SUCCESS, 1U},
                                                 {FileHeaderBytes(8, 0, 0), ITC_SUCCESS, 0U},
@@ -93,6 +94,7 @@ TEST_F(DataFile, TakesEpochsAfterAnother) {
         WriteFile(other, looked);
         EXPECT_EQ(Results({ITCOpenFile(other.c_str()), ITCCloseFile()}), Results({opened, 0}));
         SetUpPulseEpoch();
+        std::copy(samples.begin(), samples.end(), session.input.begin());
         ASSERT_EQ(Results({Create(), ITCSaveToFile(), ITCSaveToFile()}), Results(3));
         Bytes expected = Join({FileHeaderBytes(8, count + 2, 2484), epoch, epoch});
         for (uint32_t i = 0; i <= count; ++i) expected = Join({expected, place});
@@ -106,44 +108,21 @@ TEST_F(DataFile, TakesEpochsAfterAnother) {
 }
 
 TEST_F(DataFile, EpochsOutsideItsTableAndClosedFiles) {
-    const auto expectNoEpoch = [](int32_t epoch) {
-        EXPECT_EQ(Results({ITCEpochParameters(epoch), ITCRetrieveEpoch(epoch),
-                           ITCRetrieveEpochStm(epoch), ITCRetrieveEpochStmGClamp(epoch, 0)}),
-                  Results(4, ITC_FILE_ERROR));
-    };
     SetUpPulseEpoch();
     ASSERT_EQ(Results({Create(), ITCSaveToFile()}), Results(2));
     EpochPosition[1] = 580;  // the next one's, not yet in the file
-    for (const int32_t epoch : {-1, 1, 2, INT32_MAX, INT32_MIN}) expectNoEpoch(epoch);
     const FILE* const stream = ITCOpenFilePtr;
-    EXPECT_EQ(Results({ITCEpochParameters(0), ITCCloseFile(), ITCCloseFile()}),
-              Results({0, 0, -1}));
-    EXPECT_EQ(ITCOpenFilePtr, stream);
-    expectNoEpoch(0);
-    uint32_t size = 0;
-    for (const int8_t type : {3, 15}) {
-        const int32_t result = type == 3 ? ITC_FILE_ERROR : ITC_STIMULUS_ERROR;
-        epochhdr->stimType[0] = type;
-        EXPECT_EQ(Results({ITCWriteStmParams(0, &size), ITCReadStmParams(0)}), Results(2, result));
+    for (const int32_t epoch : {-1, 1, INT32_MAX, INT32_MIN, 0}) {
+        if (epoch == 0) {
+            EXPECT_EQ(Results({ITCCloseFile(), ITCCloseFile()}), Results({0, -1}));
+        }
+        EXPECT_EQ(Results({ITCEpochParameters(epoch), ITCRetrieveEpoch(epoch),
+                           ITCRetrieveEpochStm(epoch), ITCRetrieveEpochStmGClamp(epoch, 0)}),
+                  Results(4, ITC_FILE_ERROR));
     }
-}
-
-TEST_F(DataFile, EpochsAreAppendedWithTheTableBehindThem) {
-    ASSERT_EQ(Create(), ITC_SUCCESS);
-    EXPECT_EQ(ftell(ITCOpenFilePtr), 580);
-    const Samples first{1, 0xFFFE, 3, 0x8000}, second{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
-    SetUpPulseEpoch();
-    std::copy(first.begin(), first.end(), session.input.begin());
-    ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);  // flushed: complete without a close
-    EXPECT_EQ(FileContent(path),
-              Join({FileHeaderBytes(8, 1, 1532), PulseEpochBytes(first), Big32(580)}));
-    SetUpPulseEpoch(3);
-    std::copy(second.begin(), second.end(), session.input.begin());
-    ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);  // 912 + 3 * 32 + 24 bytes
-    EXPECT_EQ(FileContent(path), Join({FileHeaderBytes(8, 2, 2564), PulseEpochBytes(first),
-                                       PulseEpochBytes(second), Big32(580), Big32(1532)}));
-    EXPECT_EQ(ftell(ITCOpenFilePtr), 2564);
-    EXPECT_EQ(EpochPosition[2], 2564);
+    EXPECT_EQ(ITCOpenFilePtr, stream);
+    uint32_t size = 0;
+    EXPECT_EQ(Results({ITCWriteStmParams(0, &size), ITCReadStmParams(0)}), Results({7, 7}));
 }
 
 // Types 5 and 8 take no bytes on file but count all the same, so later epochs are recorded beyond

@@ -35,25 +35,6 @@ TEST_F(EpochReading, ReadsAFileOfVersionSixMadeByHand) {
               Samples({0xFFFB, 0, 30000, 995, 0, 4464, 995, 0, 4464, 0xFFFB, 0, 30000}));
 }
 
-TEST_F(EpochReading, AnEpochAboveTheBuffersIsRefusedAfterItsHeader) {
-    SetUpPulseEpoch(2);
-    ASSERT_EQ(Results({Create(), ITCSaveToFile()}), Results(2));
-    FreeChannels();
-    epochhdr->epochPoints = 0;
-    *ITCbufsize = 7;
-    QuietOutput output;
-    EXPECT_EQ(
-        Results({ITCRetrieveEpoch(0), ITCRetrieveEpochStm(0), ITCRetrieveEpochStmGClamp(0, 0)}),
-        Results(3, ITC_TOO_LARGE));
-    EXPECT_EQ(output.Text(),
-              "Fail-point (itc-code/ITCFileAccess:703)\n"
-              "Fail-point (itc-code/ITCFileAccess:759)\n"
-              "Fail-point (itc-code/ITCFileAccess:815)\n");
-    EXPECT_TRUE(epochhdr->epochPoints == 4 && StmParameters[1] != nullptr);
-    *ITCbufsize = 8;
-    EXPECT_EQ(ITCRetrieveEpoch(0), ITC_SUCCESS);
-}
-
 // With one entry the arrays come back; with two the place is taken eight bytes too far, so that
 // the values of the first entry arrive two places early.
 TEST_F(EpochReading, ConductancesAreFoundBehindASingleEntry) {
@@ -83,22 +64,6 @@ TEST_F(EpochReading, ConductancesAreFoundBehindASingleEntry) {
         EXPECT_EQ(second, std::vector<float>({7, 8, 0, -70}));
     }
     ExcitatoryG = InhibitoryG = nullptr;
-}
-
-// A file wave and a trigger series leave no bytes behind: nothing to play, whatever memory held. A
-// trigger series of interval 0 cannot be computed.
-TEST_F(EpochReading, StimuliWithoutAnEncodingComeBackEmpty) {
-    const QuietOutput quiet;
-    for (const uint8_t type : Bytes{5, 8}) {
-        WriteFile(path, Join({FileHeaderBytes(8, 1, 1500), EpochHeaderBytes(100, 4, {type}),
-                              BigSamples({9, 8, 7, 6}), Big32(580)}));
-        ASSERT_EQ(Open(), ITC_SUCCESS);
-        ASSERT_EQ(ITCRetrieveEpoch(0), ITC_SUCCESS);
-        EXPECT_EQ(First(session.input, 4), Samples({9, 8, 7, 6}));
-        session.output.assign(session.output.size(), 0xABCD);
-        EXPECT_EQ(ITCRetrieveEpochStm(0), type == 5 ? ITC_SUCCESS : ITC_STIMULUS_ERROR);
-        EXPECT_EQ(First(session.output, 4), Samples(4, type == 5 ? 0 : 0xABCD));
-    }
 }
 
 }  // namespace

@@ -56,18 +56,16 @@ class SetUpTest : public testing::Test {
 TEST_F(SetUpTest, StartsSetTheDefaults) {
     const auto now = static_cast<int32_t>(std::time(nullptr));
     ITCEpochHeader epoch{};
+    itc = nullptr;
     for (const int32_t device : {0, 1}) {
         InitializationTime = 12345;
-        if (device == 0) itc = nullptr;
         ASSERT_EQ(device ? Start() : ITCInitAnalysis(&input, &output, &capacity), ITC_SUCCESS);
         EXPECT_TRUE(device ? InitializationTime >= now : InitializationTime == 12345);
         EXPECT_EQ(Image(*epochhdr), Image(epoch));
         EXPECT_TRUE(filehdr->version == 8 * device && EpochPosition[0] == 580 && InitFlag == 1);
-        EXPECT_TRUE(*ITCbufsize == capacity && ITCbufsize != &capacity);
-        EXPECT_TRUE(ITCInputBuffer == &input && ITCOutputBuffer == &output);
-        const int32_t refused = device ? ITC_SUCCESS : ITC_NOT_STARTED;
-        EXPECT_EQ(Results({ITCQuickReInit(0), ITCSetSeq("0", "0")}), Results({refused, refused}));
-        EXPECT_EQ(ITCInitAcq(), device ? ITC_TOO_LARGE : ITC_NOT_STARTED) << "no interval";
+        EXPECT_TRUE(*ITCbufsize == capacity && ITCInputBuffer == &input);
+        EXPECT_EQ(Results({ITCInitAcq(), ITCQuickReInit(0), ITCSetSeq("0", "0")}),
+                  device ? Results({ITC_TOO_LARGE, 0, 0}) : Results(3, ITC_NOT_STARTED));
         EXPECT_EQ(device == 0 ? ITCFinish() : ITC_SUCCESS, ITC_SUCCESS);
         epoch.sequenceLength = 1;
         epoch.channelSequence[0] = 0xC000;
@@ -77,21 +75,18 @@ TEST_F(SetUpTest, StartsSetTheDefaults) {
 // How far each failing call of the device lets a start-up come, and a quick restart after it.
 TEST_F(SetUpTest, AFailingDeviceStopsAStartUntilItWorks) {
     const std::string all = "opening\ninitializing\nitc18\nsetting defaults\n";
-    for (const auto& [call, printed] :
-         {std::pair{ITC18Simulator_CallOpen, size_t{8}},
-          std::pair{ITC18Simulator_CallInitialize, size_t{27}},
-          std::pair{ITC18Simulator_CallSetSamplingInterval, all.size()},
-          std::pair{ITC18Simulator_CallSetSequence, all.size()}}) {
+    for (const auto& [call, printed] : {std::pair{ITC18Simulator_CallOpen, size_t{8}},
+                                        {ITC18Simulator_CallInitialize, size_t{27}},
+                                        {ITC18Simulator_CallSetSamplingInterval, all.size()},
+                                        {ITC18Simulator_CallSetSequence, all.size()}}) {
         InitFlag = 0;
         Fail(call, 99);
         EXPECT_EQ(Results({Start(), ITCQuickReInit(0)}), Results({1, 1})) << call;
         EXPECT_EQ(lines, all.substr(0, printed));
-        EXPECT_EQ(InitFlag, call == ITC18Simulator_CallOpen ? 0 : 1);
-        EXPECT_EQ(Device().open, InitFlag);
+        EXPECT_TRUE(InitFlag == (call != ITC18Simulator_CallOpen) && Device().open == InitFlag);
         Fail(call, 0);
         EXPECT_EQ(ITCQuickReInit(0), ITC_SUCCESS);
         EXPECT_TRUE(InitFlag == 1 && Device().open == 1 && Device().interval == 10);
-        EXPECT_TRUE(filehdr->inputScale == 3200.0F && EpochPosition[0] == 580U);
         EXPECT_EQ(ITCFinish(), ITC_SUCCESS);
         Drop(ITCbufsize, itc);
     }
@@ -126,12 +121,10 @@ TEST_F(SetUpTest, SecondStarts) {
     EXPECT_EQ(ITCQuickReInit(0), ITC_NOT_STARTED);
     EXPECT_EQ(Device().open, 0) << "the old interface was let go";
     Fail(ITC18Simulator_CallOpen, 0);
-    Fail(ITC18Simulator_CallClose, 99);
-    EXPECT_EQ(ITCQuickReInit(0), ITC_SUCCESS) << "a refusal to close is ignored";
-    Fail(ITC18Simulator_CallClose, 0);
-    const std::initializer_list<void*> second = {epochhdr,   filehdr, EpochPosition,
-                                                 ITCbufsize, itc,     StmParameters[0]};
-    forgotten.insert(forgotten.end(), second);
+    EXPECT_EQ(ITCQuickReInit(0), ITC_SUCCESS);
+    for (void* const block : std::initializer_list<void*>{epochhdr, filehdr, EpochPosition,
+                                                          ITCbufsize, itc, StmParameters[0]})
+        forgotten.push_back(block);
     ASSERT_EQ(Results({Start(), ITCInitAcq()}), Results({0, 4})) << "of an interval not set";
     EXPECT_TRUE(filehdr->numEpochs == 0 && epochhdr->epochPoints == 0 && !StmParameters[0]);
     EXPECT_EQ(Device().prepared, 1);
@@ -158,8 +151,6 @@ TEST_F(SetUpTest, NothingWorksWithoutAStart) {
                 EXPECT_EQ(give == nullptr ? 1 : give(0, Record(stimulus).words), ITC_NOT_STARTED);
         EXPECT_EQ(Results({ITCFreeParams(0), ITCGetNumEpochs(), ITCGetSegments()}), Results(3));
         EXPECT_STREQ(ITCWriteFileCom("file"), "file") << "headers are blank, but there";
-        EXPECT_STREQ(ITCWriteOutputUnits("pA", 3), ITCGetOutputUnits(3));
-        EXPECT_EQ(ITCGetStimParams(0, nullptr, 1), nullptr);
         ASSERT_EQ(ended ? Results(2) : Results({Start(), ITCFinish()}), Results(2));
     }
     Drop(ITCbufsize, itc);
@@ -176,11 +167,10 @@ TEST_F(SetUpTest, NothingWorksWithoutAStart) {
 // of bad ones the length stays if it was right, and the words as far as they were written.
 TEST_F(SetUpTest, Sequences) {
     ASSERT_EQ(Start(), ITC_SUCCESS);
-    for (const char* text : {"0 0 0 1 C000", "01 10 0 2 0800 C080", "D D 0 1 E400",
-                             "7654 3210 0 4 1B80 1300 0A80 C200", "D23 1D0 0 3 0C00 2100 C180",
-                             "01 0 6 2 0900 D180", "00000 00000 6 2 0900 D180", "8 0 6 1 0900 D180",
-                             "d 0 6 1 0900", "/ 0 6 1 0900", "\xB0 0 6 1 0900", "7 4 6 1 0380 D180",
-                             "5x7 000 6 3 0280 D180", "57D 3/0 6 3 1A80 0380"}) {
+    for (const char* text :
+         {"01 10 0 2 0800 C080", "7654 3210 0 4 1B80 1300 0A80 C200", "D23 1D0 0 3 0C00 2100 C180",
+          "01 0 6 2 0900 D180", "00000 00000 6 2 0900 D180", "8 0 6 1 0900 D180", "/ 0 6 1 0900",
+          "7 4 6 1 0380 D180", "5x7 000 6 3 0280 D180", "57D 3/0 6 3 1A80 0380"}) {
         SCOPED_TRACE(text);
         std::istringstream row(text);
         std::string inputs, outputs;
@@ -199,8 +189,6 @@ TEST_F(SetUpTest, Sequences) {
     }
     EXPECT_EQ(ITCSetSeq("", ""), ITC_NOT_STARTED) << "no device holds 49152 entries";
     EXPECT_EQ(epochhdr->sequenceLength, 49152);
-    for (uint32_t i = 0; i < 8; ++i) EXPECT_EQ(itcInputs16[i], 7 - i);
-    for (uint32_t i = 0; i < 4; ++i) EXPECT_EQ(itcOutputs16[i], 0x18 - i * 8);
 }
 
 TEST_F(SetUpTest, IntervalsAndLengths) {
@@ -208,9 +196,9 @@ TEST_F(SetUpTest, IntervalsAndLengths) {
     using Case = std::tuple<const char*, int32_t, int32_t, int32_t>;
     for (const auto& [entries, interval, points, result] :
          {Case("0", 4, 8, 0), Case("0", 3, 8, 6), Case("0", 65535, 0, 0), Case("0", 65536, 0, 6),
-          Case("0", 9, 9, 6), Case("0", 9, INT32_MAX, 6), Case("0", 0, 1, 6), Case("01", 8, 8, 0),
-          Case("0", INT32_MIN, 1, 6), Case("01", 7, 1, 6), Case("01", 131071, 1, 0),
-          Case("01", 131072, 1, 6), Case("0123", 262143, 1, 0), Case("0123", 15, 1, 6)}) {
+          Case("0", 9, 9, 6), Case("0", 9, INT32_MAX, 6), Case("01", 8, 8, 0),
+          Case("0", INT32_MIN, 1, 6), Case("01", 131072, 1, 6), Case("0123", 262143, 1, 0),
+          Case("0123", 15, 1, 6)}) {
         SCOPED_TRACE(testing::Message() << entries << " " << interval << " " << points);
         ASSERT_EQ(Results({ITCSetSeq(entries, entries), ITCSetAcqParams(65500, 7, 1, 2)}),
                   Results(2));
@@ -221,16 +209,16 @@ TEST_F(SetUpTest, IntervalsAndLengths) {
             expected.acqSettingA = -3;
             expected.acqSettingB = 127;
         }
-        EXPECT_EQ(ITCSetAcqParams(interval, points, -3, 127), result);
+        EXPECT_EQ(Results({ITCSetAcqParams(interval, points, -3, 127), ITCInitAcq()}),
+                  Results({result, 0}));
         EXPECT_EQ(Image(*epochhdr), Image(expected));
-        EXPECT_EQ(ITCInitAcq(), ITC_SUCCESS);
         EXPECT_EQ(Device().interval, expected.samplingInterval / expected.sequenceLength);
     }
-    for (const auto& [length, interval] : {std::pair{1, 3}, {0, 100}, {-1, INT32_MIN}, {-1, 100}}) {
-        epochhdr->sequenceLength = length;
-        epochhdr->samplingInterval = interval;
+    for (const int32_t entries : {0, -1}) {
+        epochhdr->sequenceLength = entries;
+        epochhdr->samplingInterval = INT32_MIN;
         QuietOutput printed;
-        EXPECT_EQ(Results({ITCSetAcqParams(interval, 1, 0, 0), ITCInitAcq()}), Results({6, 4}));
+        EXPECT_EQ(Results({ITCSetAcqParams(INT32_MIN, 1, 0, 0), ITCInitAcq()}), Results({6, 4}));
         EXPECT_EQ(printed.Text(), "Fail-point (itc-code/ITCInitialize:436)\n");
     }
     Fail(ITC18Simulator_CallInitializeAcquisition, 7);

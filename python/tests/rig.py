@@ -79,7 +79,11 @@ class Rig:
         for slot, stimulus in enumerate(played):
             self.install(slot, stimulus)
         for name, value in fields.items():
-            self.set(name, value)
+            if isinstance(value, list):     # the first elements of an array
+                value = type(getattr(self.header, name))(*(
+                    (ctypes.c_char * 16)(*each) if isinstance(each, bytes) else each
+                    for each in value))
+            setattr(self.header, name, value)
         if computed:
             self.do("ITCUpdateStm")
         if computed and points:
@@ -91,20 +95,11 @@ class Rig:
             self.log[f"{name}{number}"] = samples.copy()
         self.do("ITCSaveToFile")
 
-    def set(self, name, value):
-        """Set a header field, or the first elements of one that is an array."""
-        if not isinstance(value, list):
-            return setattr(self.header, name, value)
-        field = getattr(self.header, name)
-        field[:len(value)] = [(ctypes.c_char * 16)(*each) if isinstance(each, bytes) else each
-                              for each in value]
-
 
 CLAMP = {"ampGain": [0.01] * 4, "convFactor": [400] * 4, "inputUnits": [b"mV"] * 4,
          "outputUnits": [b"pA"] * 4}
 WHOLE = 150, 20, 30
 SEGMENTED = stimuli.SegmentedNoise(300, 0, 9, *WHOLE, segmentPoints=10)
-GENERIC = stimuli.Generic(1, 2, *WHOLE)
 
 
 def pulse(amplitude, points=200):
@@ -140,21 +135,16 @@ def types(rig):
 
 
 def unstored(rig):
-    """Types without bytes on file, each followed by a pulse; types without a waveform."""
+    """Types without bytes on file, each followed by a pulse; types without a waveform; noise behind
+    noise that is computed with a wave that is not stored, or not at all."""
     for each in (stimuli.FileWave(), stimuli.TriggerSeries()):
         rig.epoch([each], **CLAMP)
         rig.epoch([pulse(321)], **CLAMP)
-    rig.epoch([GENERIC], computed=False)
     rig.epoch([stimuli.CirclePulse(1, 2, 3, (4, 5, 6), (7, 8, 9), *WHOLE)], computed=False)
-    rig.epoch([pulse(-321)])
-
-
-def lost(rig):
-    """Noise behind noise that is computed with a wave that is not stored, or not at all."""
     rig.epoch([SEGMENTED])
     rig.epoch([stimuli.Summed((stimuli.FileWave(), SEGMENTED))])
     rig.epoch([SEGMENTED])
-    rig.epoch([GENERIC, SEGMENTED], "01", computed=False)
+    rig.epoch([stimuli.Generic(1, 2, *WHOLE), SEGMENTED], "01", computed=False)
     rig.epoch([SEGMENTED])
 
 
@@ -192,12 +182,6 @@ def odd(rig):
 
 def empty(rig):
     """A file without epochs."""
-
-
-def many(rig):
-    """2,000 short epochs of 30 settings."""
-    for number in range(2000):
-        rig.epoch([pulse(number)], interval=100 + number % 30, points=200)
 
 
 if __name__ == "__main__":

@@ -143,7 +143,8 @@ TEST_F(Fields, AreStoredAtTheirPlaceAndDelivered) {
     EXPECT_TRUE(ITCGetSampInterval() == 300 && ITCGetDataPts() == 2 && ITCGetSegments() == 1);
     ITCWriteOffset(0.1F);
     EXPECT_TRUE(filehdr->offset == 0.1F && ITCGetOffset() == double{0.1F});
-    EXPECT_EQ(ITCGetEpochTime(), double{epochhdr->epochTime = 1e-3F});
+    epochhdr->epochTime = 1e-3F;
+    EXPECT_EQ(ITCGetEpochTime(), double{1e-3F});
 }
 
 // A comment has up to 511 characters and their terminator; behind it, everything stays.

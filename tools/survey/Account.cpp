@@ -123,4 +123,10 @@ bool Account::Number(std::vector<EpochPlace>& epochs) const {
     return true;
 }
 
+bool Account::IsWholeTable(const DataFile& file, const std::vector<EpochPlace>& epochs) const {
+    if (!HasTable() || !IsTable(file, place_, count_)) return false;
+    const bool isLast = !epochs.empty() && table_.back() == RecordedPositions(epochs).back();
+    return isLast || LeadsTo(file, table_.back(), place_);
+}
+
 }  // namespace corvantis::tool

@@ -44,6 +44,10 @@ class Account {
     // another file that was open before.
     bool Number(std::vector<EpochPlace>& epochs) const;
 
+    // Whether its values are in order and the last one leads to an epoch that ends at the table:
+    // otherwise a save has overwritten it.
+    bool IsWholeTable(const DataFile& file, const std::vector<EpochPlace>& epochs) const;
+
   private:
     void SetTable(std::vector<uint32_t> table);
 

@@ -56,20 +56,25 @@ class Walk {
     // epochs hold can lead astray.
     bool FollowAccount() {
         if (!account_.HasPlace()) return false;
+        bool hasBlank = false;
         while (position_ < account_.Place()) {
             progress_.Reach(position_);
             EpochReading reading = Read();
-            if (IsUnreadable(reading) || IsBlank(reading)) return false;
+            if (IsUnreadable(reading) || IsHole(reading)) return false;
+            hasBlank = hasBlank || IsBlank(reading);
             Keep(reading);
         }
-        return position_ == account_.Place() && IsAsCounted();
+        return position_ == account_.Place() && IsAsCounted(hasBlank);
     }
 
-    // A lost block of zeros; an epoch has an interval, unless the table leads to it.
-    bool IsBlank(const EpochReading& reading) const {
+    // A lost block of zeros, or an epoch of nothing, which table or count must account for.
+    static bool IsBlank(const EpochReading& reading) {
         return reading.condition == Condition::kNoEntries &&
-               reading.content.header.samplingInterval == 0 &&
-               !account_.NumberAt(position_, shift_);
+               reading.content.header.samplingInterval == 0;
+    }
+
+    bool IsHole(const EpochReading& reading) const {
+        return IsBlank(reading) && file_.NextData(position_) >= reading.place.end;
     }
 
     static bool IsUnreadable(const EpochReading& reading) {
@@ -77,21 +82,22 @@ class Walk {
     }
 
     // Saves that failed are counted too. While a save writes the header, its place may be one save
-    // ahead of its count. A table without its order has been overwritten, and says nothing.
-    bool IsAsCounted() {
+    // ahead of its count.
+    bool IsAsCounted(bool hasBlank) {
         const int64_t counted = account_.Count();
         if (Count() == 0) return counted == 0;
         if (account_.Number(survey_.epochs)) return true;
-        if (!IsTable(file_, account_.Place(), counted)) account_.ForgetTable();
-        return Count() == counted || (!account_.HasTable() && Count() <= counted + 1);
+        if (!account_.IsWholeTable(file_, survey_.epochs)) account_.ForgetTable();
+        if (Count() == counted) return true;
+        return !account_.HasTable() && !hasBlank && Count() <= counted + 1;
     }
 
     // While a save writes the header, its count may be ahead of its place.
     bool FollowCount() {
         const Account before = account_;
-        const int64_t counted = file_.Header().numEpochs;
+        const int64_t place = file_.Size() - kPositionSize * account_.Count();
         Restart();
-        if (counted > 0 && account_.TakeTable(file_, file_.Size() - kPositionSize * counted) &&
+        if (account_.Count() > 0 && place != account_.Place() && account_.TakeTable(file_, place) &&
             FollowAccount() && account_.HasTable()) {
             return true;
         }

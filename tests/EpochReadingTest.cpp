@@ -1,4 +1,4 @@
-// Epochs read back: their samples, their recomputed stimuli and their conductances.
+// An epoch of an older file read back: its samples and its recomputed stimuli.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -33,37 +33,6 @@ TEST_F(EpochReading, ReadsAFileOfVersionSixMadeByHand) {
     ASSERT_EQ(ITCRetrieveEpochStm(0), ITC_SUCCESS);
     EXPECT_EQ(First(session.output, 12),  // 40000 + 30000 wraps to 4464
               Samples({0xFFFB, 0, 30000, 995, 0, 4464, 995, 0, 4464, 0xFFFB, 0, 30000}));
-}
-
-// With one entry the arrays come back; with two the place is taken eight bytes too far, so that
-// the values of the first entry arrive two places early.
-TEST_F(EpochReading, ConductancesAreFoundBehindASingleEntry) {
-    constexpr ITCGClampParameters kClamp{0, -70};
-    std::vector<float> excitatory{1, 2, 3, 4}, inhibitory{5, 6, 7, 8}, first(4), second(4);
-    ASSERT_EQ(Create(), ITC_SUCCESS);
-    ExcitatoryG = excitatory.data();
-    InhibitoryG = inhibitory.data();
-    for (const int32_t entries : {1, 2}) {
-        SetUpAcquisition(entries, 4);
-        for (int32_t i = 0; i < entries; ++i) ASSERT_EQ(ITCGClampParams(i, &kClamp, 6), 0);
-        ASSERT_EQ(ITCSaveToFile(), ITC_SUCCESS);
-    }
-    uint32_t size = 0;
-    InhibitoryG = nullptr;
-    EXPECT_EQ(Results({ITCWriteStmParams(0, &size), ITCRetrieveEpochStmGClamp(0, 0)}),
-              Results(2, ITC_STIMULUS_ERROR));
-    ExcitatoryG = first.data();
-    InhibitoryG = second.data();
-    EXPECT_EQ(ITCRetrieveEpochStmGClamp(0, 0), ITC_SUCCESS);
-    EXPECT_TRUE(first == excitatory && second == inhibitory);
-    for (const uint32_t none : {1U, 4U})
-        EXPECT_EQ(ITCRetrieveEpochStmGClamp(0, none), ITC_STIMULUS_ERROR);
-    for (const uint32_t channel : {0U, 1U}) {
-        EXPECT_EQ(ITCRetrieveEpochStmGClamp(1, channel), ITC_SUCCESS);
-        EXPECT_EQ(first, std::vector<float>({3, 4, 5, 6}));
-        EXPECT_EQ(second, std::vector<float>({7, 8, 0, -70}));
-    }
-    ExcitatoryG = InhibitoryG = nullptr;
 }
 
 }  // namespace

@@ -45,7 +45,6 @@ std::vector<Damage> Damages() {
     return {{"none", {}, 0, 0, 0},
             {"count 257", {{kCount, Big32(257)}}, 7, 7, 7},
             {"count 256 of file waves", {{kCount, withoutBytes}}, 0, 0, 0},
-            {"most components", {{kCount, most}}, 7, 7, 7},
             {"count -1, nothing to sum", {{kCount, minusOne}}, 0, 0, 0},
             {"a sum in the sum", {{kComponentTypes, {7}}}, 7, 7, 7},
             {"component of type 15", {{kComponentTypes + 1, {15}}}, 7, 7, 7},
@@ -91,7 +90,7 @@ TEST_F(HostileFile, SlotsNeverKeepAFreedRecord) {
               Results(3));
     EXPECT_EQ(session.output[1], 1990);
     epochhdr->stimType[0] = 99;
-    EXPECT_EQ(Results({ITCReadStmParams(0), ITCReadStmParams(4)}), Results({2, 2}));
+    EXPECT_EQ(ITCReadStmParams(0), ITC_STIMULUS_ERROR);
     EXPECT_EQ(StmParameters[0], nullptr);
     epochhdr->stimType[0] = 7;  // the stream stands at the samples: too few bytes for a sum
     EXPECT_EQ(ITCReadStmParams(0), ITC_FILE_ERROR);
@@ -104,7 +103,7 @@ TEST_F(HostileFile, SlotsNeverKeepAFreedRecord) {
 
 // An epoch replaces all four type bytes, but only the records of its own entries.
 TEST_F(HostileFile, ATypeByteOfAnotherRecordIsNotBelieved) {
-    for (const uint8_t type : Bytes{7, 2, 12, 1}) {
+    for (const uint8_t type : Bytes{7, 2}) {
         const ITCGClampParameters eightBytes{1e9F, 1e9F};
         ASSERT_EQ(ITCGClampParams(1, &eightBytes, 6), 0);
         Bytes file = PulseFileBytes();

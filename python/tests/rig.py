@@ -165,7 +165,7 @@ def history(rig, seed, version=8):
         components = stimuli.Summed((noise(), pulse(9, 401), noise()))
         return choose.choice((noise(), noise(), components, pulse(80, 401)))
 
-    rig.epoch([stimuli.Noise(500, 7, -seed, 300, 21, 80, 4, 1000, 1)], points=401)
+    rig.epoch([stimuli.Noise(500, 7, -seed, 300, 21, 9680, 4, 1000, 1)], points=10_001)
     for _ in range(40):
         played = [entry() for _ in range(choose.choice((1, 1, 1, 2, 4)))]
         rig.epoch(played, "0123"[:len(played)], points=401)

@@ -49,25 +49,6 @@ TEST_F(ExportTest, GivesSecondsWithUnitsVoltsOrCounts) {
     EXPECT_TRUE(Contains(RunTool("info file.dat -e 0").results, "1000 DAC codes (15.625 pA)"));
 }
 
-// Longer than what is read at a time.
-TEST_F(ExportTest, GivesEveryPointOfALongEpoch) {
-    Samples samples(10001);
-    for (size_t i = 0; i < samples.size(); ++i) samples[i] = static_cast<uint16_t>(3 * i);
-    const auto points = static_cast<uint32_t>(samples.size());
-    const Bytes epoch =
-        Join({EpochHeaderBytes(100, points, {3}), PulseBytes(), BigSamples(samples)});
-    const auto table = static_cast<uint32_t>(580 + epoch.size());
-    WriteFile("file.dat", Join({FileHeaderBytes(8, 1, table), epoch, Big32(580)}));
-    std::istringstream lines(RunTool("export file.dat --raw").results);
-    std::string line;
-    std::getline(lines, line);
-    for (const uint16_t sample : samples) {
-        ASSERT_TRUE(std::getline(lines, line));
-        ASSERT_EQ(line.substr(line.find(',') + 1), std::to_string(static_cast<int16_t>(sample)));
-    }
-    EXPECT_FALSE(std::getline(lines, line));
-}
-
 TEST_F(ExportTest, WritesSeveralEpochsIntoFilesOfTheirOwn) {
     std::vector<Preparation> epochs(10, [] { SetUpPulseEpoch(); });
     epochs.insert(epochs.end(), {SetUpDynamicClamp, SetUpWaves});

@@ -54,14 +54,13 @@ def test_an_interruption_anywhere_leaves_nothing_wrong(recorded, logged):
             raise KeyboardInterrupt
         return interrupt
 
-    for lines in range(1, 12_000, 83):
-        recording = corvantis.open(recorded("types"))
-        left = lines
-        sys.settrace(interrupt)
-        with contextlib.suppress(KeyboardInterrupt):
-            [recording.epochs[number].raw_stimulus for number in (7, 10, 5, 1)]
-        sys.settrace(None)
-        assert same(recording, logged("types"))
+    for left in range(1, 12_000, 83):
+        with corvantis.open(recorded("types")) as recording:
+            sys.settrace(interrupt)
+            with contextlib.suppress(KeyboardInterrupt):
+                [recording.epochs[number].raw_stimulus for number in (7, 10, 5, 1)]
+            sys.settrace(None)
+            assert same(recording, logged("types"))
 
 
 def rewrite(other, path):

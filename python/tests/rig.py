@@ -156,10 +156,10 @@ def history(rig, seed, version=8):
     def noise():
         points = choose.choice((60, 63, 64, 128, 300))
         runs = choose.choice((0, 5, -7, -9, -2**31, 12)), points, 321 - points, 80
-        kind = choose.choice((stimuli.Noise, stimuli.SegmentedNoise, stimuli.BinaryNoise))
-        if kind is stimuli.Noise:
-            return kind(500, 7, *runs, choose.choice((4, 5)), 1000, 1)
-        return kind(500, 7, *runs, choose.choice((5, 20, 60, 100)))
+        last = choose.choice((5, 20, 60, 100))
+        return choose.choice((stimuli.Noise(500, 7, *runs, choose.choice((4, 5)), 1000, 1),
+                              stimuli.SegmentedNoise(500, 7, *runs, last),
+                              stimuli.BinaryNoise(500, 7, *runs, last)))
 
     def entry():
         components = stimuli.Summed((noise(), pulse(9, 401), noise()))

@@ -156,16 +156,16 @@ def history(rig, seed, version=8):
     def noise():
         points = choose.choice((60, 63, 64, 128, 300))
         runs = choose.choice((0, 5, -7, -9, -2**31, 12)), points, 321 - points, 80
-        kind = choose.choice((stimuli.Noise, stimuli.SegmentedNoise, stimuli.BinaryNoise))
-        if kind is stimuli.Noise:
-            return kind(500, 7, *runs, choose.choice((4, 5)), 1000, 1)
-        return kind(500, 7, *runs, choose.choice((5, 20, 60, 100)))
+        last = choose.choice((5, 20, 60, 100))
+        return choose.choice((stimuli.Noise(500, 7, *runs, choose.choice((4, 5)), 1000, 1),
+                              stimuli.SegmentedNoise(500, 7, *runs, last),
+                              stimuli.BinaryNoise(500, 7, *runs, last)))
 
     def entry():
         components = stimuli.Summed((noise(), pulse(9, 401), noise()))
         return choose.choice((noise(), noise(), components, pulse(80, 401)))
 
-    rig.epoch([stimuli.Noise(500, 7, -seed, 300, 21, 80, 4, 1000, 1)], points=401)
+    rig.epoch([stimuli.Noise(500, 7, -seed, 300, 21, 9680, 4, 1000, 1)], points=10_001)
     for _ in range(40):
         played = [entry() for _ in range(choose.choice((1, 1, 1, 2, 4)))]
         rig.epoch(played, "0123"[:len(played)], points=401)

@@ -29,32 +29,24 @@ def run_blocks(page, folder):
     earlier, printed = "", ""
     for language, code in BLOCK.findall(page):
         if language == "text":
-            if [line.rstrip() for line in printed.splitlines()] != code.splitlines():
-                sys.exit(f"the page shows\n{code}\nbut the block before it prints\n{printed}")
+            shown = [line.rstrip() for line in printed.splitlines()]
+            assert shown == code.splitlines(), f"the block before prints\n{printed}\nnot\n{code}"
             continue
         command = "bash", "-euo", "pipefail", "-c", code
         if language == "python":
             command = "python3", "-W", "error", "-c", QUIETLY + earlier + code
             earlier += re.sub("^", "    ", code, flags=re.MULTILINE) + "\n"
-        done = subprocess.run(command, cwd=folder, env=environment, capture_output=True, text=True)
-        if done.returncode != 0:
-            sys.exit(f"this block failed:\n{code}\n{done.stdout}{done.stderr}")
-        printed = done.stdout
+        printed = subprocess.run(command, cwd=folder, env=environment, stdout=subprocess.PIPE,
+                                 text=True, check=True).stdout
 
 
-def alike(one, other):
-    pictures = [np.asarray(Image.open(path).convert("RGB"), dtype=float) for path in (one, other)]
-    return pictures[0].shape == pictures[1].shape and \
-        np.abs(pictures[0] - pictures[1]).mean() <= MOST_DIFFERENCE
-
-
-def check_pictures(page, folder, images, update):
-    for name in PICTURE.findall(page):
-        made, kept = Path(folder, name), images / name
-        if update:      # few colours are enough and make it small
-            Image.open(made).convert("RGB").quantize(64).save(kept, optimize=True)
-        elif not (made.exists() and kept.exists() and alike(made, kept)):
-            sys.exit(f"{kept} is not the picture that the page's blocks make")
+def check_picture(made, kept, update):
+    picture = Image.open(made).convert("RGB")
+    if update:      # few colours are enough and make it small
+        picture.quantize(64).save(kept, optimize=True)
+    dots = [np.asarray(each, dtype=float) for each in (picture, Image.open(kept).convert("RGB"))]
+    assert dots[0].shape == dots[1].shape and np.abs(dots[0] - dots[1]).mean() <= MOST_DIFFERENCE, \
+        f"{kept} is not the picture that the page's blocks make"
 
 
 tutorial, wheel, recording, images, *update = map(Path, sys.argv[1:])
@@ -62,4 +54,5 @@ with tempfile.TemporaryDirectory() as folder:
     shutil.copy(wheel, folder)
     shutil.copy(recording, Path(folder, "demo.dat"))
     run_blocks(tutorial.read_text(), folder)
-    check_pictures(tutorial.read_text(), folder, images, update)
+    for name in PICTURE.findall(tutorial.read_text()):
+        check_picture(Path(folder, name), images / name, update)

@@ -57,16 +57,12 @@ TEST_F(CommandTest, EndsWithTheCodeThatItsHelpPromisesAndLeavesNothingBehind) {
 TEST_F(CommandTest, NamesTheReasonForWhatIsNoDataFile) {
     WriteFile("short", First(PulseFileBytes(), 579));
     WriteFile("newer.dat", PulseFileBytes(9));
-    const std::pair<std::string, std::string> reasons[] = {
-        {"short",
-         "has 579 bytes; a file header alone has 580: nothing was recorded, or this is no "
-         "data file"},
-        {".", "is a directory"},
-        {"/dev/null", "is not a regular file"},
-        {"newer.dat", "format version 9 is newer than 8"},
-        {"none.dat", "No such file or directory"}};
-    for (const auto& [file, reason] : reasons) {
-        EXPECT_EQ(RunTool("info " + file).messages, "corvantis: " + file + ": " + reason + "\n");
+    for (const std::string reason :
+         {"short: has 579 bytes; a file header alone has 580", ".: is a directory",
+          "/dev/null: is not a regular file", "newer.dat: format version 9 is newer than 8",
+          "none.dat: No such file or directory"}) {
+        const std::string messages = RunTool("info " + reason.substr(0, reason.find(':'))).messages;
+        EXPECT_TRUE(messages.starts_with("corvantis: " + reason)) << messages;
     }
 }
 

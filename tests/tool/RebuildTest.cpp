@@ -1,0 +1,90 @@
+// Stimuli that may not come out as they were played, and why.
+#include <algorithm>
+
+#include "SavedSteps.h"
+#include "ToolRun.h"
+
+namespace corvantis_test {
+namespace {
+
+constexpr int32_t kPoints = 64;
+constexpr uint16_t kWave[kPoints] = {};
+
+template <class Record>
+Preparation Epoch(int32_t (*builder)(int32_t, const Record*), const Record& record) {
+    return [=] {
+        SetUpAcquisition(1, kPoints);
+        ASSERT_EQ(builder(0, &record), 0);
+    };
+}
+
+Preparation Segmented(int32_t seed, int32_t segmentPoints) {
+    return Epoch(ITCSegmentedNoiseParams, {500, 7, seed, 60, 2, 2, segmentPoints, {}});
+}
+
+Preparation Filtered(int32_t seed) {
+    return Epoch(ITCNoiseParams, {500, 7, seed, 60, 2, 2, 4, 1000, 1});
+}
+
+void GenericAndNoise() {
+    const ITCGenericParameters generic = {1, 2, 60, 2, 2, {}};
+    const ITCSegmentedNoiseParameters noise = {500, 7, 3, 60, 2, 2, 20, {}};
+    SetUpAcquisition(2, kPoints);
+    ASSERT_EQ(ITCGenericParams(&generic), 0);
+    ASSERT_EQ(ITCSegmentedNoiseParams(1, &noise), 0);
+}
+
+class RebuildTest : public ToolTest {
+  protected:
+    static std::vector<std::string> Findings(Bytes file, size_t offset, const Bytes& change) {
+        Put(file, offset, change);
+        WriteFile("file.dat", file);
+        std::vector<std::string> found;
+        for (const auto& finding : FindingsOf("file.dat", " --stimulus")) {
+            found.push_back(std::string(finding["where"]) + ": " + std::string(finding["found"]));
+        }
+        return found;
+    }
+};
+
+TEST_F(RebuildTest, SaysWhichStimuliCannotBeRebuiltAndWhy) {
+    const Preparation epochs[] = {GenericAndNoise,
+                                  Segmented(9, 15),
+                                  Segmented(-5, 15),
+                                  Epoch(ITCFilewaveParams, {kWave, kPoints}),
+                                  Epoch(ITCTrigSeriesParams, {0, 1, 2, kPoints, 0, 0, {}}),
+                                  Epoch(ITCPulseParams, {1000, 7, 60, 2, 2, {}})};
+    const Bytes file = RecordSteps("file.dat", {std::begin(epochs), std::end(epochs)}).back();
+    const size_t tail = file.size() - 24 - kPoints * 2 - 32 + 12;
+    const std::string expected[] = {
+        "epoch 0, entry 0, generic stimulus: no waveform: only the application knows its waveform",
+        "epoch 0, entry 1, segmented noise stimulus: another waveform the second time: an odd",
+        "epoch 1, stimulus: its noise begins with a deviate that an earlier epoch left, and is",
+        "epoch 2, stimulus: its noise begins with a deviate",
+        "epoch 2, entry 0, segmented noise stimulus: another waveform the second time: its seed",
+        "epoch 3, entry 0, file wave stimulus: no waveform: the wave was the application's",
+        "epoch 4, entry 0, trigger series stimulus: no waveform: its parameters are not stored",
+        "table of positions, epoch 4: ",
+        "table of positions, epoch 5: ",
+        "epoch 5, entry 0, pulse stimulus: its lengths do not fit the epoch"};
+    const std::vector<std::string> found = Findings(file, tail, Big32(1));
+    ASSERT_EQ(found.size(), std::size(expected));
+    for (const std::string& each : expected) {
+        const auto isExpected = [&](const std::string& text) { return text.starts_with(each); };
+        EXPECT_TRUE(std::any_of(found.begin(), found.end(), isExpected)) << each;
+    }
+}
+
+TEST_F(RebuildTest, NamesTheOlderGeneratorAlsoForSeedsBelowZero) {
+    const Bytes file = RecordSteps("file.dat", {Filtered(-5), Filtered(5)}).back();
+    for (const uint8_t version : {4, 0xC8}) {
+        const std::vector<std::string> found = Findings(file, 0, {version});
+        ASSERT_EQ(found.size(), 2U);
+        for (const std::string& each : found) {
+            EXPECT_TRUE(Contains(each, "the recording machine's own generator")) << each;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace corvantis_test

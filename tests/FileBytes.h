@@ -91,7 +91,7 @@ using Stream = std::unique_ptr<FILE, int (*)(FILE*)>;
 // A temporary file on disk, so that seeking behaves as in a data file, positioned at its start.
 inline Stream StreamOver(const Bytes& bytes = {}) {
     Stream stream(std::tmpfile(), fclose);
-    fwrite(bytes.data(), 1, bytes.size(), stream.get());
+    if (!bytes.empty()) fwrite(bytes.data(), 1, bytes.size(), stream.get());
     rewind(stream.get());
     return stream;
 }

@@ -3,9 +3,11 @@
 // Procedure
 //  1. Open FILE for reading only, and read its header. Refuse an OUT that is the same file, or that
 //     exists unless it may be replaced.
-//  2. Follow the epochs end to end from byte 580 to the table's place, each one's end found from
-//     its own header and stimulus records. If their number, or the table, agrees, they are kept
-//     exactly: nothing that they hold can lead astray.
+//  2. Follow the epochs end to end from byte 580 to the place that the header has for the table,
+//     each one's end found from its own header and stimulus records. If they are as many as the
+//     table or the header counts (without a table, no more: saves that failed are counted), exactly
+//     they are kept: no search and nothing that they or a later save hold can lead astray. The same
+//     from byte 580 to where a table of the header's count would end the file.
 //  3. Otherwise walk again, from each damaged epoch to the next place of the table where one
 //  begins.
 //     What lies between two such places is accounted for and is not searched. The table is that of
@@ -13,9 +15,8 @@
 //  4. Without a table, search where no epoch follows for the next sound one. If it lies inside the
 //     epoch before and leads beyond that one's end, that one's length was damaged, and it is
 //     dropped. An epoch that was found by searching is said to be in doubt.
-//  5. If the walk ends without a whole table, an interrupted save is the usual cause. Keep the
-//     epoch that the header does not count if its bytes are known to have arrived (LastSave.h says
-//     how).
+//  5. If no whole table is there, an interrupted save is the usual cause. Keep the epoch that the
+//     header does not count if its bytes are known to have arrived (LastSave.h says how).
 //  6. Write a header that is FILE's but for count and table position, every complete epoch byte for
 //     byte and, if wanted, the last one cut to its whole points: its epochPoints and the
 //     conductances change accordingly, everything else stays.
@@ -23,10 +24,9 @@
 //
 // Known limits
 //  - There are no checksums: changed samples, comments or parameter values are copied as they are.
-//  - Where a small new epoch ends before the old table did, its last bytes can equal the old table
-//    by chance. Then it counts as unfinished until the new table's first four bytes are there. With
-//    failed saves or a second file of one run before, the old table's values are not known, and
-//    this holds for each such epoch.
+//  - Where a small new epoch ends before the old table did, its bytes can be those of the table, or
+//    of a save that failed and was killed while it undid itself. It counts as unfinished until the
+//    file is longer than before the save.
 //  - An epoch whose time has the bits of the number 580, below 1e-42, and whose save was
 //    interrupted as the second of its file passes for a table. Both readings are said.
 //  - Bytes that a power failure has kept from the disk read as zeros; headers of zeros are no
@@ -36,7 +36,7 @@
 //  - An epoch whose epochPoints was damaged to a smaller number is kept as it says; its remaining
 //    samples are dropped, and said to belong to nothing.
 //  - An epoch of no sequence entry, which holds no sample, is known by the table or the header's
-//    count alone; without them it counts as damaged.
+//    count alone; without them it counts as damaged, and so does the epoch of a killed save.
 //  - An epoch of unknown type ends where the table says that the next one begins; without a table,
 //    where the search finds the next one.
 //  - Versions that left the remains of a failed save behind the table: if the next save of an epoch

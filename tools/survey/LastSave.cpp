@@ -38,7 +38,6 @@ bool IsCompleteSave(const DataFile& file, const EpochReading& reading) {
 
 void SetAsideRest(const DataFile& file, EpochReading reading, Survey& survey) {
     const int64_t position = reading.place.start;
-    survey.tablePosition = position;
     if (reading.condition == Condition::kWhole) {
         reading.mismatch = {"samples of which a part may be left over from earlier",
                             "a table behind them"};

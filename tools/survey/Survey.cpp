@@ -10,6 +10,7 @@
 #include "survey/EpochSearch.h"
 #include "survey/LastSave.h"
 #include "survey/PositionTable.h"
+#include "survey/TableEnd.h"
 
 namespace corvantis::tool {
 namespace {
@@ -40,17 +41,17 @@ class Walk {
                 return EndWith(std::move(reading));
             }
         }
-        survey_.tablePosition = position_;
-        survey_.tableIsWhole = true;
-        CountNumbers();
-        FindTableEnd();
-        return std::move(survey_);
+        Survey survey = End();
+        survey.tableIsWhole = true;
+        FindTableEnd(file_, account_, survey);
+        return survey;
     }
 
   private:
     int64_t Count() const { return static_cast<int64_t>(survey_.epochs.size()); }
-    int64_t NextNumber() const { return survey_.epochs.empty() ? 0 : LastNumber() + 1; }
-    int64_t LastNumber() const { return survey_.epochs.back().number; }
+    int64_t NextNumber() const {
+        return survey_.epochs.empty() ? 0 : survey_.epochs.back().number + 1;
+    }
 
     // The usual file: the epochs end to end from the first to the table's place. Nothing that such
     // epochs hold can lead astray.
@@ -129,15 +130,13 @@ class Walk {
                ReadEpochAt(file_, position_).condition != Condition::kWhole;
     }
 
-    // A save overwrites the beginning first, so what still has it was not overwritten; one that
-    // failed puts the beginning back first, over an epoch that must not be believed.
+    // A save overwrites the beginning first; one that failed puts it back first.
     bool IsLeftAsTable() const {
         return Count() > 0 && IsTable(file_, position_, 1) &&
                file_.Size() >= position_ + kPositionSize * Count();
     }
 
-    // The table of the new epoch, which the header does not count yet, or of several, if the
-    // machine has lost power.
+    // Of the epoch that the header does not count yet, or of several after a loss of power.
     bool FollowToNewTable() {
         const Survey before = survey_;
         const int64_t position = position_, shift = shift_;
@@ -169,15 +168,12 @@ class Walk {
     Survey EndWithLastSave(EpochReading reading) {
         if (!IsCompleteSave(file_, reading)) return EndWith(std::move(reading));
         Keep(reading);
-        survey_.tablePosition = position_;
-        CountNumbers();
-        return std::move(survey_);
+        return End();
     }
 
     Survey EndWith(EpochReading reading) {
         SetAsideRest(file_, std::move(reading), survey_);
-        CountNumbers();
-        return std::move(survey_);
+        return End();
     }
 
     EpochReading Read() const {
@@ -329,43 +325,13 @@ class Walk {
         if (account_.HasTable() && more % 4 == 0 && more <= kLargestShift) shift_ += more;
     }
 
-    void CountNumbers() {
+    Survey End() {
+        survey_.tablePosition = position_;
         survey_.numbers = NextNumber();
         for (const Stretch& stray : survey_.strays) {
             survey_.numbers = std::max(survey_.numbers, stray.number.value_or(-1) + 1);
         }
-    }
-
-    // A file that took over the count of another has more entries than epochs.
-    void FindTableEnd() {
-        const int64_t counted = file_.Header().numEpochs;
-        const bool recordedHere = file_.RecordedTablePosition() == survey_.tablePosition;
-        const int64_t room = (file_.Size() - survey_.tablePosition) / kPositionSize;
-        const bool believable = recordedHere && counted >= Count() && counted <= room;
-        survey_.tableEntries = believable ? counted : Count();
-        const bool isAccounted = account_.HasTable() && position_ == account_.Place();
-        if (isAccounted) survey_.tableEntries = account_.Count();
-        if (Count() == 1 && room > 1) SayIfInDoubt();
-        const int64_t end = survey_.tablePosition + kPositionSize * survey_.tableEntries;
-        if (end < file_.Size()) {
-            survey_.strays.push_back({end,
-                                      file_.Size(),
-                                      {fmt::format("{} bytes behind the table", file_.Size() - end),
-                                       "the end of the file"}});
-        }
-    }
-
-    // The only value of the table is where it is the epoch's own place, a number that a time may
-    // have the bits of.
-    void SayIfInDoubt() {
-        const EpochReading reading = ReadEpochAt(file_, position_);
-        if (reading.condition > Condition::kCut || reading.place.entries == 0) return;
-        survey_.remarks.push_back({position_,
-                                   survey_.numbers,
-                                   {"a table with bytes behind it, or an epoch whose save was "
-                                    "interrupted and whose time has the bits of 580",
-                                    "one of the two; it is taken for the table"},
-                                   true});
+        return std::move(survey_);
     }
 
     const DataFile& file_;
@@ -378,36 +344,6 @@ class Walk {
 };
 
 }  // namespace
-
-const EpochPlace* FindNumber(const Survey& survey, int64_t number) {
-    const auto found = std::lower_bound(
-        survey.epochs.begin(), survey.epochs.end(), number,
-        [](const EpochPlace& epoch, int64_t wanted) { return epoch.number < wanted; });
-    return found == survey.epochs.end() || found->number != number ? nullptr : &*found;
-}
-
-std::string WhyMissing(const Survey& survey, int64_t number) {
-    for (const Stretch& stray : survey.strays) {
-        if (stray.number != number) continue;
-        return fmt::format("found {}, expected {}", stray.mismatch.found, stray.mismatch.expected);
-    }
-    if (survey.unfinished && number == survey.numbers) {
-        const UnfinishedEpoch& last = *survey.unfinished;
-        return fmt::format("found {} ({} of {} points), expected {}", last.mismatch.found,
-                           last.wholePoints, last.place.points, last.mismatch.expected);
-    }
-    if (number >= survey.numbers) return "the file ends before it";
-    return "the table of positions leads to no epoch of its own, as after a save that failed";
-}
-
-int64_t NumbersOf(const DataFile& file, const Survey& survey) {
-    const int64_t known = survey.numbers + (survey.unfinished ? 1 : 0);
-    const int64_t counted = file.Header().numEpochs;
-    const bool isTruncated = file.RecordedTablePosition() > file.Size();
-    const int64_t most = (file.RecordedTablePosition() - kFirstEpoch) / kEpochHeaderSize;
-    if (!isTruncated || counted > most) return known;
-    return std::max(counted, known);
-}
 
 Survey SurveyFile(const DataFile& file, const Terminal& terminal) {
     return Walk(file, terminal).Follow();

@@ -6,7 +6,6 @@
 #include <cstring>
 #include <sstream>
 #include <tuple>
-#include <utility>
 #include <vector>
 
 #include "Corvantis.h"
@@ -18,38 +17,37 @@ namespace {
 
 using namespace corvantis_test;
 
-// Beyond the types' codes.
-constexpr uint32_t kFileHeader = 101, kEpochHeader = 102;
-
-// Elements of 1, 2 and 4 bytes (b, h, i) and zero bytes (z).
-constexpr std::pair<uint32_t, const char*> kLayouts[] = {
-    {kFileHeader, "1b3z1i514b2z2i1b3z3i3b1z1i24z"},
-    {kEpochHeader, "1i512b12i5b3z7i141b3z5i2h4i4h24i1h22z"},
-    {7, "1i256b1024z"},
-    {1, "7i12z"},
-    {2, "9i"},
-    {3, "5i12z"},
-    {4, "5i12z"},
-    {6, "5i12z"},
-    {9, "7i12z"},
-    {10, "7i12z"},
-    {11, "2i"},
-    {12, "12i"},
-    {13, "6i12z"},
-    {14, "1i12z"}};
+// By the type's code, 0 and 15 being the headers of file and epoch: elements of 1, 2 and 4 bytes
+// (b, h, i) and zero bytes (z). Types 5 and 8 have none.
+constexpr const char* kLayouts[] = {"1b3z1i514b2z2i1b3z3i3b1z1i24z",
+                                    "7i12z",
+                                    "9i",
+                                    "5i12z",
+                                    "5i12z",
+                                    "",
+                                    "5i12z",
+                                    "1i256b1024z",
+                                    "",
+                                    "7i12z",
+                                    "7i12z",
+                                    "2i",
+                                    "12i",
+                                    "6i12z",
+                                    "1i12z",
+                                    "1i512b12i5b3z7i141b3z5i2h4i4h24i1h22z"};
 
 // A record's own codec is chosen by its C++ type, as the dispatcher's by the code.
 bool Write(FILE* stream, void* memory, uint32_t type) {
     const AnyRecord record{memory};
-    if (type == kFileHeader) return Write_ITCFileHeader(stream, record);
-    if (type == kEpochHeader) return Write_ITCEpochHeader(stream, record);
+    if (type == 0) return Write_ITCFileHeader(stream, record);
+    if (type == 15) return Write_ITCEpochHeader(stream, record);
     if (type == 7) return Write_ITCSummedParameters(stream, record);
     return Write_ITCStimulusParameters(stream, memory, type);
 }
 bool Read(FILE* stream, void* memory, uint32_t type) {
     const AnyRecord record{memory};
-    if (type == kFileHeader) return Read_ITCFileHeader(stream, record);
-    if (type == kEpochHeader) return Read_ITCEpochHeader(stream, record, 8);
+    if (type == 0) return Read_ITCFileHeader(stream, record);
+    if (type == 15) return Read_ITCEpochHeader(stream, record, 8);
     if (type == 7) return Read_ITCSummedParameters(stream, record);
     return Read_ITCStimulusParameters(stream, memory, type);
 }
@@ -79,8 +77,9 @@ Bytes FileImage(const char* layout, Bytes& memory) {
 // Any content, from a file that ends anywhere: what arrived is there, the rest as it was before.
 TEST(RecordCodec, WritesEveryFieldAndReadsAsFarAsTheFileGoes) {
     PseudoRandom random;
-    for (const auto& [type, layout] : kLayouts) {
-        SCOPED_TRACE(testing::Message() << type << " " << layout);
+    for (uint32_t type = 0; type <= 15; ++type) {
+        const char* const layout = kLayouts[type];
+        SCOPED_TRACE(type);
         Bytes memory(2400);
         random.Fill(memory);
         const Stream own = StreamOver();

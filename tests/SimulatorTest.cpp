@@ -1,4 +1,4 @@
-// The simulated interface: what it refuses, its wiring, and what its model neuron sees of it.
+// The simulated interface: its wiring, and what its model neuron sees of it.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -38,19 +38,6 @@ class SimulatorTest : public testing::Test {
     void* device = memory.data();
     Samples samples = {0};
 };
-
-TEST_F(SimulatorTest, RefusesWordsAndKeepsTheLoadedOnes) {
-    Play({0x0800, 0xC080}, 10, {1, 2});
-    EXPECT_EQ(Play(1), ITC18Simulator_NotPrepared);
-    for (const Words& words : {Words{0}, {0x4000}, {0x8000}, {0xC000, 0xC000}})
-        EXPECT_EQ(Load(words), ITC18Simulator_BadEndMark);
-    // Unknown bits; digital and analogue at once, of inputs and of outputs.
-    for (const Words& words : {Words{0xC001}, {0x1C000}, {0xC480}, {0xE800}})
-        EXPECT_EQ(Load(words), ITC18Simulator_BadSequenceWord);
-    ITC18Simulator_State state;
-    EXPECT_EQ(ITC18Simulator_GetState(0, &state), 0);
-    EXPECT_TRUE(state.interval == 10 && state.sequenceLength == 2 && state.sequence[0] == 0x0800);
-}
 
 TEST_F(SimulatorTest, InputsSeeTheOutputOfTheirNumber) {
     // Inputs 1, 3, D, 2, 4 beside outputs 3, 1, D, D, 0: output 2 is not driven, the second D wins.

@@ -189,6 +189,8 @@ TEST_F(SetUpTest, Sequences) {
     }
     EXPECT_EQ(ITCSetSeq("", ""), ITC_NOT_STARTED) << "no device holds 49152 entries";
     EXPECT_EQ(epochhdr->sequenceLength, 49152);
+    for (uint32_t i = 0; i < 8; ++i) EXPECT_EQ(itcInputs16[i], 7 - i);
+    for (uint32_t i = 0; i < 4; ++i) EXPECT_EQ(itcOutputs16[i], 0x18 - i * 8);
 }
 
 TEST_F(SetUpTest, IntervalsAndLengths) {

@@ -124,9 +124,7 @@ TEST_F(SavingUnderDifficulties, AFailedSaveIsCountedAndSparesItsNeighbours) {
             EXPECT_EQ(filehdr->numEpochs, epoch + 2);
         }
     }
-    SetUpPulseEpoch(2);
-    ASSERT_EQ(SaveEpoch(filehdr->numEpochs), ITC_SUCCESS);
-    expected.push_back(filehdr->numEpochs - 1);
+    expected.pop_back();  // nothing has taken the last one's place
     ExpectEpochs(expected);
 }
 

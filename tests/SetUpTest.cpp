@@ -211,11 +211,11 @@ TEST_F(SetUpTest, IntervalsAndLengths) {
                   result == 0 ? Results({interval, points, -3, 127}) : Results({65500, 7, 1, 2}));
         EXPECT_EQ(Device().interval, epochhdr->samplingInterval / epochhdr->sequenceLength);
     }
-    epochhdr->sequenceLength = 0;
-    EXPECT_EQ(Results({ITCSetAcqParams(100, 1, 0, 0), ITCInitAcq()}), Results({6, 4}));
-    epochhdr->sequenceLength = -1;
     epochhdr->samplingInterval = INT32_MIN;
-    EXPECT_EQ(Results({ITCSetAcqParams(INT32_MIN, 1, 0, 0), ITCInitAcq()}), Results({6, 4}));
+    for (const int32_t entries : {0, -1}) {
+        epochhdr->sequenceLength = entries;
+        EXPECT_EQ(Results({ITCSetAcqParams(INT32_MIN, 1, 0, 0), ITCInitAcq()}), Results({6, 4}));
+    }
     Fail(ITC18Simulator_CallInitializeAcquisition, 7);
     EXPECT_EQ(ITCInitAcq(), ITC_NOT_STARTED);
 }

@@ -74,7 +74,7 @@ TEST_F(Analysis, ConductancesOfADynamicClamp) {
         return Join({EpochHeaderBytes(100, points, types), Hex("00000000 C28C0000"), rest});
     };
     const Bytes one = Join({Hex("3F800000 40000000 BF800000 41000000"), BigSamples({0xFFFF, 7})});
-    const Bytes two = Join({one, Hex("40A00000 40E00000"), Bytes(32)});
+    const Bytes two = Join({one, Hex("40A00000 40E00000"), Bytes(12), BigSamples({1, 2, 3, 4})});
     Open(DataFileBytes({clamp(2, {11}, First(one, 20)), PulseEpochBytes({1, 2, 3, 4}),
                         clamp(4097, {11}), clamp(4000, {11}), clamp(2, {11, 11}, two)}));
     ExcitatoryG = InhibitoryG = nullptr;
@@ -92,6 +92,9 @@ TEST_F(Analysis, ConductancesOfADynamicClamp) {
         EXPECT_EQ(read(4, channel), ITC_SUCCESS);
         EXPECT_TRUE(ExcitatoryG[1] == 8 && InhibitoryG[1] == 5);
     }
+    Samples samples(4, 90);
+    EXPECT_EQ(ITCReadEpoch(4, samples.data()), ITC_SUCCESS);
+    EXPECT_EQ(samples, Samples({1, 2, 3, 4})) << "behind the conductances of both";
     Drop(ExcitatoryG, InhibitoryG);
 }
 

@@ -29,10 +29,9 @@ TEST_F(DataFile, IsCreatedWithItsHeaderAndOverwrittenOnlyOnRequest) {
     for (const char* name : {"b.itc", "c.itc", "a.dat"}) WriteFile(folder.File(name), precious);
     using Case = std::tuple<std::string, int32_t, bool, const char*>;
     for (const auto& [pattern, overwrite, done, name] :
-         {Case("b.itc", 0, false, "b.itc"), Case("~/b.itc", 0, false, "b.itc"),
-          Case("*.itc", 1, true, "b.itc"), Case("?.dat", 0, false, "a.dat"),
-          Case("run*", 0, true, "run*"), Case("~/c.itc", 1, true, "c.itc"),
-          Case("~/new.itc", 0, false, "new.itc")}) {
+         {Case("~/b.itc", 0, false, "b.itc"), Case("*.itc", 1, true, "b.itc"),
+          Case("?.dat", 0, false, "a.dat"), Case("run*", 0, true, "run*"),
+          Case("~/c.itc", 1, true, "c.itc"), Case("~/new.itc", 0, false, "new.itc")}) {
         const std::string full = pattern[0] == '~' ? pattern : folder.File(pattern);
         EXPECT_EQ(ITCCreateFile(full.c_str(), overwrite), done ? 0 : 7) << pattern;
         EXPECT_EQ(ITCCloseFile(), done ? 0 : -1);

@@ -250,15 +250,15 @@ TEST_F(Fields, ChannelsOfSequenceWordsAndTheirEntries) {
             Expect(Get<ITCGetOutputChan>, code, entry, 0, inside ? output : kNone, 6);
         }
     }
-    using Case = std::tuple<Bytes, double, double, double>;  // entries of output 0, input 0, others
-    for (const auto& [epoch, output0, input0, others] :
-         {Case(SequenceEpoch(4, {0x09, 0x40, 0x27, 0xC000}), 2, 1, kNone),
-          Case(SequenceEpoch(4, {0x02, 0x04, 0x40, 0xFFFFFF80}), 0, 2, kNone),
-          Case(SequenceEpoch(-1, {0x7F}), 0, 0, 0)}) {
+    using Case = std::tuple<Bytes, double, double>;  // entries of output 0 and of input 0
+    for (const auto& [epoch, output0, input0] :
+         {Case(SequenceEpoch(4, {0x09, 0x40, 0x27, 0xC000}), 2, 1),
+          Case(SequenceEpoch(4, {0x02, 0x04, 0x40, 0xFFFFFF80}), 0, 2),
+          Case(SequenceEpoch(2, {0x7F, 0xC07F, 0, 0}), kNone, kNone),
+          Case(SequenceEpoch(-1, {0x7F}), 0, 0)}) {
         Open(DataFileBytes({epoch}));
         Expect(Get<ITCGetSegmentForOutputChan>, 0, 0, 0, output0, 6);
         Expect(Get<ITCGetSegmentForInputChan>, 0, 0, 0, input0, 6);
-        Expect(Get<ITCGetSegmentForInputChan>, 0, 7, 0, others, 6);
     }
     for (const int32_t channel : {-1, 8}) {  // refused before anything is read
         Expect(Get<ITCGetSegmentForOutputChan>, 99, std::min(channel, 4), 0, kNone, 6);

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 #include <sstream>
+#include <string>
 #include <tuple>
 #include <vector>
 
@@ -17,44 +18,30 @@ namespace {
 
 using namespace corvantis_test;
 
-using Codec = bool (*)(FILE* stream, void* record);
+// By the type's code, 0 and 15 being the headers of file and epoch: elements of 1, 2 and 4 bytes
+// (b, h, i) and zero bytes (z). Types 5 and 8 have none.
+constexpr const char* kLayouts =
+    "1b3z1i514b2z2i1b3z3i3b1z1i24z 7i12z 9i 5i12z 5i12z - 5i12z 1i256b1024z - 7i12z 7i12z 2i 12i "
+    "6i12z 1i12z 1i512b12i5b3z7i141b3z5i2h4i4h24i1h22z";
 
-template <auto call>
-constexpr Codec kCodec = [](FILE* stream, void* record) {
-    if constexpr (requires { call(stream, AnyRecord{record}, 8); })
-        return call(stream, AnyRecord{record}, 8);
-    else
-        return call(stream, AnyRecord{record});
-};
-
-// Elements of 1, 2 and 4 bytes (b, h, i) and zero bytes (z). A stimulus goes through its own codec
-// or through the type's.
-const struct {
-    uint32_t type;  // 0 is no stimulus
-    const char* layout;
-    Codec write, read;
-} kRecords[] = {
-    {0, "1b3z1i514b2z2i1b3z3i3b1z1i24z", kCodec<Write_ITCFileHeader>, kCodec<Read_ITCFileHeader>},
-    {0, "1i512b12i5b3z7i141b3z5i2h4i4h24i1h22z", kCodec<Write_ITCEpochHeader>,
-     kCodec<Read_ITCEpochHeader>},
-    {0, "1i256b1024z", kCodec<Write_ITCSummedParameters>, kCodec<Read_ITCSummedParameters>},
-    {1, "7i12z", kCodec<Write_ITCSineParameters>, kCodec<Read_ITCSineParameters>},
-    {2, "9i", kCodec<Write_ITCNoiseParameters>, kCodec<Read_ITCNoiseParameters>},
-    {3, "5i12z", kCodec<Write_ITCPulseParameters>, kCodec<Read_ITCPulseParameters>},
-    {4, "5i12z", kCodec<Write_ITCRampParameters>, kCodec<Read_ITCRampParameters>},
-    {6, "5i12z", kCodec<Write_ITCGenericParameters>, kCodec<Read_ITCGenericParameters>},
-    {9, "7i12z", kCodec<Write_ITCSegmentedNoiseParameters>,
-     kCodec<Read_ITCSegmentedNoiseParameters>},
-    {10, "7i12z", kCodec<Write_ITCBinaryNoiseParameters>, kCodec<Read_ITCBinaryNoiseParameters>},
-    {11, "2i", kCodec<Write_ITCGClampParameters>, kCodec<Read_ITCGClampParameters>},
-    {12, "12i", kCodec<Write_ITCCirclePulseParameters>, kCodec<Read_ITCCirclePulseParameters>},
-    {13, "6i12z", kCodec<Write_ITCAlternateVoltageParameters>,
-     kCodec<Read_ITCAlternateVoltageParameters>},
-    {14, "1i12z", kCodec<Write_ITCSpatialStimulusParameters>,
-     kCodec<Read_ITCSpatialStimulusParameters>}};
+// A record's own codec is chosen by its C++ type, as the dispatcher's by the code.
+bool Write(FILE* stream, void* memory, uint32_t type) {
+    const AnyRecord record{memory};
+    if (type == 0) return Write_ITCFileHeader(stream, record);
+    if (type == 15) return Write_ITCEpochHeader(stream, record);
+    if (type == 7) return Write_ITCSummedParameters(stream, record);
+    return Write_ITCStimulusParameters(stream, memory, type);
+}
+bool Read(FILE* stream, void* memory, uint32_t type) {
+    const AnyRecord record{memory};
+    if (type == 0) return Read_ITCFileHeader(stream, record);
+    if (type == 15) return Read_ITCEpochHeader(stream, record, 8);
+    if (type == 7) return Read_ITCSummedParameters(stream, record);
+    return Read_ITCStimulusParameters(stream, memory, type);
+}
 
 // The file's bytes; fields lie in memory as on file. What is no field's becomes 0xA5 there.
-Bytes FileImage(const char* layout, Bytes& memory) {
+Bytes FileImage(const std::string& layout, Bytes& memory) {
     Bytes file;
     std::istringstream row(layout);
     size_t count = 0;
@@ -78,26 +65,24 @@ Bytes FileImage(const char* layout, Bytes& memory) {
 // Any content, from a file that ends anywhere: what arrived is there, the rest as it was before.
 TEST(RecordCodec, WritesEveryFieldAndReadsAsFarAsTheFileGoes) {
     PseudoRandom random;
-    for (const auto& [type, layout, write, read] : kRecords) {
-        SCOPED_TRACE(testing::Message() << type << " " << layout);
+    std::istringstream layouts(kLayouts);
+    std::string layout;
+    for (uint32_t type = 0; layouts >> layout; ++type) {
+        SCOPED_TRACE(type);
         Bytes memory(2400);
         random.Fill(memory);
-        const Stream own = StreamOver(), other = StreamOver();
-        EXPECT_TRUE(write(own.get(), memory.data()));
+        const Stream own = StreamOver();
+        EXPECT_TRUE(Write(own.get(), memory.data(), type));
         const Bytes file = FileImage(layout, memory);
         EXPECT_EQ(Content(own.get()), file);
-        EXPECT_TRUE(type == 0 || Write_ITCStimulusParameters(other.get(), memory.data(), type));
-        EXPECT_EQ(Content(other.get()), type == 0 ? Bytes{} : file);
         for (size_t size = 0; size <= file.size();
              size += file.size() > 99 && size < 880 ? 37 : 1) {
             const Stream cut = StreamOver(First(file, size)), again = StreamOver();
             Bytes taken(memory.size(), 0xA5), expected = taken;
-            const bool done = type == 0 || size % 2 == 0
-                                  ? read(cut.get(), taken.data())
-                                  : Read_ITCStimulusParameters(cut.get(), taken.data(), type);
+            const bool done = Read(cut.get(), taken.data(), type);
             EXPECT_EQ(done, size == file.size());
             EXPECT_TRUE(!done || taken == memory);
-            write(again.get(), taken.data());
+            Write(again.get(), taken.data(), type);
             expected = FileImage(layout, expected);
             Put(expected, 0, First(file, size));
             EXPECT_EQ(Content(again.get()), expected) << size;

@@ -54,7 +54,11 @@ TEST_F(SumAndUpdateTest, AShorterWaveAddsThePreviousComponentsRestAgain) {
     ASSERT_EQ(
         Results({InstallSum(0, 2), ITCAddPulseParams(0, &kStep), ITCAddFilewaveParams(0, &file)}),
         Results(3));
-    EXPECT_EQ(Played(kPoints), Samples({101, 102, 153, 154, 300, 300, 300, 300, 200, 200}));
+    const Samples again = {101, 102, 153, 154, 300, 300, 300, 300, 200, 200};
+    EXPECT_EQ(Played(kPoints), again);
+    const auto* sum = static_cast<const ITCSummedParameters*>(StmParameters[0]);
+    const auto calculate = [=](uint16_t* samples) { EXPECT_EQ(ITCStmCreateSum(samples, sum), 0); };
+    EXPECT_EQ(Written(kPoints, calculate), again);
 }
 
 TEST_F(SumAndUpdateTest, UpdatesInterleaveEveryEntryAndWrap) {

@@ -103,8 +103,7 @@ def test_stimuli_channels_and_units_of_each_entry(recorded):
         assert {each.name for epoch in epochs for each in epoch.stimuli} \
             == {each.name for each in stimuli.ALL if each.computed}
         digital, both = epochs[11:13]
-        words = digital.raw_stimulus[:, 1].view(np.uint16)
-        np.testing.assert_array_equal(digital.stimulus[:, 1], words)
+        assert np.array_equal(digital.stimulus[:, 1], digital.raw_stimulus[:, 1].view(np.uint16))
         np.testing.assert_array_equal(both.response, both.raw / 3200 / [0.01, 0.5])
         assert epochs[0].stimuli == (stimuli.Sine(500, 100, 40, 7, 150, 20, 30),)
         for clamp in (epochs[6].stimuli[0], epochs[9].stimuli[1]):  # behind any number of entries

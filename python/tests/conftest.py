@@ -8,8 +8,6 @@ import pytest
 
 from corvantis.library import find_library
 
-HERE = Path(__file__).parent
-
 
 @pytest.fixture(scope="session")
 def recorded(tmp_path_factory):
@@ -19,8 +17,8 @@ def recorded(tmp_path_factory):
     def record(recipe):
         path = folder / f"{recipe}.dat"
         if not path.exists():
-            subprocess.run([sys.executable, HERE / "rig.py", recipe, path], check=True,
-                           stdout=subprocess.DEVNULL)
+            subprocess.run([sys.executable, Path(__file__).with_name("rig.py"), recipe, path],
+                           check=True, stdout=subprocess.DEVNULL)
         return path
     return record
 

@@ -12,7 +12,6 @@ from corvantis.epochreader import EpochReader
 from corvantis.neo import CorvantisIO, CorvantisRawIO, register
 
 pytestmark = pytest.mark.filterwarnings("ignore::corvantis.CorvantisWarning")
-FILES = ["steps", "types", "unstored", "odd", "empty"]
 
 
 def test_neos_own_suites(recorded):
@@ -21,8 +20,8 @@ def test_neos_own_suites(recorded):
     os.environ["EPHY_TESTING_DATA_FOLDER"] = str(folder)
     import neo.test.iotest.common_io_test as io_suite
     import neo.test.rawiotest.common_rawio_test as raw_suite
-    common = {"entities_to_download": [],
-              "entities_to_test": [recorded(recipe).name for recipe in FILES]}
+    common = {"entities_to_download": [], "entities_to_test": [
+        recorded(recipe).name for recipe in ("steps", "types", "unstored", "odd", "empty")]}
     result = unittest.TestResult()
     for module, suite, kind, reader in (
             (raw_suite, raw_suite.BaseTestRawIO, "rawioclass", CorvantisRawIO),

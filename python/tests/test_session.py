@@ -42,8 +42,6 @@ def test_threads_take_turns_and_children_are_forked_meanwhile(recorded, logged):
 
 def test_an_interruption_anywhere_leaves_nothing_wrong(recorded, logged):
     """Interrupted after so many lines of the package, of reading, which takes 12,000."""
-    left = 0
-
     def interrupt(frame, event, argument):
         nonlocal left
         left -= "/corvantis/" in frame.f_code.co_filename

@@ -15,7 +15,8 @@ void FillHeader() {
     for (size_t i = 0; i < ITC_USER_VALUES; ++i)
         std::memcpy(&epochhdr->userValue[i], &patterns[i % 4], sizeof patterns[0]);
     std::memcpy(epochhdr->meanOutput, patterns, sizeof patterns);
-    std::memcpy(epochhdr->ledSetting, patterns, sizeof epochhdr->ledSetting);
+    for (size_t i = 0; i < ITC_CHANNELS; ++i)
+        epochhdr->ledSetting[i] = static_cast<uint16_t>(patterns[i / 2] >> 16 * (i % 2));
     std::memset(epochhdr->epochComment, 0xE9, ITC_COMMENT_LENGTH);
 }
 

@@ -1,4 +1,5 @@
 // Creating, opening and closing the data file, and what a saved epoch adds to it, byte by byte.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -34,6 +35,7 @@ TEST_F(DataFile, IsCreatedWithItsHeaderAndOverwrittenOnlyOnRequest) {
           Case("~/c.itc", 1, true, "c.itc"), Case("~/new.itc", 0, false, "new.itc")}) {
         const std::string full = pattern[0] == '~' ? pattern : folder.File(pattern);
         EXPECT_EQ(ITCCreateFile(full.c_str(), overwrite), done ? 0 : 7) << pattern;
+        EXPECT_EQ(done && fcntl(fileno(ITCOpenFilePtr), F_GETFD) != FD_CLOEXEC, false);
         EXPECT_EQ(ITCCloseFile(), done ? 0 : -1);
         EXPECT_EQ(FileContent(folder.File(name)) == blank, done) << pattern;
     }

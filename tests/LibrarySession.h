@@ -84,4 +84,11 @@ class TemporaryFolder {
     std::filesystem::path path;
 };
 
+// A held deviate leaves the state word as it is, a new pair restarts from it.
+inline void DropSpareDeviate() {
+    int32_t word = -1;
+    ITCNormalDeviate(&word);
+    if (word != -1) ITCNormalDeviate(&word);
+}
+
 }  // namespace corvantis_test

@@ -8,7 +8,6 @@
 
 #include "Corvantis.h"
 #include "LibrarySession.h"
-#include "SpareDeviates.h"
 #include "StimulusRecords.h"
 #include "WrittenSamples.h"
 

@@ -9,7 +9,6 @@
 
 #include "Corvantis.h"
 #include "LibrarySession.h"
-#include "SpareDeviates.h"
 #include "WrittenSamples.h"
 
 namespace {

@@ -2,10 +2,9 @@
 
     run_tutorial.py TUTORIAL WHEEL RECORDING IMAGES [update]
 
-Blocks run in a folder that holds the wheel and the recording, as `demo.dat`. A `text` block must be
-what the block before it prints. A Python block knows what the ones before it have defined. Every
-picture that the page shows must come from the run and look like the one in IMAGES; `update` puts
-it there instead.
+They run beside the wheel and the recording, `demo.dat`, and know what blocks before them defined. A
+`text` block must be what the one before it prints, and every picture look like that in IMAGES,
+where `update` puts it instead.
 """
 import re
 import shutil

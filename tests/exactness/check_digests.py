@@ -2,10 +2,8 @@
 
     check_digests.py EXPECTED HOST FOLDER [REFERENCE]
 
-FOLDER and REFERENCE are folders that ExactnessDigests has written. Every section must have its
-expected digest, or the one that EXPECTED excepts for this host. With a reference run from a host
-without exceptions, the values that differ from it must be as many as the exception says, and those
-of a maths function may differ in the last place only.
+Both folders are written by ExactnessDigests. Every section must have its expected digest, or one
+that EXPECTED excepts for this host, and then differ from a reference in as many values as it says.
 """
 
 import struct
@@ -14,8 +12,7 @@ from pathlib import Path
 
 
 def read_list(path, host=""):
-    """Type and count of each section, and its digests with the counts of differing values: one, or
-    as many as this host's processors give."""
+    """Type, count and digests of each section, each digest with its count of differing values."""
     sections, exceptions = {}, {}
     for fields in map(str.split, path.read_text().splitlines()):
         if fields[:2] == ["except", host]:

@@ -1,7 +1,6 @@
 """Records test files on the simulated interface: `python3 rig.py RECIPE[-NUMBER...] FILE`.
 
-In a process of its own: the package reads through the library that records here, which has one
-state. What was played and acquired goes to FILE.npz, without going through the file.
+In a process of its own, for the library has one state. FILE.npz gets what was played and acquired.
 """
 import ctypes
 import random

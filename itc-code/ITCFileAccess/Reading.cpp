@@ -13,7 +13,7 @@ namespace {
 constexpr int kSamplesTooLargeLine = 703;
 constexpr int kStimulusTooLargeLine = 759;
 constexpr int kConductancesTooLargeLine = 815;
-constexpr int64_t kEpochHeaderSize = 912;
+constexpr int64_t kEpochHeaderSize = sizeof(ITCEpochHeader);
 constexpr int64_t kParametersPerEntry = 8;
 
 bool IsEpoch(int32_t epoch) {

@@ -13,7 +13,7 @@
 namespace corvantis {
 namespace {
 
-constexpr uint32_t kEpochHeaderSize = 912;
+constexpr uint32_t kEpochHeaderSize = sizeof(ITCEpochHeader);
 
 // What one sequence entry's parameters can add to the epoch at most.
 int64_t ParametersSize(uint32_t entry) {

@@ -4,9 +4,11 @@
 #include <cstdint>
 #include <optional>
 
+#include "Corvantis.h"
+
 namespace corvantis {
 
-inline constexpr uint32_t kFirstEpochPosition = 580;
+inline constexpr uint32_t kFirstEpochPosition = sizeof(ITCFileHeader);
 
 // A fresh table of `entries`, all 0; false when memory is out, and the table is then empty.
 bool AllocatePositionTable(int64_t entries);

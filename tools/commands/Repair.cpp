@@ -8,8 +8,7 @@
 //     table or the header counts (without a table, no more: saves that failed are counted), exactly
 //     they are kept: no search and nothing that they or a later save hold can lead astray. The same
 //     from byte 580 to where a table of the header's count would end the file.
-//  3. Otherwise walk again, from each damaged epoch to the next place of the table where one
-//  begins.
+//  3. Otherwise walk again, from each damaged epoch to the next place of the table that has one.
 //     What lies between two such places is accounted for and is not searched. The table is that of
 //     the header's place or, where the header leads elsewhere, of the end of the file.
 //  4. Without a table, search where no epoch follows for the next sound one. If it lies inside the

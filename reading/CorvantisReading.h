@@ -1,0 +1,502 @@
+/**
+ * @file CorvantisReading.h
+ * @brief Reading recordings of Corvantis: any number of them, from any number of threads, from
+ * files or from the caller's own bytes; samples as recorded, stimuli as played.
+ *
+ * Valid C99 and C++20; needs nothing but this header and libCorvantisReading. Conventions that hold
+ * for every declaration below:
+ *
+ * 1. Handles. All state belongs to a handle, a #CorvantisRecording. Nothing is shared between two,
+ *    nothing is printed, and no generator of the process is touched.
+ * 2. Threads. Any number of threads may read from one recording at the same time, and from
+ *    different ones. #CorvantisRefresh and #CorvantisClose alone must have theirs to themselves.
+ * 3. Result codes. An operation returns an int32_t from #CorvantisResult, 0 for success, and hands
+ *    values back through pointers, which after a failure hold nothing of use. The last parameter of
+ *    most, a #CorvantisProblem or null, then says what went wrong; after success it is untouched.
+ *    Codes that every operation may return are not listed again: #CORVANTIS_BAD_ARGUMENT for a null
+ *    pointer or for what is not there (an entry, a range, a field), #CORVANTIS_OUT_OF_MEMORY,
+ *    #CORVANTIS_FILE_ERROR where the bytes cannot be read or end too early, and
+ *    #CORVANTIS_CHANGED.
+ * 4. Ownership. The caller owns all memory that it hands over, for as long as the call lasts.
+ *    Texts behind `const char*` are constants of the library. A recording is released by
+ *    #CorvantisClose.
+ * 5. Indices. Epochs count from 0 to #CorvantisEpochs, by the file's own table, and keep their
+ *    numbers whatever became of the others: one that is damaged is #CORVANTIS_DAMAGED. Sequence
+ *    entries and components of a sum count from 0; #CORVANTIS_ALL_ENTRIES stands for all entries.
+ * 6. Units. A count is a signed converter count, a level in DAC codes is one held in 32 bits, a
+ *    length in points or samples is of one sequence entry, an interval is in microseconds.
+ * 7. Records. Headers and stimulus records are handed over as they lie in the file, place by place,
+ *    but with numbers in the byte order of this machine; #CorvantisFields says what stands where.
+ * 8. Texts are UTF-8 and end with a 0; those of a file are made fit for a screen (#CorvantisText).
+ */
+#ifndef CORVANTIS_READING_H
+#define CORVANTIS_READING_H
+
+#include <stdint.h>
+
+#ifndef CORVANTIS_API
+#if defined(__GNUC__)
+/** Marks a symbol that the shared library exports. */
+#define CORVANTIS_API __attribute__((visibility("default")))
+#else
+#define CORVANTIS_API
+#endif
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** Result codes; those that libCorvantis has too are the same numbers. */
+typedef enum CorvantisResult {
+    CORVANTIS_SUCCESS = 0,
+    /** A stimulus that cannot be computed: the file does not hold what it needs, or its lengths do
+     * not fit the epoch. */
+    CORVANTIS_NO_STIMULUS = 2,
+    CORVANTIS_OUT_OF_MEMORY = 5,
+    CORVANTIS_BAD_ARGUMENT = 6,
+    /** The file cannot be opened or read, or ends too early. */
+    CORVANTIS_FILE_ERROR = 7,
+    /** The file was made by a newer version. */
+    CORVANTIS_VERSION_TOO_NEW = 9,
+    /** What was opened is no recording, but something else. */
+    CORVANTIS_NOT_A_RECORDING = 10,
+    /** This epoch is damaged, or is not in the file although it was counted. */
+    CORVANTIS_DAMAGED = 11,
+    /** The file is no longer the one that was opened. */
+    CORVANTIS_CHANGED = 12
+} CorvantisResult;
+
+/** Fixed sizes of the interface. */
+enum {
+    CORVANTIS_ENTRIES = 4,             /**< most entries of a channel sequence */
+    CORVANTIS_FILE_HEADER_SIZE = 580,  /**< of the file header's record [bytes] */
+    CORVANTIS_EPOCH_HEADER_SIZE = 912, /**< of an epoch header's record [bytes] */
+    CORVANTIS_RECORD_SIZE = 64,        /**< room for any stimulus record but a sum's [bytes] */
+    CORVANTIS_ALL_ENTRIES = -1         /**< as an entry: all of them */
+};
+
+/** What went wrong, for a program and for a person. */
+typedef struct CorvantisProblem {
+    int32_t code;   /**< a #CorvantisResult */
+    int64_t offset; /**< in the file [bytes]; -1 where no place is to blame */
+    char text[504]; /**< the file, the place, what was found and what was expected */
+} CorvantisProblem;
+
+/** An open recording. */
+typedef struct CorvantisRecording CorvantisRecording;
+
+/**
+ * Where bytes come from, if not from a file. The functions are called by as many threads at once as
+ * the caller reads from.
+ */
+typedef struct CorvantisSource {
+    void* context; /**< handed to the functions */
+    /** Size now [bytes]; -1 if it cannot be told. */
+    int64_t (*size)(void* context);
+    /** Read so many bytes from there; fewer only at the end. How many there were; -1: failed. */
+    int64_t (*read)(void* context, int64_t offset, void* bytes, int64_t count);
+    /** Called once, by #CorvantisClose or a failed opening; may be null. */
+    void (*close)(void* context);
+} CorvantisSource;
+
+/* ---- Opening ---------------------------------------------------------------------------- */
+
+/**
+ * Open a recording for reading. Of a sound one only headers and the ends of its table of positions
+ * are read; where these do not agree the whole file is walked for its epochs.
+ * @param[in] path the file, UTF-8; neither "~" nor wildcards are expanded
+ * @param[out] recording the recording, to be closed; null after a failure
+ * @param[out] problem what went wrong, or null
+ * @return #CORVANTIS_SUCCESS, #CORVANTIS_VERSION_TOO_NEW, #CORVANTIS_NOT_A_RECORDING or one of
+ * convention 3
+ */
+CORVANTIS_API int32_t CorvantisOpen(const char* path, CorvantisRecording** recording,
+                                    CorvantisProblem* problem);
+/**
+ * As #CorvantisOpen, from the caller's own source.
+ * @param[in] source is copied; its `close` is called also after a failure
+ * @param[in] name what messages call it, UTF-8
+ * @param[out] recording the recording, to be closed; null after a failure
+ * @param[out] problem what went wrong, or null
+ * @return as #CorvantisOpen
+ */
+CORVANTIS_API int32_t CorvantisOpenSource(const CorvantisSource* source, const char* name,
+                                          CorvantisRecording** recording,
+                                          CorvantisProblem* problem);
+/**
+ * Take in the epochs that another program has saved meanwhile. One that is not complete is never
+ * shown, whatever moment of a save this meets; a later call shows it.
+ * @param[in,out] recording the recording, which no other thread may use meanwhile
+ * @param[out] problem what went wrong, or null
+ * @return #CORVANTIS_SUCCESS; #CORVANTIS_CHANGED if the epochs before are not what they were: the
+ * recording then stays as it is
+ */
+CORVANTIS_API int32_t CorvantisRefresh(CorvantisRecording* recording, CorvantisProblem* problem);
+/**
+ * Close a recording and release all that belongs to it.
+ * @param[in] recording the recording, or null
+ */
+CORVANTIS_API void CorvantisClose(CorvantisRecording* recording);
+
+/** How the epochs were found. */
+typedef enum CorvantisFound {
+    CORVANTIS_BY_TABLE = 0,  /**< header and table of positions agree with what stands there */
+    CORVANTIS_BY_WALKING = 1 /**< they do not, and the file was walked from epoch to epoch */
+} CorvantisFound;
+
+/** What is known of a recording as a whole. */
+typedef struct CorvantisRecordingInfo {
+    int64_t size;          /**< [bytes] */
+    int64_t epochs;        /**< as #CorvantisEpochs */
+    int64_t tablePosition; /**< where the table of positions is or would be [bytes] */
+    int32_t version;       /**< of the format: up to 8, also negative */
+    int32_t found;         /**< a #CorvantisFound */
+} CorvantisRecordingInfo;
+
+/**
+ * @param[in] recording the recording
+ * @param[out] info what is known of it
+ * @return #CORVANTIS_SUCCESS
+ */
+CORVANTIS_API int32_t CorvantisInfo(const CorvantisRecording* recording,
+                                    CorvantisRecordingInfo* info);
+/**
+ * How many epochs the recording has, those included that are damaged or lost but counted. May grow
+ * when a recording that looked sound turns out damaged and is walked, and by #CorvantisRefresh.
+ * @param[in] recording the recording
+ * @return their number; 0 for null
+ */
+CORVANTIS_API int64_t CorvantisEpochs(const CorvantisRecording* recording);
+
+/* ---- Findings --------------------------------------------------------------------------- */
+
+/** How much a finding matters. */
+typedef enum CorvantisWeight {
+    CORVANTIS_NOTE = 0,  /**< worth knowing, nothing is wrong */
+    CORVANTIS_DOUBT = 1, /**< can be read in two ways */
+    CORVANTIS_FAULT = 2  /**< damage */
+} CorvantisWeight;
+
+/** Something in the file that is not as it should be. */
+typedef struct CorvantisFinding {
+    int64_t offset;     /**< in the file [bytes] */
+    int64_t epoch;      /**< the epoch that it is about; -1 for none */
+    int32_t weight;     /**< a #CorvantisWeight */
+    char place[64];     /**< such as "file header, numEpochs" */
+    char found[224];    /**< what stands there */
+    char expected[224]; /**< what should */
+} CorvantisFinding;
+
+/**
+ * Walk the whole file, every byte accounted for but no sample read, and compare it with header and
+ * table. Made once; later calls return at once.
+ * @param[in] recording the recording
+ * @param[out] count how many findings there are, in the order of their offsets
+ * @param[out] problem what went wrong, or null
+ * @return #CORVANTIS_SUCCESS or one of convention 3
+ */
+CORVANTIS_API int32_t CorvantisFindings(const CorvantisRecording* recording, int64_t* count,
+                                        CorvantisProblem* problem);
+/**
+ * @param[in] recording the recording, of which #CorvantisFindings was asked
+ * @param[in] index of the finding, from 0
+ * @param[out] finding the finding
+ * @return #CORVANTIS_SUCCESS
+ */
+CORVANTIS_API int32_t CorvantisGetFinding(const CorvantisRecording* recording, int64_t index,
+                                          CorvantisFinding* finding);
+
+/* ---- Fields by name --------------------------------------------------------------------- */
+
+/** What a field's elements are. */
+typedef enum CorvantisKind {
+    CORVANTIS_INT8 = 0,   /**< int8_t */
+    CORVANTIS_UINT16 = 1, /**< uint16_t */
+    CORVANTIS_INT32 = 2,  /**< int32_t */
+    CORVANTIS_UINT32 = 3, /**< uint32_t */
+    CORVANTIS_FLOAT = 4,  /**< float */
+    CORVANTIS_TEXT = 5    /**< characters, up to a 0 or to the element's end (#CorvantisText) */
+} CorvantisKind;
+
+/** One field of a record. */
+typedef struct CorvantisField {
+    const char* name;    /**< as everywhere else */
+    const char* unit;    /**< such as "mV"; empty for a number as it stands */
+    const char* meaning; /**< in a few words */
+    int32_t kind;        /**< a #CorvantisKind */
+    int32_t size;        /**< of one element; a text is one element [bytes] */
+    int32_t count;       /**< elements; of four, one for each sequence entry or output */
+    int32_t place;       /**< in the record [bytes] */
+} CorvantisField;
+
+/** Records that are no stimulus; the others go by their type code, 1 to 14. */
+enum { CORVANTIS_FILE_HEADER = -1, CORVANTIS_EPOCH_HEADER = 0 };
+
+/**
+ * The fields of a record, in the order of the file.
+ * @param[in] record #CORVANTIS_FILE_HEADER, #CORVANTIS_EPOCH_HEADER or a stimulus type
+ * @param[out] fields the first of them
+ * @param[out] count how many there are; 0 for a type without bytes in the file
+ * @return #CORVANTIS_SUCCESS
+ */
+CORVANTIS_API int32_t CorvantisFields(int32_t record, const CorvantisField** fields,
+                                      int32_t* count);
+
+/** What is known of a stimulus type. */
+typedef struct CorvantisTypeInfo {
+    const char* name;   /**< for people, such as "segmented noise" */
+    const char* caveat; /**< why what is computed is not what was played; empty: nothing is known
+                             against it */
+    int32_t size;       /**< of its record in the file, 0 without one [bytes] */
+    int32_t isComputed; /**< 1 if its waveform can be computed from the file */
+} CorvantisTypeInfo;
+
+/**
+ * @param[in] type a stimulus type; of a code that is none the name is "unknown"
+ * @param[out] info what is known of it
+ * @return #CORVANTIS_SUCCESS
+ */
+CORVANTIS_API int32_t CorvantisType(int32_t type, CorvantisTypeInfo* info);
+
+/**
+ * The file header of a recording.
+ * @param[in] recording the recording
+ * @param[out] record room for #CORVANTIS_FILE_HEADER_SIZE bytes
+ * @return #CORVANTIS_SUCCESS
+ */
+CORVANTIS_API int32_t CorvantisFileHeader(const CorvantisRecording* recording, void* record);
+/**
+ * The header of an epoch.
+ * @param[in] recording the recording
+ * @param[in] epoch its number
+ * @param[out] record room for #CORVANTIS_EPOCH_HEADER_SIZE bytes
+ * @param[out] problem what went wrong, or null
+ * @return #CORVANTIS_SUCCESS, #CORVANTIS_DAMAGED or one of convention 3
+ */
+CORVANTIS_API int32_t CorvantisEpochHeader(const CorvantisRecording* recording, int64_t epoch,
+                                           void* record, CorvantisProblem* problem);
+
+/** A field of the epoch header and where its values go. */
+typedef struct CorvantisColumn {
+    const CorvantisField* field; /**< from #CorvantisFields of #CORVANTIS_EPOCH_HEADER */
+    void* values;   /**< of the first epoch: size times count bytes; need no alignment */
+    int64_t stride; /**< from one epoch's values to the next's [bytes] */
+} CorvantisColumn;
+
+/**
+ * Fields of many epochs, in one pass over the file.
+ * @param[in] recording the recording
+ * @param[in] first the first epoch
+ * @param[in] epochs how many
+ * @param[in] columns the fields
+ * @param[in] count how many fields
+ * @param[out] missing for each epoch 1 if it cannot be read, its values then being zeros, else 0;
+ * null: the first such epoch is a failure
+ * @param[out] problem what went wrong, or null
+ * @return #CORVANTIS_SUCCESS, #CORVANTIS_DAMAGED or one of convention 3
+ */
+CORVANTIS_API int32_t CorvantisColumns(const CorvantisRecording* recording, int64_t first,
+                                       int64_t epochs, const CorvantisColumn* columns,
+                                       int32_t count, uint8_t* missing, CorvantisProblem* problem);
+
+/** Where an epoch lies, and what there is to be had of it. */
+typedef struct CorvantisEpochInfo {
+    int64_t start;            /**< of its header [bytes] */
+    int64_t samples;          /**< of its samples [bytes] */
+    int64_t end;              /**< behind its samples [bytes] */
+    int32_t points;           /**< of each entry [samples] */
+    int32_t entries;          /**< 0 to 4 */
+    int32_t samplingInterval; /**< one pass of the sequence [µs] */
+    int32_t stimulusTypes[CORVANTIS_ENTRIES];
+    /** Input of each entry: 0 to 7, 8 for the digital port, -1 for none or an unknown one. */
+    int32_t inputs[CORVANTIS_ENTRIES];
+    /** Output of each entry: 0 to 3, 4 for the digital port, -1 for none or an unknown one. */
+    int32_t outputs[CORVANTIS_ENTRIES];
+} CorvantisEpochInfo;
+
+/**
+ * @param[in] recording the recording
+ * @param[in] epoch its number
+ * @param[out] info where it lies
+ * @param[out] problem what went wrong, or null
+ * @return #CORVANTIS_SUCCESS, #CORVANTIS_DAMAGED or one of convention 3
+ */
+CORVANTIS_API int32_t CorvantisEpoch(const CorvantisRecording* recording, int64_t epoch,
+                                     CorvantisEpochInfo* info, CorvantisProblem* problem);
+
+/** A stimulus record of any type. */
+typedef struct CorvantisStimulusRecord {
+    int32_t type;       /**< stimulus type */
+    int32_t components; /**< of a sum; 0 for any other type */
+    int32_t isThere; /**< 1 if the file holds it; 0 for types without bytes, or behind a record of
+                          unknown length */
+    /** The record; of a sum nothing, since its components are asked for one by one. */
+    uint8_t record[CORVANTIS_RECORD_SIZE];
+} CorvantisStimulusRecord;
+
+/**
+ * The parameters of a stimulus.
+ * @param[in] recording the recording
+ * @param[in] epoch its number
+ * @param[in] entry sequence entry
+ * @param[in] component of a sum; -1 for the entry's own record
+ * @param[out] record the record
+ * @param[out] problem what went wrong, or null
+ * @return #CORVANTIS_SUCCESS, #CORVANTIS_DAMAGED or one of convention 3
+ */
+CORVANTIS_API int32_t CorvantisParameters(const CorvantisRecording* recording, int64_t epoch,
+                                          int32_t entry, int32_t component,
+                                          CorvantisStimulusRecord* record,
+                                          CorvantisProblem* problem);
+
+/* ---- Samples ---------------------------------------------------------------------------- */
+
+/**
+ * Acquired samples as recorded.
+ * @param[in] recording the recording
+ * @param[in] epoch its number
+ * @param[in] entry sequence entry, or #CORVANTIS_ALL_ENTRIES: of each point the values of all
+ * entries, one after the other
+ * @param[in] first first point
+ * @param[in] count points
+ * @param[out] values room for them
+ * @param[in] stride from one point to the next in `values`, at least as many as a point has
+ * [values]; 0: without gaps
+ * @param[out] problem what went wrong, or null
+ * @return #CORVANTIS_SUCCESS, #CORVANTIS_DAMAGED or one of convention 3
+ */
+CORVANTIS_API int32_t CorvantisCounts(const CorvantisRecording* recording, int64_t epoch,
+                                      int32_t entry, int64_t first, int64_t count, int16_t* values,
+                                      int64_t stride, CorvantisProblem* problem);
+/** As #CorvantisCounts, in the units of #CorvantisScale, each entry in its own. */
+CORVANTIS_API int32_t CorvantisValues(const CorvantisRecording* recording, int64_t epoch,
+                                      int32_t entry, int64_t first, int64_t count, double* values,
+                                      int64_t stride, CorvantisProblem* problem);
+
+/** The two conductances of a dynamic clamp. */
+enum { CORVANTIS_EXCITATORY = 0, CORVANTIS_INHIBITORY = 1 };
+
+/**
+ * Conductances that a dynamic clamp was given, in nS.
+ * @param[in] recording the recording
+ * @param[in] epoch its number
+ * @param[in] entry sequence entry, whose stimulus is a dynamic clamp
+ * @param[in] which #CORVANTIS_EXCITATORY or #CORVANTIS_INHIBITORY
+ * @param[in] first first point
+ * @param[in] count points
+ * @param[out] values room for them [nS]
+ * @param[out] problem what went wrong, or null
+ * @return #CORVANTIS_SUCCESS, #CORVANTIS_DAMAGED or one of convention 3
+ */
+CORVANTIS_API int32_t CorvantisConductance(const CorvantisRecording* recording, int64_t epoch,
+                                           int32_t entry, int32_t which, int64_t first,
+                                           int64_t count, float* values, CorvantisProblem* problem);
+
+/* ---- Stimuli ---------------------------------------------------------------------------- */
+
+/** Why a computed stimulus may not be what was played; of several reasons the highest. */
+typedef enum CorvantisDoubtReason {
+    CORVANTIS_NO_DOUBT = 0,
+    /** Its noise goes on behind that of earlier epochs: right if each epoch of the file was
+     * computed once, in this order, and nothing else in between. */
+    CORVANTIS_RESTS_ON_ORDER = 1,
+    /** Its noise goes on behind what was computed before the file's first epoch. */
+    CORVANTIS_BEGAN_BEFORE_FILE = 2,
+    /** Its noise goes on behind an epoch that is damaged, missing or cannot be computed. */
+    CORVANTIS_BEHIND_UNKNOWN = 3,
+    /** Its noise came from the recording machine's own generator (format version 4 and below); what
+     * is computed is what the GNU C library's would have given. */
+    CORVANTIS_OLD_GENERATOR = 4,
+    /** What was played followed the cell (dynamic clamp). */
+    CORVANTIS_FOLLOWED_CELL = 5
+} CorvantisDoubtReason;
+
+/** A doubt about a computed stimulus. */
+typedef struct CorvantisDoubt {
+    int32_t reason; /**< a #CorvantisDoubtReason */
+    int64_t epoch;  /**< the epoch that it comes from; -1 for none */
+    char text[248]; /**< in words; empty without a doubt */
+} CorvantisDoubt;
+
+/**
+ * The stimulus as it was played, computed from the records of this epoch and, where its noise goes
+ * on behind earlier noise, of the epochs before it. The first call that needs those goes through
+ * them once and keeps what they left behind.
+ * @param[in] recording the recording
+ * @param[in] epoch its number
+ * @param[in] entry sequence entry, or #CORVANTIS_ALL_ENTRIES
+ * @param[in] first first point
+ * @param[in] count points; 0 asks for the doubt alone, and computes nothing
+ * @param[out] values room for them
+ * @param[in] stride as in #CorvantisCounts
+ * @param[out] doubt whether the file determines it, or null
+ * @param[out] problem what went wrong, or null
+ * @return #CORVANTIS_SUCCESS, #CORVANTIS_DAMAGED, #CORVANTIS_NO_STIMULUS or one of convention 3
+ */
+CORVANTIS_API int32_t CorvantisStimulus(const CorvantisRecording* recording, int64_t epoch,
+                                        int32_t entry, int64_t first, int64_t count,
+                                        int16_t* values, int64_t stride, CorvantisDoubt* doubt,
+                                        CorvantisProblem* problem);
+/** As #CorvantisStimulus, in the units of #CorvantisScale, each entry in its own. */
+CORVANTIS_API int32_t CorvantisStimulusValues(const CorvantisRecording* recording, int64_t epoch,
+                                              int32_t entry, int64_t first, int64_t count,
+                                              double* values, int64_t stride, CorvantisDoubt* doubt,
+                                              CorvantisProblem* problem);
+
+/* ---- Units ------------------------------------------------------------------------------ */
+
+/** Which way an entry's samples go. */
+enum {
+    CORVANTIS_RESPONSE = 0,   /**< acquired */
+    CORVANTIS_STIMULUS = 1,   /**< played; parameters in DAC codes scale like it */
+    CORVANTIS_CONDUCTANCE = 2 /**< of a dynamic clamp */
+};
+
+/**
+ * From counts to units: value = counts / countsPerVolt / gain * factor, in double precision and in
+ * this order. `unit` is the entry's own; "V" where its gain or factor is 0 or not finite, or its
+ * unit has no name; "counts" where even the converter's scale is not usable; "word" for the digital
+ * port, whose samples are 16 lines, taken as a number from 0 to 65535.
+ */
+typedef struct CorvantisScaleInfo {
+    double countsPerVolt;
+    double gain;       /**< of a response [V/unit], else 1 */
+    double factor;     /**< of a stimulus [units/V], else 1 */
+    int32_t isWord;    /**< 1 for the digital port */
+    char unit[60];     /**< of the values */
+    char formula[192]; /**< with this entry's numbers, for people */
+} CorvantisScaleInfo;
+
+/**
+ * @param[in] recording the recording
+ * @param[in] epoch its number
+ * @param[in] entry sequence entry
+ * @param[in] direction #CORVANTIS_RESPONSE, #CORVANTIS_STIMULUS or #CORVANTIS_CONDUCTANCE
+ * @param[out] scale the scale
+ * @param[out] problem what went wrong, or null
+ * @return #CORVANTIS_SUCCESS, #CORVANTIS_DAMAGED or one of convention 3
+ */
+CORVANTIS_API int32_t CorvantisScale(const CorvantisRecording* recording, int64_t epoch,
+                                     int32_t entry, int32_t direction, CorvantisScaleInfo* scale,
+                                     CorvantisProblem* problem);
+
+/* ---- Texts ------------------------------------------------------------------------------ */
+
+/**
+ * A text of a record made fit for a screen: up to its first 0, taken as UTF-8 if it is that, else
+ * as Mac OS Roman; control characters, and those that reverse a line, become spaces.
+ * @param[in] bytes the text as it lies in the record
+ * @param[in] size of its element [bytes]
+ * @param[out] text room for it; three times the size and one are enough
+ * @param[in] capacity of the room [bytes]
+ * @return #CORVANTIS_SUCCESS; #CORVANTIS_BAD_ARGUMENT if the room is too small, which then holds as
+ * many whole characters as fit
+ */
+CORVANTIS_API int32_t CorvantisText(const char* bytes, int32_t size, char* text, int32_t capacity);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,35 +1,13 @@
-// The exported codecs of the file header and the epoch header, with the latency of old files.
+// The exported codecs of the file header and the epoch header.
 #include "Corvantis.h"
+#include "ITCFileIO/Latency.h"
 #include "ITCFileIO/RecordCodec.h"
-#include "ITCFileIO/StimulusTypes.h"
 
 namespace corvantis {
 namespace {
 
 static_assert(sizeof(ITCFileHeader) == 580 && EncodedSize<ITCFileHeader>() == 580);
 static_assert(sizeof(ITCEpochHeader) == 912 && EncodedSize<ITCEpochHeader>() == 912);
-
-constexpr int32_t kNewestVersionWithoutLatency = 6;
-
-// The first dynamic-clamp entry of the sequence, or its length. For a length above 4 the scan goes
-// on, deliberately, through the text behind the type bytes, as files of that age were read; it
-// works on the file's bytes, so every host finds the same, and ends at the latency's own place.
-uint32_t FirstDynamicClampEntry(const ITCEpochHeader& header) {
-    const int32_t length = header.sequenceLength;
-    if (length <= 0) return 0;
-    const EncodedRecord<ITCEpochHeader> bytes = Encode(header);
-    const size_t first = offsetof(ITCEpochHeader, stimType);
-    const size_t end = offsetof(ITCEpochHeader, pointsLatency);
-    for (size_t k = 0; k < static_cast<size_t>(length) && first + k < end; ++k) {
-        if (bytes[first + k] == ITC_STIMULUS_DYNAMIC_CLAMP) return static_cast<uint32_t>(k);
-    }
-    return static_cast<uint32_t>(length);
-}
-
-uint16_t LegacyLatency(const ITCEpochHeader& header) {
-    const uint32_t entries = static_cast<uint32_t>(header.sequenceLength);
-    return static_cast<uint16_t>(FirstDynamicClampEntry(header) + 2 * entries + kPipelineLength);
-}
 
 }  // namespace
 }  // namespace corvantis
@@ -45,8 +23,6 @@ bool Write_ITCEpochHeader(FILE* stream, const ITCEpochHeader* record) {
 }
 bool Read_ITCEpochHeader(FILE* stream, ITCEpochHeader* record, int32_t version) {
     const bool complete = corvantis::ReadStructure(stream, record);
-    if (version <= corvantis::kNewestVersionWithoutLatency) {
-        record->pointsLatency = corvantis::LegacyLatency(*record);
-    }
+    corvantis::RestoreLatency(*record, version);
     return complete;
 }

@@ -129,10 +129,16 @@ template <class Record>
     return bytes;
 }
 
+// From as many bytes as the record has on file.
 template <class Record>
-[[gnu::flatten]] void Decode(const EncodedRecord<Record>& bytes, Record& record) {
-    Decoder decoder(bytes.data());
+[[gnu::flatten]] void DecodeBytes(const uint8_t* bytes, Record& record) {
+    Decoder decoder(bytes);
     Describe(decoder, record);
+}
+
+template <class Record>
+void Decode(const EncodedRecord<Record>& bytes, Record& record) {
+    DecodeBytes(bytes.data(), record);
 }
 
 template <class Record>

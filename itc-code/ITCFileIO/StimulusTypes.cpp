@@ -26,24 +26,36 @@ bool ReadRecord(FILE* stream, void* record) {
     return ReadStructure(stream, static_cast<Record*>(record));
 }
 
+template <class Record>
+void DecodeRecord(const uint8_t* bytes, void* record) {
+    DecodeBytes(bytes, *static_cast<Record*>(record));
+}
+
 // A record of 32-bit fields: file, count and memory agree on its size.
 template <class Record>
 constexpr RecordForm Stored() {
     static_assert(EncodedSize<Record>() == sizeof(Record) && sizeof(Record) <= kLargestRecord);
     constexpr auto size = static_cast<uint32_t>(sizeof(Record));
-    return {size, size, size, WriteRecord<Record>, ReadRecord<Record>, kFields<Record>};
+    return {
+        size,           size, size, WriteRecord<Record>, ReadRecord<Record>, DecodeRecord<Record>,
+        kFields<Record>};
 }
 
 // Later positions lie so many bytes too far, as in every file recorded so far.
 template <class Record>
 constexpr RecordForm CountedOnly(uint32_t countedSize) {
-    return {countedSize, 0, sizeof(Record), nullptr, nullptr, {}};
+    return {countedSize, 0, sizeof(Record), nullptr, nullptr, nullptr, {}};
 }
 
 // Written and read by its own codec, with its components behind it.
 constexpr RecordForm SumForm() {
-    return {0,       kSummedCountedSize,          sizeof(ITCSummedParameters), nullptr,
-            nullptr, kFields<ITCSummedParameters>};
+    return {0,
+            kSummedCountedSize,
+            sizeof(ITCSummedParameters),
+            nullptr,
+            nullptr,
+            DecodeRecord<ITCSummedParameters>,
+            kFields<ITCSummedParameters>};
 }
 
 template <class Record>

@@ -37,7 +37,8 @@ struct RecordForm {
     size_t memorySize = 0;     // bytes here; pointers make some records host-sized
     bool (*write)(FILE* stream, const void* record) = nullptr;
     bool (*read)(FILE* stream, void* record) = nullptr;
-    std::span<const Field> fields;  // of what is on file
+    void (*decode)(const uint8_t* bytes, void* record) = nullptr;  // the bytes of the file
+    std::span<const Field> fields;                                 // of what is on file
 };
 
 // Where a record keeps one of its values, or why a query has no answer.

@@ -3,6 +3,7 @@
 
 #include "Corvantis.h"
 #include "ITC18.h"
+#include "ITCFileIO/SequenceWords.h"
 #include "ITCFileIO/StimulusTypes.h"
 #include "ITCInitialize/State.h"
 
@@ -15,8 +16,6 @@ const uint32_t pipelineLength = corvantis::kPipelineLength;
 namespace corvantis {
 namespace {
 
-constexpr uint32_t kDigitalInput = 0x400;
-constexpr uint32_t kDigitalOutput = 0x2000;
 constexpr uint32_t kEndOfSequence = 0xC000;
 
 // The select bits that a character stands for, or false for a character that stands for nothing.

@@ -1,17 +1,21 @@
 // Library-owned blocks that release themselves, for work that may end early.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <memory>
 #include <utility>
 
-#include "Corvantis.h"
-
 namespace corvantis {
 
+// Of whichever library these rooms are part of: each has its own allocation pair. Null without
+// memory; a null block may be released.
+void* AllocateBlock(size_t size);
+void ReleaseBlock(void* block);
+
 struct BlockRelease {
-    void operator()(void* block) const { ITCFree(block); }
+    void operator()(void* block) const { ReleaseBlock(block); }
 };
 template <class T>
 using OwnedBlock = std::unique_ptr<T[], BlockRelease>;
@@ -22,7 +26,7 @@ OwnedBlock<T> AllocateArray(int64_t count) {
     if (count < 0 || static_cast<uint64_t>(count) > PTRDIFF_MAX / sizeof(T)) return nullptr;
     // Nothing to hold is no failure, whatever the platform's malloc makes of a size of 0.
     const size_t size = count == 0 ? 1 : static_cast<size_t>(count) * sizeof(T);
-    return OwnedBlock<T>(static_cast<T*>(ITCMalloc(1, size)));
+    return OwnedBlock<T>(static_cast<T*>(AllocateBlock(size)));
 }
 
 template <class T>

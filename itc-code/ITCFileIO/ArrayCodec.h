@@ -33,6 +33,17 @@ void CopyInFileOrder(void* to, const void* from, size_t count) {
     }
 }
 
+// Values that stand in memory as they came from the file.
+template <class Value>
+void DecodeInPlace(Value* values, size_t count) {
+    static_assert(kIsCopied<Value, Value>);
+    if constexpr (isBigEndian == 0 && sizeof(Value) == 2) {
+        Reverse2(reinterpret_cast<uint8_t*>(values), count);
+    } else if constexpr (isBigEndian == 0) {
+        Reverse4(reinterpret_cast<uint8_t*>(values), count);
+    }
+}
+
 template <class FileType, class MemoryType>
 void EncodeBlock(uint8_t* bytes, const MemoryType* values, size_t count) {
     if constexpr (kIsCopied<FileType, MemoryType>) {

@@ -1,5 +1,4 @@
 // Summing a compound stimulus, and computing all sequence entries into the output buffer.
-#include <algorithm>
 #include <array>
 
 #include "Corvantis.h"
@@ -7,7 +6,7 @@
 #include "ITCInitialize/State.h"
 #include "ITCStimulus/Slots.h"
 #include "ITCUtilities/Memory.h"
-#include "ITCWaveforms/SampleRuns.h"
+#include "ITCWaveforms/Sum.h"
 
 namespace corvantis {
 namespace {
@@ -25,20 +24,15 @@ int32_t CalculateWithin(uint32_t type, uint16_t* buffer, const void* record, int
     return result == ITC_SUCCESS ? ITC_SUCCESS : ITC_STIMULUS_ERROR;
 }
 
-// The component buffer is deliberately not cleared in between: what a shorter wave leaves of the
-// component before it is added once more, as in recorded sums. Samples wrap at 65536.
 int32_t AddComponents(uint16_t* output, uint16_t* scratch, const ITCSummedParameters& summed) {
     const int64_t points = CurrentEpochHeader().epochPoints;
-    std::fill_n(output, points, uint16_t{0});
-    for (int32_t k = 0; k < summed.count; ++k) {
+    const auto calculate = [&](int32_t k, uint16_t* buffer) -> int32_t {
         const void* component = ComponentRecord(summed, k);
         if (component == nullptr) return ITC_STIMULUS_ERROR;
-        const uint32_t type = static_cast<uint32_t>(summed.componentType[k]);
-        const int32_t result = CalculateWithin(type, scratch, component, points);
-        if (result != ITC_SUCCESS) return result;
-        AddSamples({output, static_cast<size_t>(points)}, scratch);
-    }
-    return ITC_SUCCESS;
+        return CalculateWithin(static_cast<uint32_t>(summed.componentType[k]), buffer, component,
+                               points);
+    };
+    return SumComponents({output, static_cast<size_t>(points)}, scratch, summed.count, calculate);
 }
 
 int32_t SumSlot(uint32_t channel, uint16_t* output) {

@@ -1,0 +1,38 @@
+// From converter counts to the units of an entry, by one formula for each direction.
+//
+//   response = counts / inputScale / ampGain       in inputUnits,  ampGain in volts per unit
+//   stimulus = counts / outputScale * convFactor   in outputUnits, convFactor in units per volt
+//
+// The header's arrays are indexed by the sequence entry, as its stimulus types are.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "Corvantis.h"
+#include "CorvantisReading.h"
+
+namespace corvantis::reading {
+
+struct Scale {
+    std::string unit;
+    std::string formula;
+    double countsPerVolt = 1.0;
+    double gain = 1.0;
+    double factor = 1.0;
+    bool isWord = false;
+};
+
+Scale ResponseScale(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t entry);
+Scale StimulusScale(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t entry);
+Scale ConductanceScale();
+// By one of the interface's directions.
+Scale ScaleOf(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t entry,
+              int32_t direction);
+
+// values[i * stride] of each count.
+void Convert(const Scale& scale, std::span<const int16_t> counts, double* values, int64_t stride);
+
+}  // namespace corvantis::reading

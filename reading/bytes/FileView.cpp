@@ -9,7 +9,8 @@
 namespace corvantis::reading {
 namespace {
 
-constexpr int64_t kNarrow = 2048;  // a header and its records, mostly
+constexpr int64_t kNarrow = 2048;      // a header and its records, mostly
+constexpr int64_t kSmallEpoch = 8192;  // read at once; of longer ones the samples go elsewhere
 
 }  // namespace
 
@@ -67,7 +68,7 @@ std::span<const uint8_t> FileView::Peek(int64_t position, int64_t count) const {
 }
 
 void FileView::Expect(int64_t position, int64_t count) const {
-    if (count > 0 && count <= kLargestPeek) Peek(position, count);
+    if (count > 0 && count <= kSmallEpoch) Peek(position, count);
 }
 
 bool FileView::Read(int64_t position, void* bytes, int64_t count) const {

@@ -47,7 +47,7 @@ class FileView {
 
     // As many of the bytes as the file has, up to kLargestPeek, valid until the next call.
     std::span<const uint8_t> Peek(int64_t position, int64_t count) const;
-    // Has the window hold the bytes there, as far as it is large enough, before they are asked for.
+    // Has the window hold the bytes there before they are asked for, if they are few.
     void Expect(int64_t position, int64_t count) const;
     // All of the bytes, into the caller's memory; false if they are not there.
     bool Read(int64_t position, void* bytes, int64_t count) const;

@@ -62,7 +62,7 @@ int32_t Refresh(CorvantisRecording& recording, const Reporter& reporter) {
     const Reporter quiet("", nullptr);
     auto next = Contents::Examine(recording.source, recording.name, now, quiet);
     const bool isCut = now.size < before.TablePosition();
-    if (next && before.Found() == CORVANTIS_BY_TABLE) next->LeaveOutBehindTable();
+    if (next && before.Found() == CORVANTIS_BY_TABLE) next->LeaveOutSave(before);
     // Of a save that has only begun there is nothing to show yet.
     if (!isCut && (!next || next->Count() < before.Count())) return CORVANTIS_SUCCESS;
     if (isCut || !next->Continue(before, quiet)) {

@@ -100,8 +100,8 @@ bool Contents::IsSoundByTable(const FileView& view) {
     if (place > view.Size() - kPositionSize * count) return false;
     count_ = count;
     tablePosition_ = place;
-    starts_ = std::make_unique<Remembered<uint32_t>>(count);
-    digests_ = std::make_unique<Remembered<uint64_t>>(count);
+    starts_ = std::make_unique<Remembered>(count);
+    digests_ = std::make_unique<Remembered>(count);
     if (count == 0) return view.Size() == kFirstEpoch;
     EpochReading reading;
     return FindByTable(view, 0, Depth::kHeader, reading) && reading.place.start == kFirstEpoch &&
@@ -114,8 +114,7 @@ bool Contents::AddByWalking(const Reporter& reporter) {
     count_ = walked->numbers;
     tablePosition_ = walked->survey.tablePosition;
     starts_.reset();
-    digests_ =
-        std::make_unique<Remembered<uint64_t>>(static_cast<int64_t>(walked->survey.epochs.size()));
+    digests_ = std::make_unique<Remembered>(static_cast<int64_t>(walked->survey.epochs.size()));
     return true;
 }
 

@@ -12,7 +12,7 @@ namespace {
 constexpr int64_t kTablePiece = 512;  // values
 
 // Of an epoch's header and its place. Reading it again must find the same.
-uint64_t DigestOf(const EpochReading& reading) {
+uint32_t DigestOf(const EpochReading& reading) {
     constexpr uint64_t kOdd = 0x9E3779B97F4A7C15;
     uint64_t digest = static_cast<uint64_t>(reading.place.start);
     const auto mix = [&](uint64_t word) {
@@ -26,7 +26,7 @@ uint64_t DigestOf(const EpochReading& reading) {
         std::memcpy(&word, bytes + i, sizeof word);
         mix(word);
     }
-    return digest | 1;
+    return static_cast<uint32_t>(digest >> 32) | 1;
 }
 static_assert(sizeof(ITCEpochHeader) % sizeof(uint64_t) == 0);
 
@@ -63,8 +63,8 @@ bool Contents::FindByTable(const FileView& view, int64_t number, Depth depth,
 }
 
 bool Contents::IsAsBefore(int64_t index, const EpochReading& reading) const {
-    const uint64_t digest = DigestOf(reading);
-    const uint64_t before = digests_->Get(index);
+    const uint32_t digest = DigestOf(reading);
+    const uint32_t before = digests_->Get(index);
     if (before == 0) digests_->Set(index, digest);
     return before == 0 || before == digest;
 }

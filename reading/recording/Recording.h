@@ -25,20 +25,19 @@ struct Walked {
 };
 
 // Remembered by all threads, of each epoch, without a lock: 0 stands for what is not known yet.
-template <class Value>
 class Remembered {
   public:
     explicit Remembered(int64_t count) : values_(static_cast<size_t>(count)) {}
     int64_t Count() const { return static_cast<int64_t>(values_.size()); }
-    Value Get(int64_t index) const {
+    uint32_t Get(int64_t index) const {
         return values_[static_cast<size_t>(index)].load(std::memory_order_relaxed);
     }
-    void Set(int64_t index, Value value) const {
+    void Set(int64_t index, uint32_t value) const {
         values_[static_cast<size_t>(index)].store(value, std::memory_order_relaxed);
     }
 
   private:
-    mutable std::vector<std::atomic<Value>> values_;
+    mutable std::vector<std::atomic<uint32_t>> values_;
 };
 
 // A recording as it was at one moment. But for what is found out late, and then stays, it is
@@ -67,9 +66,8 @@ class Contents {
 
     // Takes over the places of an earlier moment's epochs. False if they are not the same epochs.
     bool Continue(const Contents& earlier, const Reporter& reporter);
-    // Leaves out what lies behind the place that the header has for the table: it may be a save
-    // under way.
-    void LeaveOutBehindTable();
+    // Leaves out what may be of a save under way.
+    void LeaveOutSave(const Contents& earlier);
 
   private:
     Contents(const ByteSource& source, std::string name, const Snapshot& snapshot);
@@ -90,8 +88,8 @@ class Contents {
     bool isByTable_ = false;
     int64_t count_ = 0;
     int64_t tablePosition_ = 0;
-    std::unique_ptr<Remembered<uint32_t>> starts_;   // of epochs, by the table
-    std::unique_ptr<Remembered<uint64_t>> digests_;  // of headers that were read
+    std::unique_ptr<Remembered> starts_;   // of epochs, by the table
+    std::unique_ptr<Remembered> digests_;  // of headers that were read
     mutable std::mutex mutex_;
     mutable std::unique_ptr<Walked> walked_;
     mutable std::atomic<const Walked*> isWalked_ = nullptr;

@@ -5,18 +5,17 @@
 
 namespace corvantis::reading {
 
-// While a save is under way, header and bytes do not agree; what lies in front of the place that
-// the header has for the table was saved before and is complete.
-void Contents::LeaveOutBehindTable() {
-    const int64_t place = static_cast<uint32_t>(snapshot_.header.epochTablePosition);
-    if (isByTable_ || !walked_ || snapshot_.header.numEpochs <= 0) return;
+// While a save is under way, header and bytes do not agree, and half of the header may be new. What
+// lies in front of the place that it has for the table was saved before and is complete.
+void Contents::LeaveOutSave(const Contents& earlier) {
+    if (isByTable_ || !walked_) return;
+    const int64_t recorded = static_cast<uint32_t>(snapshot_.header.epochTablePosition);
+    const int64_t place = std::max(earlier.tablePosition_, recorded);
     std::vector<EpochPlace>& epochs = walked_->survey.epochs;
     while (!epochs.empty() && epochs.back().end > place) epochs.pop_back();
     walked_->survey.unfinished.reset();
     const int64_t known = epochs.empty() ? 0 : epochs.back().number + 1;
-    walked_->numbers =
-        std::max<int64_t>(known, std::min<int64_t>(count_, snapshot_.header.numEpochs));
-    count_ = walked_->numbers;
+    walked_->numbers = count_ = std::max(known, earlier.count_);
 }
 
 // The last epoch that was there before stands for all: whoever replaced one in front of it had to

@@ -12,14 +12,14 @@
 namespace corvantis::reading {
 namespace {
 
-constexpr uint64_t kIsKnown = uint64_t{1} << 32;
 constexpr size_t kMostStates = 1 << 14;  // of 4 KB each
 
-uint64_t Pack(const SpareDeviate& spare) { return kIsKnown | std::bit_cast<uint32_t>(spare.gset); }
+// No deviate is the number of all ones, which is none: its complement stands for what is not known.
+uint32_t Pack(const SpareDeviate& spare) { return ~std::bit_cast<uint32_t>(spare.gset); }
 
-bool Unpack(uint64_t packed, SpareDeviate& spare) {
-    if ((packed & kIsKnown) == 0) return false;
-    spare = {1, std::bit_cast<float>(static_cast<uint32_t>(packed))};
+bool Unpack(uint32_t packed, SpareDeviate& spare) {
+    if (packed == 0) return false;
+    spare = {1, std::bit_cast<float>(~packed)};
     return true;
 }
 
@@ -61,7 +61,7 @@ class NoiseReader {
 std::string DoubtText(const Origin& origin) {
     switch (origin.reason) {
         case CORVANTIS_RESTS_ON_ORDER:
-            return Say("its noise goes on behind that of epoch ", origin.epoch,
+            return Say("its noise goes on behind noise that began in epoch ", origin.epoch,
                        ": it is as played if the epochs were computed once each, in this order");
         case CORVANTIS_BEGAN_BEFORE_FILE:
             return "its noise continues noise before the file's first: it is as played if the "
@@ -159,7 +159,7 @@ void NoiseHistory::Keep(size_t index, size_t anchor, const NoiseGenerators& gene
                           auto& spares) {
         if (!origin.isHeld) return;
         if (!isDrawn) {
-            spares[index + 1].fetch_or(spares[index]);
+            if (spares[index] != 0) spares[index + 1] = spares[index].load();
         } else if (origin.origin.anchor >= anchor) {
             spares[index + 1] = Pack(spare);
         }

@@ -83,9 +83,9 @@ class NoiseHistory {
     void Keep(size_t index, size_t anchor, const NoiseGenerators& generators) const;
 
     std::vector<NoiseEpoch> epochs_;
-    // A deviate's bits and, above them, whether it is known; one before each epoch.
-    mutable std::vector<std::atomic<uint64_t>> spares_;
-    mutable std::vector<std::atomic<uint64_t>> oldSpares_;
+    // The deviate that is held before each epoch, 0 where it is not known yet.
+    mutable std::vector<std::atomic<uint32_t>> spares_;
+    mutable std::vector<std::atomic<uint32_t>> oldSpares_;
     mutable std::mutex mutex_;
     mutable std::unordered_map<size_t, std::unique_ptr<LongPeriodState>> states_;
 };

@@ -2,8 +2,9 @@
 include(CMakePackageConfigHelpers)
 
 set(PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/Corvantis)
-set(INSTALLED_TARGETS Corvantis)
-set(PKGCONFIG_MODULES corvantis)
+set(INSTALLED_TARGETS Corvantis CorvantisReading)
+set_target_properties(CorvantisReading PROPERTIES EXPORT_NAME Reading)
+set(PKGCONFIG_MODULES corvantis corvantis-reading)
 if(NOT ITC18_DRIVER)
     list(APPEND INSTALLED_TARGETS ITC18)
     list(APPEND PKGCONFIG_MODULES corvantis-simulator)
@@ -14,7 +15,8 @@ endif()
 
 install(TARGETS ${INSTALLED_TARGETS} EXPORT CorvantisTargets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library)
-install(FILES itc-code/Corvantis.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES itc-code/Corvantis.h reading/CorvantisReading.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT CorvantisTargets NAMESPACE Corvantis:: DESTINATION ${PACKAGE_DIR})
 
 configure_package_config_file(cmake/CorvantisConfig.cmake.in CorvantisConfig.cmake

@@ -93,6 +93,20 @@ analysis() {
     expect 2 'cannot be'
 }
 
+# A damaged length and a lost end take an epoch or those behind, and no more.
+reading() {
+    run program read-recording "$recording"
+    expect 0 '   10      100 us   12000  noise'
+    copy_recording
+    put_byte "$folder/copy.dat" $((580 + 576)) 177
+    run program read-recording "$folder/copy.dat"
+    expect 1 'epoch 0 at byte 580: found '
+    expect 1 '   13 '
+    head -c 100000 "$recording" >"$folder/copy.dat"
+    run program read-recording "$folder/copy.dat"
+    expect 1 'epoch 13: the file ends before it'
+}
+
 first_epoch() {
     run program first-epoch "$folder/first.dat"
     expect 0 'recomputed bit for bit'

@@ -27,6 +27,7 @@ TEST(DisplayText, TakesForMacRomanWhatIsNoUtf8) {
     iconv_t converter = iconv_open("UTF-8", "MACINTOSH");
     ASSERT_NE(converter, reinterpret_cast<iconv_t>(-1));
     for (int byte = 0x80; byte < 0x100; ++byte) {
+        if (byte == 0xC6 || byte == 0xF0) continue;  // an increment and the maker's sign, by Apple
         char in[] = {static_cast<char>(byte), 'x'}, out[8] = {};
         char *from = in, *to = out;
         size_t inLeft = sizeof in, outLeft = sizeof out;

@@ -1,4 +1,4 @@
-// The reading library's allocation pair, for the rooms that it shares with the session.
+// The allocation pair of programs and libraries that use these rooms without the session.
 #include "ITCUtilities/Memory.h"
 
 #include <cstdlib>

@@ -20,7 +20,8 @@ int main(int count, char** names) {
     if (count != 2) return 2;
     const std::filesystem::path files = std::filesystem::path(names[1]) / "FuzzDataFile";
     const std::filesystem::path calls = std::filesystem::path(names[1]) / "FuzzCalls";
-    for (const auto& folder : {files, calls}) std::filesystem::create_directories(folder);
+    const std::filesystem::path readings = std::filesystem::path(names[1]) / "FuzzReading";
+    for (const auto& folder : {files, calls, readings}) std::filesystem::create_directories(folder);
     for (uint32_t type = 1; type <= corvantis::kLargestType; ++type) {
         const std::string name = std::to_string(type) + "-";
         // Two versions and two lengths of the sequence, each with the channels and components that
@@ -29,6 +30,13 @@ int main(int count, char** names) {
             std::ofstream(files / (name + std::to_string(choice)), std::ios::binary)
                 << corvantis_fuzz::FileBytes(type, choice & 2 ? 4 : 1, choice & 1 ? 8 : 4,
                                              choice / 4);
+        }
+        // The whole file at once, or in two parts, with some read or none that fails.
+        for (uint32_t choice = 0; choice < 8; ++choice) {
+            const char parts = choice & 4 ? 40 : 0;
+            std::ofstream(readings / (name + std::to_string(choice)), std::ios::binary)
+                << std::string({static_cast<char>(3 * (choice / 2)), parts})
+                << corvantis_fuzz::FileBytes(type, choice & 2 ? 4 : 1, choice & 1 ? 8 : 4, 0);
         }
         for (const char sequence : {0, 3}) {
             std::ofstream(calls / (name + std::to_string(sequence)), std::ios::binary)

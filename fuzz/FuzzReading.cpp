@@ -89,6 +89,9 @@ void ReadColumns(const CorvantisRecording* recording) {
     std::array<uint8_t, 512 * kMostEpochs> values;
     std::array<uint8_t, kMostEpochs> missing;
     const CorvantisColumn column = {fields + 1, values.data(), 512};
+    std::array<int16_t, 8 * kMostEpochs> counts;
+    CorvantisManyCounts(recording, 0, std::min(CorvantisEpochs(recording), kMostEpochs),
+                        CORVANTIS_ALL_ENTRIES, 1, 2, counts.data(), 8, missing.data(), nullptr);
     CorvantisColumns(recording, 0, std::min(CorvantisEpochs(recording), kMostEpochs), &column, 1,
                      missing.data(), nullptr);
 }

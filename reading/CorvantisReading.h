@@ -374,6 +374,27 @@ CORVANTIS_API int32_t CorvantisValues(const CorvantisRecording* recording, int64
                                       int32_t entry, int64_t first, int64_t count, double* values,
                                       int64_t stride, CorvantisProblem* problem);
 
+/**
+ * As #CorvantisCounts, of many epochs one after the other, in one pass over the file.
+ * @param[in] recording the recording
+ * @param[in] first the first epoch
+ * @param[in] epochs how many
+ * @param[in] entry sequence entry, or #CORVANTIS_ALL_ENTRIES, of which there must be as many in
+ * each epoch as in the first of them that can be read
+ * @param[in] firstPoint first point
+ * @param[in] count points, without gaps
+ * @param[out] values of the first epoch
+ * @param[in] stride from one epoch's values to the next's [values]
+ * @param[out] missing for each epoch 1 if it cannot be read or has no such points, its values then
+ * being zeros, else 0; null: the first such epoch is a failure
+ * @param[out] problem what went wrong, or null
+ * @return #CORVANTIS_SUCCESS, #CORVANTIS_DAMAGED or one of convention 3
+ */
+CORVANTIS_API int32_t CorvantisManyCounts(const CorvantisRecording* recording, int64_t first,
+                                          int64_t epochs, int32_t entry, int64_t firstPoint,
+                                          int64_t count, int16_t* values, int64_t stride,
+                                          uint8_t* missing, CorvantisProblem* problem);
+
 /** The two conductances of a dynamic clamp. */
 enum { CORVANTIS_EXCITATORY = 0, CORVANTIS_INHIBITORY = 1 };
 

@@ -5,6 +5,7 @@
 #include <new>
 
 #include "recording/Recording.h"
+#include "text/Words.h"
 
 namespace corvantis::reading {
 
@@ -48,6 +49,34 @@ int32_t WithEpoch(const CorvantisRecording* recording, int64_t epoch, Depth dept
             if (result != CORVANTIS_SUCCESS) return result;
             return operation(contents, view, reading, reporter);
         });
+}
+
+// For each of a run of epochs read(view, reading, index), or clear(index) where it is damaged or
+// read says that it has not what is wanted (CORVANTIS_BAD_ARGUMENT); without a list of those that
+// are missing, the first one ends the run.
+template <class Read, class Clear>
+int32_t ForEachEpoch(const Contents& contents, int64_t first, int64_t epochs, uint8_t* missing,
+                     const Reporter& reporter, Read read, Clear clear) {
+    if (first < 0 || epochs < 0 || first > contents.Count() - epochs) {
+        return reporter.Report(CORVANTIS_BAD_ARGUMENT, -1,
+                               Say("epochs ", first, " and ", epochs, " on of ", contents.Count()));
+    }
+    const FileView view = contents.View();
+    const Reporter quiet("", nullptr);
+    EpochReading reading;
+    for (int64_t i = 0; i < epochs; ++i) {
+        const auto attempt = [&](const Reporter& to) {
+            const int32_t result = contents.Find(view, first + i, Depth::kHeader, reading, to);
+            return result == CORVANTIS_SUCCESS ? read(view, reading, i, to) : result;
+        };
+        const int32_t result = attempt(missing == nullptr ? reporter : quiet);
+        const bool isMissing = result == CORVANTIS_DAMAGED || result == CORVANTIS_BAD_ARGUMENT;
+        if (missing != nullptr && isMissing) clear(i);
+        if (missing != nullptr) missing[i] = isMissing ? 1 : 0;
+        if (result == CORVANTIS_SUCCESS || (missing != nullptr && isMissing)) continue;
+        return missing == nullptr ? result : attempt(reporter);
+    }
+    return CORVANTIS_SUCCESS;
 }
 
 inline int32_t Missing(const Reporter& reporter) {

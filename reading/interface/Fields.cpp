@@ -82,27 +82,13 @@ void StoreZeros(std::span<const CorvantisColumn> columns, int64_t epoch) {
 int32_t ReadColumns(const Contents& contents, int64_t first, int64_t epochs,
                     std::span<const CorvantisColumn> columns, uint8_t* missing,
                     const Reporter& reporter) {
-    const FileView view = contents.View();
-    EpochReading reading;
-    for (int64_t i = 0; i < epochs; ++i) {
-        const Reporter quiet("", nullptr);
-        const int32_t result = contents.Find(view, first + i, Depth::kHeader, reading,
-                                             missing == nullptr ? reporter : quiet);
-        const bool isMissing = result == CORVANTIS_DAMAGED && missing != nullptr;
-        if (result != CORVANTIS_SUCCESS && !isMissing) {
-            if (missing != nullptr) {
-                contents.Find(view, first + i, Depth::kHeader, reading, reporter);
-            }
-            return result;
-        }
-        if (missing != nullptr) missing[i] = isMissing ? 1 : 0;
-        if (isMissing) {
-            StoreZeros(columns, i);
-        } else {
-            StoreFields(columns, i, reading.content.header);
-        }
-    }
-    return CORVANTIS_SUCCESS;
+    const auto read = [&](const FileView&, const EpochReading& reading, int64_t i,
+                          const Reporter&) -> int32_t {
+        StoreFields(columns, i, reading.content.header);
+        return CORVANTIS_SUCCESS;
+    };
+    return ForEachEpoch(contents, first, epochs, missing, reporter, read,
+                        [&](int64_t i) { StoreZeros(columns, i); });
 }
 
 const Stimulus* Choose(const EpochContent& content, int32_t entry, int32_t component) {
@@ -146,7 +132,7 @@ int32_t CorvantisFields(int32_t record, const CorvantisField** fields, int32_t* 
     if (fields == nullptr || count == nullptr) return CORVANTIS_BAD_ARGUMENT;
     if (record < CORVANTIS_FILE_HEADER || record > kLast) return CORVANTIS_BAD_ARGUMENT;
     return Guarded(Reporter("", nullptr), [&] {
-        const Fields& all = AllFields()[static_cast<size_t>(record + 1)];
+        const Fields& all = AllFields()[static_cast<size_t>(int64_t{record} + 1)];
         *fields = all.data();
         *count = static_cast<int32_t>(all.size());
         return CORVANTIS_SUCCESS;
@@ -190,11 +176,6 @@ int32_t CorvantisColumns(const CorvantisRecording* recording, int64_t first, int
                 if (IsColumn(column)) continue;
                 return reporter.Report(CORVANTIS_BAD_ARGUMENT, -1,
                                        "a column is of no field of the epoch header");
-            }
-            if (first < 0 || epochs < 0 || first > contents.Count() - epochs) {
-                return reporter.Report(
-                    CORVANTIS_BAD_ARGUMENT, -1,
-                    Say("epochs ", first, " and ", epochs, " on of ", contents.Count()));
             }
             return ReadColumns(contents, first, epochs, all, missing, reporter);
         });

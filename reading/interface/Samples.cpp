@@ -92,6 +92,38 @@ bool ReadCounts(const FileView& view, const EpochPlace& place, const Target<int1
     });
 }
 
+struct ManyCounts {
+    int32_t entry;
+    int64_t first;
+    int64_t count;
+    int16_t* values;
+    int64_t stride;
+    int32_t width = 0;  // values a point, as the first epoch has them
+};
+
+int32_t ReadManyCounts(const Contents& contents, int64_t first, int64_t epochs, ManyCounts many,
+                       uint8_t* missing, const Reporter& reporter) {
+    const auto clear = [&](int64_t i) {
+        std::fill_n(many.values + i * many.stride, many.count * many.width, int16_t{0});
+    };
+    const auto read = [&](const FileView& view, const EpochReading& reading, int64_t i,
+                          const Reporter& to) -> int32_t {
+        const EpochPlace& place = reading.place;
+        const int32_t width = Chosen(many.entry, place.entries).count;
+        if (many.width == 0) {  // known from here on, also for those before
+            many.width = width;
+            for (int64_t before = 0; before < i; ++before) clear(before);
+        }
+        Target<int16_t> target = {many.entry, many.first, many.count, many.values + i * many.stride,
+                                  0};
+        if (width != many.width) target.entry = place.entries;  // which is not there
+        const int32_t result = CheckTarget(place, target, to);
+        if (result != CORVANTIS_SUCCESS) return result;
+        return ReadCounts(view, place, target) ? CORVANTIS_SUCCESS : to.ReportFault(view);
+    };
+    return ForEachEpoch(contents, first, epochs, missing, reporter, read, clear);
+}
+
 using Scales = std::vector<Scale>;
 
 Scales ScalesOf(const Contents& contents, const EpochReading& reading, int32_t direction) {
@@ -118,7 +150,7 @@ bool ReadValues(const FileView& view, const EpochPlace& place, const Target<doub
     const Entries chosen = Chosen(target.entry, place.entries);
     return ReadRuns(view, place, target.first, target.count, [&](auto run, int64_t point) {
         for (int32_t k = 0; k < chosen.count; ++k) {
-            const auto entry = static_cast<size_t>(chosen.first + k);
+            const auto entry = static_cast<size_t>(int64_t{chosen.first} + k);
             ConvertEntry(run, static_cast<size_t>(place.entries), entry, scales[entry],
                          target.values + point * target.stride + k, target.stride);
         }
@@ -162,7 +194,7 @@ int32_t CheckComputable(const EpochReading& reading, const Entries& chosen,
                         const Reporter& reporter) {
     for (int32_t k = 0; k < chosen.count; ++k) {
         const std::string why =
-            WhyNotComputed(reading.content, static_cast<size_t>(chosen.first + k));
+            WhyNotComputed(reading.content, static_cast<size_t>(int64_t{chosen.first} + k));
         if (why.empty()) continue;
         return reporter.ReportEpoch(CORVANTIS_NO_STIMULUS, reading.place.number,
                                     reading.place.start, why);
@@ -238,6 +270,17 @@ int32_t CorvantisCounts(const CorvantisRecording* recording, int64_t epoch, int3
                          if (ReadCounts(view, reading.place, target)) return CORVANTIS_SUCCESS;
                          return reporter.ReportFault(view);
                      });
+}
+
+int32_t CorvantisManyCounts(const CorvantisRecording* recording, int64_t first, int64_t epochs,
+                            int32_t entry, int64_t firstPoint, int64_t count, int16_t* values,
+                            int64_t stride, uint8_t* missing, CorvantisProblem* problem) {
+    return WithContents(recording, problem,
+                        [&](const Contents& contents, const Reporter& reporter) -> int32_t {
+                            if (values == nullptr || count < 0) return Missing(reporter);
+                            const ManyCounts many = {entry, firstPoint, count, values, stride};
+                            return ReadManyCounts(contents, first, epochs, many, missing, reporter);
+                        });
 }
 
 int32_t CorvantisValues(const CorvantisRecording* recording, int64_t epoch, int32_t entry,

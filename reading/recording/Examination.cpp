@@ -127,12 +127,10 @@ std::unique_ptr<Contents> Contents::Examine(const ByteSource& source, const std:
     contents->isByTable_ = mayBeOurs && contents->IsSoundByTable(view);
     const bool isWalked = !mayBeOurs || contents->isByTable_ || contents->AddByWalking(reporter);
     if (!isWalked) return nullptr;
-    if (view.Fault() != ReadFault::kNone) {
-        reporter.ReportFault(view);
-        return nullptr;
-    }
     if (contents->Refuse(view, reporter)) return nullptr;
-    return contents;
+    if (view.Fault() == ReadFault::kNone) return contents;
+    reporter.ReportFault(view);
+    return nullptr;
 }
 
 }  // namespace corvantis::reading

@@ -11,7 +11,7 @@ constexpr size_t kLongestName = 200;
 
 // The end of a long name tells more than its beginning.
 std::string ShortName(std::string_view name) {
-    const std::string shown = DisplayText(name);
+    std::string shown = DisplayText(name);
     if (shown.size() <= kLongestName) return shown;
     size_t from = shown.size() - kLongestName;
     while (from < shown.size() && (static_cast<uint8_t>(shown[from]) & 0xC0) == 0x80) ++from;

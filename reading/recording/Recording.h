@@ -79,7 +79,7 @@ class Contents {
     int32_t FindByWalking(const FileView& view, int64_t number, Depth depth, EpochReading& reading,
                           const Reporter& reporter) const;
     int64_t StartOf(const FileView& view, int64_t number) const;
-    bool IsAsBefore(int64_t number, const EpochReading& reading) const;
+    bool IsAsBefore(int64_t index, const EpochReading& reading) const;
     std::vector<NoiseEpoch> NoiseOfAll(const Reporter& reporter, bool& isComplete) const;
 
     const ByteSource& source_;

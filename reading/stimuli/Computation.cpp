@@ -46,7 +46,12 @@ int32_t Calculate(const Stimulus& stimulus, uint16_t* buffer, const EpochSetting
 std::string WhyNotComputed(const EpochContent& content, size_t entry) {
     const Stimulus& stimulus = content.stimuli[entry];
     const std::string why = WhyNot(stimulus, content.header.epochPoints);
-    return why.empty() ? why : Say("entry ", entry, " is a ", TypeName(stimulus.type), ": ", why);
+    if (why.empty()) return why;
+    if (!IsStimulusType(static_cast<uint32_t>(stimulus.type)))
+        return Say("entry ", entry, ": ", why);
+    const std::string_view name = TypeName(stimulus.type);
+    const std::string_view article = name.starts_with('a') ? "an " : "a ";
+    return Say("entry ", entry, " is ", article, name, " stimulus: ", why);
 }
 
 OwnedBlock<uint16_t> ComputeEntry(const EpochContent& content, size_t entry, int8_t version,

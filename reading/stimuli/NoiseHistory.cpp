@@ -23,6 +23,14 @@ bool Unpack(uint32_t packed, SpareDeviate& spare) {
     return true;
 }
 
+// Whether nothing of the uniform numbers before the epoch is left behind it.
+bool BeginsAnew(const NoiseEpoch& epoch) {
+    for (const NoiseStep& step : epoch.steps) {
+        if (!AreOld(step.draws)) return Restarts(step.draws);
+    }
+    return false;
+}
+
 // The library computes neither, nor what comes behind them.
 bool IsApplications(const Stimulus& stimulus) {
     return stimulus.type != ITC_STIMULUS_SUMMED && RowOf(stimulus.type).waveform.Get() == nullptr;
@@ -182,7 +190,7 @@ void NoiseHistory::BringTo(int64_t number, NoiseGenerators& generators) const {
     size_t next = *index;
     while (next > anchor) {
         const NoiseOrigins& before = epochs_[--next].before;
-        const Needs all = {NeedsOf(next).uniform, before.normal.isHeld, before.old.isHeld};
+        const Needs all = {!BeginsAnew(epochs_[next]), before.normal.isHeld, before.old.isHeld};
         if (next > anchor && Recall(next, all, generators)) break;
     }
     // The value of a deviate that is held first does not matter: the draws to come use it up.

@@ -95,6 +95,27 @@ TEST(ReadEpochs, GiveAnyRangeOfAnyEntryWithAnyStride) {
     }
 }
 
+TEST(ReadEpochs, GiveTheSamePointsOfManyAtOnce) {
+    const RecordedFile file = RecordFile({[] { SetUpPulseEpoch(2); }, [] { SetUpPulseEpoch(1); },
+                                          [] { SetUpNoise(1, 4, 2); }, [] { SetUpPulseEpoch(2); }});
+    MemorySource source{file.bytes};
+    Reading reading(source);
+    std::array<int16_t, 4 * 6> values;
+    std::array<uint8_t, 4> missing;
+    values.fill(99);
+    ASSERT_EQ(CorvantisManyCounts(reading.recording, 0, 4, CORVANTIS_ALL_ENTRIES, 2, 2,
+                                  values.data(), 6, missing.data(), nullptr),
+              0);
+    EXPECT_EQ(missing, (std::array<uint8_t, 4>{0, 1, 0, 0}));
+    for (size_t i = 0; i < values.size(); ++i) {
+        const auto& acquired = file.epochs[i / 6].acquired;
+        EXPECT_EQ(values[i], i % 6 > 3 ? 99 : i / 6 == 1 ? 0 : acquired[4 + i % 6]) << i;
+    }
+    EXPECT_EQ(CorvantisManyCounts(reading.recording, 0, 2, CORVANTIS_ALL_ENTRIES, 0, 1,
+                                  values.data(), 2, nullptr, nullptr),
+              CORVANTIS_BAD_ARGUMENT);
+}
+
 TEST(ReadEpochs, HaveConductancesAndComponentsOfEachEntry) {
     const RecordedFile file = RecordFile({SetUpFourEntries});
     MemorySource source{file.bytes};
@@ -225,15 +246,18 @@ TEST(ReadEpochs, AreRecomputedInAnyOrderByAnyNumberOfThreads) {
             preparations.push_back([=] {
                 SetUpNoise(seed, segment, entries);
                 const ITCNoiseParameters filtered = {300, 0, seed, 111, 5, 4, 3, 1000, 2};
-                if (entries == 2) ASSERT_EQ(ITCNoiseParams(1, &filtered), 0);
+                if (entries == 2) ITCNoiseParams(1, &filtered);
                 const ITCBinaryNoiseParameters binary = {300, 0, seed, 120, 0, 0, segment, {}};
-                if (entries == 3) ASSERT_EQ(ITCBinaryNoiseParams(0, &binary), 0);
+                if (entries == 3) ITCBinaryNoiseParams(0, &binary);
             });
         }
         DropSpareDeviate();
         const RecordedFile file = RecordFile(preparations, version);
         MemorySource source{file.bytes};
-        Reading shared(source);
+        Reading shared(source), inOrder(source);
+        for (size_t number = 0; number < file.epochs.size(); ++number) {
+            EXPECT_EQ(inOrder.Played(static_cast<int64_t>(number)), file.epochs[number].played);
+        }
         const auto compare = [&](uint32_t seed) {
             std::mt19937 choose(seed);
             for (int round = 0; round < 150; ++round) {

@@ -1,0 +1,119 @@
+// Recomputed stimuli, by ranges, into the caller's memory.
+#include "stimuli/Stimuli.h"
+#include "interface/Boundary.h"
+#include "interface/Target.h"
+#include "stimuli/Computation.h"
+#include "stimuli/GnuRandom.h"
+#include "units/Scale.h"
+
+namespace corvantis::reading {
+namespace {
+
+CorvantisDoubt WholeDoubt(const EpochContent& content, const NoiseHistory& history, int64_t number,
+                          int32_t entry) {
+    CorvantisDoubt doubt = history.DoubtOf(number, entry);
+    const Entries chosen = Chosen(entry, static_cast<int32_t>(content.stimuli.size()));
+    for (int32_t k = chosen.first; k < chosen.first + chosen.count; ++k) {
+        const int32_t type = content.stimuli[static_cast<size_t>(k)].type;
+        if (type != ITC_STIMULUS_DYNAMIC_CLAMP) continue;
+        doubt = {CORVANTIS_FOLLOWED_CELL, -1, {}};
+        StoreText(RowOf(type).caveat.Get(), doubt.text);
+    }
+    return doubt;
+}
+
+int32_t CheckComputable(const EpochReading& reading, const Entries& chosen,
+                        const Reporter& reporter) {
+    for (int32_t k = 0; k < chosen.count; ++k) {
+        const std::string why =
+            WhyNotComputed(reading.content, static_cast<size_t>(int64_t{chosen.first} + k));
+        if (why.empty()) continue;
+        return reporter.ReportEpoch(CORVANTIS_NO_STIMULUS, reading.place.number,
+                                    reading.place.start, why);
+    }
+    return CORVANTIS_SUCCESS;
+}
+
+// Computes the chosen entries in their order: store(entry's place among the chosen, samples).
+template <class Store>
+int32_t ComputeChosen(const Contents& contents, const EpochReading& reading,
+                      const NoiseHistory& history, const Entries& chosen, Store store) {
+    const int8_t version = contents.Moment().header.version;
+    const int64_t number = reading.place.number;
+    GnuRandom old;
+    NoiseGenerators generators(old);
+    history.BringTo(number, generators);
+    for (int32_t entry = 0; entry < chosen.first + chosen.count; ++entry) {
+        const auto k = static_cast<size_t>(entry);
+        if (entry < chosen.first) {
+            PassOver(reading.content, k, version, generators);
+            continue;
+        }
+        const OwnedBlock<uint16_t> samples = ComputeEntry(reading.content, k, version, generators);
+        if (samples == nullptr) return CORVANTIS_NO_STIMULUS;
+        store(entry - chosen.first, reinterpret_cast<const int16_t*>(samples.get()));
+    }
+    if (chosen.first + chosen.count == reading.place.entries) history.Note(number, generators);
+    return CORVANTIS_SUCCESS;
+}
+
+// store(place among the chosen entries, samples) as above
+template <class Value, class Store>
+int32_t GiveStimulus(const CorvantisRecording* recording, int64_t epoch, Target<Value> target,
+                     CorvantisDoubt* doubt, CorvantisProblem* problem, Store store) {
+    return WithEpoch(recording, epoch, Depth::kRecords, problem,
+                     [&](const Contents& contents, const FileView& view,
+                         const EpochReading& reading, const Reporter& reporter) -> int32_t {
+                         if (view.Fault() != ReadFault::kNone) return reporter.ReportFault(view);
+                         int32_t result = CheckTarget(reading.place, target, reporter);
+                         if (result != CORVANTIS_SUCCESS) return result;
+                         const NoiseHistory* history = contents.History(reporter);
+                         if (history == nullptr) return CORVANTIS_FILE_ERROR;
+                         if (doubt != nullptr)
+                             *doubt = WholeDoubt(reading.content, *history, epoch, target.entry);
+                         const Entries chosen = Chosen(target.entry, reading.place.entries);
+                         result = CheckComputable(reading, chosen, reporter);
+                         if (result != CORVANTIS_SUCCESS || target.count == 0) return result;
+                         const auto storeChosen = [&](int32_t k, const int16_t* samples) {
+                             store(contents, reading, target, k, samples + target.first);
+                         };
+                         result = ComputeChosen(contents, reading, *history, chosen, storeChosen);
+                         if (result == CORVANTIS_SUCCESS) return result;
+                         return reporter.ReportEpoch(
+                             CORVANTIS_NO_STIMULUS, epoch, reading.place.start,
+                             "its lengths do not fit the waveform, or memory");
+                     });
+}
+
+}  // namespace
+}  // namespace corvantis::reading
+
+using namespace corvantis::reading;
+
+int32_t CorvantisStimulus(const CorvantisRecording* recording, int64_t epoch, int32_t entry,
+                          int64_t first, int64_t count, int16_t* values, int64_t stride,
+                          CorvantisDoubt* doubt, CorvantisProblem* problem) {
+    const Target<int16_t> target = {entry, first, count, values, stride};
+    return GiveStimulus(recording, epoch, target, doubt, problem,
+                        [](const Contents&, const EpochReading&, const Target<int16_t>& to,
+                           int32_t k, const int16_t* samples) {
+                            int16_t* value = to.values + k;
+                            for (int64_t i = 0; i < to.count; ++i)
+                                value[i * to.stride] = samples[i];
+                        });
+}
+
+int32_t CorvantisStimulusValues(const CorvantisRecording* recording, int64_t epoch, int32_t entry,
+                                int64_t first, int64_t count, double* values, int64_t stride,
+                                CorvantisDoubt* doubt, CorvantisProblem* problem) {
+    const Target<double> target = {entry, first, count, values, stride};
+    return GiveStimulus(
+        recording, epoch, target, doubt, problem,
+        [](const Contents& contents, const EpochReading& reading, const Target<double>& to,
+           int32_t k, const int16_t* samples) {
+            const int32_t entryOf = to.entry == CORVANTIS_ALL_ENTRIES ? k : to.entry;
+            const Scale scale = ScaleOf(contents.Moment().header, reading.content.header,
+                                        static_cast<size_t>(entryOf), CORVANTIS_STIMULUS);
+            Convert(scale, {samples, static_cast<size_t>(to.count)}, to.values + k, to.stride);
+        });
+}

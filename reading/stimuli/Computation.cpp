@@ -45,7 +45,7 @@ int32_t Calculate(const Stimulus& stimulus, uint16_t* buffer, const EpochSetting
 
 std::string WhyNotComputed(const EpochContent& content, size_t entry) {
     const Stimulus& stimulus = content.stimuli[entry];
-    const std::string why = WhyNot(stimulus, content.header.epochPoints);
+    std::string why = WhyNot(stimulus, content.header.epochPoints);
     if (why.empty()) return why;
     if (!IsStimulusType(static_cast<uint32_t>(stimulus.type)))
         return Say("entry ", entry, ": ", why);

@@ -75,6 +75,7 @@ int32_t Contents::FindByWalking(const FileView& view, int64_t number, Depth dept
     if (walked == nullptr) return CORVANTIS_FILE_ERROR;
     const EpochPlace* place = FindNumber(walked->survey, number);
     if (place == nullptr) {
+        if (reporter.IsQuiet()) return CORVANTIS_DAMAGED;
         return reporter.ReportEpoch(CORVANTIS_DAMAGED, number, PlaceOf(walked->survey, number),
                                     WhyMissing(walked->survey, number));
     }

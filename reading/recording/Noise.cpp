@@ -25,29 +25,36 @@ NoiseEpoch OfUnknown(int64_t number) {
 
 }  // namespace
 
-// Records are asked for where the header has noise or a sum. A damaged epoch may have drawn any
-// numbers.
+// Records are asked for where the header has noise or a sum.
+int32_t Contents::ReadNoise(const FileView& view, int64_t number, NoiseEpoch& noise,
+                            const Reporter& reporter) const {
+    EpochReading reading;
+    int32_t result = Find(view, number, Depth::kHeader, reading, reporter);
+    if (result != CORVANTIS_SUCCESS || !MayDraw(reading.content.header)) return result;
+    result = Find(view, number, Depth::kRecords, reading, reporter);
+    if (result == CORVANTIS_SUCCESS) {
+        noise = NoiseOf(number, reading.content, snapshot_.header.version);
+    }
+    return result;
+}
+
+// A damaged epoch may have drawn any numbers, and so may all those of a gap: one stands for them.
 std::vector<NoiseEpoch> Contents::NoiseOfAll(const Reporter& reporter, bool& isComplete) const {
     std::vector<NoiseEpoch> epochs;
     const FileView view = View();
-    EpochReading reading;
-    for (int64_t number = 0; number < count_; ++number) {
-        int32_t result = Find(view, number, Depth::kHeader, reading, reporter);
-        if (result == CORVANTIS_SUCCESS && !MayDraw(reading.content.header)) continue;
-        if (result == CORVANTIS_SUCCESS) {
-            result = Find(view, number, Depth::kRecords, reading, reporter);
-        }
-        if (result == CORVANTIS_DAMAGED) {
-            epochs.push_back(OfUnknown(number));
-        } else if (result == CORVANTIS_SUCCESS) {
-            NoiseEpoch epoch = NoiseOf(number, reading.content, snapshot_.header.version);
-            if (!epoch.steps.empty() || !epoch.isKnown) epochs.push_back(std::move(epoch));
-        } else {
-            isComplete = false;
-            return {};
-        }
-    }
+    const Reporter quiet("", nullptr);
     isComplete = true;
+    for (int64_t number = 0; number < count_ && isComplete; ++number) {
+        NoiseEpoch noise;
+        const int32_t result = ReadNoise(view, number, noise, quiet);
+        if (result == CORVANTIS_DAMAGED) {
+            noise = OfUnknown(number);
+            number = NextNumber(isWalked_.load(std::memory_order_acquire)->survey, number) - 1;
+        }
+        if (!noise.steps.empty() || !noise.isKnown) epochs.push_back(std::move(noise));
+        isComplete = result == CORVANTIS_SUCCESS || result == CORVANTIS_DAMAGED;
+        if (!isComplete) ReadNoise(view, number, noise, reporter);
+    }
     return epochs;
 }
 

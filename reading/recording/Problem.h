@@ -14,6 +14,8 @@ namespace corvantis::reading {
 class Reporter {
   public:
     Reporter(std::string_view name, CorvantisProblem* problem) : name_(name), problem_(problem) {}
+    // Whether nobody listens.
+    bool IsQuiet() const { return problem_ == nullptr; }
     // Gives back the code.
     int32_t Report(CorvantisResult code, int64_t offset, std::string_view text) const;
     int32_t ReportEpoch(CorvantisResult code, int64_t number, int64_t offset,

@@ -80,6 +80,8 @@ class Contents {
                           const Reporter& reporter) const;
     int64_t StartOf(const FileView& view, int64_t number) const;
     bool IsAsBefore(int64_t index, const EpochReading& reading) const;
+    int32_t ReadNoise(const FileView& view, int64_t number, NoiseEpoch& noise,
+                      const Reporter& reporter) const;
     std::vector<NoiseEpoch> NoiseOfAll(const Reporter& reporter, bool& isComplete) const;
 
     const ByteSource& source_;

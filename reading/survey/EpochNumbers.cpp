@@ -1,17 +1,31 @@
 // What a survey says of an epoch by its number.
 
 #include <algorithm>
+#include <limits>
 
 #include "survey/Survey.h"
 #include "text/Words.h"
 
 namespace corvantis::reading {
 
-const EpochPlace* FindNumber(const Survey& survey, int64_t number) {
-    const auto found = std::lower_bound(
+namespace {
+
+auto FirstFrom(const Survey& survey, int64_t number) {
+    return std::lower_bound(
         survey.epochs.begin(), survey.epochs.end(), number,
         [](const EpochPlace& epoch, int64_t wanted) { return epoch.number < wanted; });
+}
+
+}  // namespace
+
+const EpochPlace* FindNumber(const Survey& survey, int64_t number) {
+    const auto found = FirstFrom(survey, number);
     return found == survey.epochs.end() || found->number != number ? nullptr : &*found;
+}
+
+int64_t NextNumber(const Survey& survey, int64_t number) {
+    const auto next = FirstFrom(survey, number);
+    return next == survey.epochs.end() ? std::numeric_limits<int64_t>::max() : next->number;
 }
 
 int64_t PlaceOf(const Survey& survey, int64_t number) {

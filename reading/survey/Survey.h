@@ -53,6 +53,9 @@ Survey SurveyFile(const FileView& file);
 // Nothing if that epoch is not there, or damaged.
 const EpochPlace* FindNumber(const Survey& survey, int64_t number);
 
+// The first number from there on that has an epoch, or one beyond all numbers.
+int64_t NextNumber(const Survey& survey, int64_t number);
+
 // Where it was or should have been; -1 if that is not known.
 int64_t PlaceOf(const Survey& survey, int64_t number);
 

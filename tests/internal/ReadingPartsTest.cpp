@@ -24,8 +24,10 @@ TEST(GnuRandom, DrawsAsTheGnuLibraryDoes) {
 }
 
 TEST(DisplayText, TakesForMacRomanWhatIsNoUtf8) {
+    EXPECT_EQ(corvantis::reading::DisplayText("\xC2\xB5V \xE2\x80\xAE\x1B["), "µV   [");
     iconv_t converter = iconv_open("UTF-8", "MACINTOSH");
-    ASSERT_NE(converter, reinterpret_cast<iconv_t>(-1));
+    if (converter == reinterpret_cast<iconv_t>(-1))
+        GTEST_SKIP() << "a C library without its tables";
     for (int byte = 0x80; byte < 0x100; ++byte) {
         if (byte == 0xC6 || byte == 0xF0) continue;  // an increment and the maker's sign, by Apple
         char in[] = {static_cast<char>(byte), 'x'}, out[8] = {};
@@ -35,7 +37,6 @@ TEST(DisplayText, TakesForMacRomanWhatIsNoUtf8) {
         EXPECT_EQ(corvantis::reading::DisplayText({in, sizeof in}), out) << byte;
     }
     iconv_close(converter);
-    EXPECT_EQ(corvantis::reading::DisplayText("\xC2\xB5V \xE2\x80\xAE\x1B["), "µV   [");
 }
 
 }  // namespace

@@ -65,8 +65,8 @@ struct MemorySource {
     enum class Fault { kNone, kFails, kShort };
 
     Bytes bytes;
-    std::atomic<int64_t> reads = 0;
-    std::atomic<int64_t> bytesRead = 0;
+    std::atomic<int32_t> reads = 0;
+    std::atomic<int32_t> bytesRead = 0;
     int64_t faultyRead = 0;
     Fault fault = Fault::kNone;
     std::atomic<int> closed = 0;
@@ -87,7 +87,7 @@ struct MemorySource {
         int64_t there = std::clamp<int64_t>(Size() - offset, 0, count);
         if (isFaulty && fault == Fault::kShort) there = 0;
         if (there > 0) std::memcpy(to, bytes.data() + offset, static_cast<size_t>(there));
-        bytesRead += there;
+        bytesRead += static_cast<int32_t>(there);
         return there;
     }
 };

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "CorvantisReading.h"
+#include "Session.h"
 
 namespace {
 
@@ -27,10 +28,6 @@ struct Memory {
     }
 };
 
-void Require(bool holds) {
-    if (!holds) __builtin_trap();
-}
-
 // Twice the same, if nothing failed.
 void ReadSamples(const CorvantisRecording* recording, int64_t epoch,
                  const CorvantisEpochInfo& info) {
@@ -46,7 +43,7 @@ void ReadSamples(const CorvantisRecording* recording, int64_t epoch,
                                  &doubt, nullptr);
     };
     if (play(counts) == CORVANTIS_SUCCESS && play(again) == CORVANTIS_SUCCESS) {
-        Require(counts == again);
+        corvantis_fuzz::Require(counts == again);
     }
     for (int32_t entry = 0; entry < info.entries; ++entry) {
         CorvantisStimulusValues(recording, epoch, entry, 0, count, values.data(), 0, &doubt,
@@ -75,9 +72,13 @@ void ReadEpoch(const CorvantisRecording* recording, int64_t epoch) {
     CorvantisEpochInfo info;
     CorvantisProblem problem = {};
     const int32_t result = CorvantisEpoch(recording, epoch, &info, &problem);
-    Require((result == CORVANTIS_SUCCESS) == (problem.text[0] == '\0'));
+    corvantis_fuzz::Require((result == CORVANTIS_SUCCESS) == (problem.text[0] == '\0'));
     if (result != CORVANTIS_SUCCESS) return;
-    Require(info.entries >= 0 && info.entries <= CORVANTIS_ENTRIES && info.points >= 0);
+    corvantis_fuzz::Require(info.entries >= 0 && info.entries <= CORVANTIS_ENTRIES &&
+                            info.points >= 0);
+    for (int32_t entry = 0; entry < info.entries; ++entry) {
+        corvantis_fuzz::reachedTypes.insert(info.stimulusTypes[entry]);
+    }
     ReadSamples(recording, epoch, info);
     ReadParameters(recording, epoch, info);
 }
@@ -101,7 +102,7 @@ void ReadFindings(const CorvantisRecording* recording) {
     CorvantisFinding finding;
     if (CorvantisFindings(recording, &count, nullptr) != CORVANTIS_SUCCESS) return;
     for (int64_t i = 0; i < std::min<int64_t>(count, 8); ++i) {
-        Require(CorvantisGetFinding(recording, i, &finding) == CORVANTIS_SUCCESS);
+        corvantis_fuzz::Require(CorvantisGetFinding(recording, i, &finding) == CORVANTIS_SUCCESS);
     }
 }
 
@@ -122,8 +123,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     CorvantisRecording* recording = nullptr;
     CorvantisProblem problem = {};
     const int32_t result = CorvantisOpenSource(&source, "memory", &recording, &problem);
-    Require((result == CORVANTIS_SUCCESS) == (recording != nullptr));
-    Require((result == CORVANTIS_SUCCESS) == (problem.text[0] == '\0'));
+    corvantis_fuzz::Require((result == CORVANTIS_SUCCESS) == (recording != nullptr));
+    corvantis_fuzz::Require((result == CORVANTIS_SUCCESS) == (problem.text[0] == '\0'));
     if (recording == nullptr) return 0;
     const int64_t epochs = CorvantisEpochs(recording);
     for (int64_t epoch = std::min(epochs, kMostEpochs); epoch-- > 0;) ReadEpoch(recording, epoch);

@@ -79,6 +79,7 @@ enum {
 /** What went wrong, for a program and for a person. */
 typedef struct CorvantisProblem {
     int32_t code;   /**< a #CorvantisResult */
+    int32_t reason; /**< where in the text the reason begins, behind file, epoch and byte */
     int64_t offset; /**< in the file [bytes]; -1 where no place is to blame */
     char text[504]; /**< the file, the place, what was found and what was expected */
 } CorvantisProblem;

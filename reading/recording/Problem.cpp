@@ -20,29 +20,36 @@ std::string ShortName(std::string_view name) {
 
 }  // namespace
 
-int32_t Reporter::Report(CorvantisResult code, int64_t offset, std::string_view text) const {
+int32_t Reporter::Say(CorvantisResult code, int64_t offset, std::string_view place,
+                      std::string_view reason) const {
     if (problem_ == nullptr) return code;
+    const std::string before = reading::Say(ShortName(name_), ": ", place);
     problem_->code = code;
+    problem_->reason = static_cast<int32_t>(before.size());
     problem_->offset = offset;
-    StoreText(Say(ShortName(name_), ": ", text), problem_->text);
+    StoreText(reading::Say(before, reason), problem_->text);
     return code;
+}
+
+int32_t Reporter::Report(CorvantisResult code, int64_t offset, std::string_view text) const {
+    return Say(code, offset, "", text);
 }
 
 int32_t Reporter::ReportEpoch(CorvantisResult code, int64_t number, int64_t offset,
                               std::string_view text) const {
     if (problem_ == nullptr) return code;
-    const std::string place = offset < 0 ? "" : Say(" at byte ", offset);
-    return Report(code, offset, Say("epoch ", number, place, ": ", text));
+    const std::string place = offset < 0 ? "" : reading::Say(" at byte ", offset);
+    return Say(code, offset, reading::Say("epoch ", number, place, ": "), text);
 }
 
 int32_t Reporter::ReportFault(const FileView& view) const {
-    const bool isShort = view.Fault() == ReadFault::kShort;
-    const std::string place = Say("byte ", view.FaultOffset(), ": ");
-    return isShort ? Report(CORVANTIS_CHANGED, view.FaultOffset(),
-                            place +
-                                "found the end of the file, which became shorter while it was "
-                                "read")
-                   : Report(CORVANTIS_FILE_ERROR, view.FaultOffset(), place + "cannot be read");
+    const int64_t offset = view.FaultOffset();
+    const std::string place = reading::Say("byte ", offset, ": ");
+    if (view.Fault() != ReadFault::kShort) {
+        return Say(CORVANTIS_FILE_ERROR, offset, place, "cannot be read");
+    }
+    return Say(CORVANTIS_CHANGED, offset, place,
+               "found the end of the file, which became shorter while it was read");
 }
 
 std::string InWords(const Mismatch& mismatch) {

@@ -24,6 +24,9 @@ class Reporter {
     int32_t ReportFault(const FileView& view) const;
 
   private:
+    int32_t Say(CorvantisResult code, int64_t offset, std::string_view place,
+                std::string_view reason) const;
+
     std::string_view name_;
     CorvantisProblem* problem_;
 };

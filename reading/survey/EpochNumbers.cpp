@@ -1,5 +1,4 @@
 // What a survey says of an epoch by its number.
-
 #include <algorithm>
 #include <limits>
 
@@ -7,13 +6,20 @@
 #include "text/Words.h"
 
 namespace corvantis::reading {
-
 namespace {
 
 auto FirstFrom(const Survey& survey, int64_t number) {
     return std::lower_bound(
         survey.epochs.begin(), survey.epochs.end(), number,
         [](const EpochPlace& epoch, int64_t wanted) { return epoch.number < wanted; });
+}
+
+const Stretch* FindStray(const Survey& survey, int64_t number) {
+    const auto found = std::lower_bound(
+        survey.damaged.begin(), survey.damaged.end(), number,
+        [&](size_t stray, int64_t wanted) { return *survey.strays[stray].number < wanted; });
+    if (found == survey.damaged.end() || survey.strays[*found].number != number) return nullptr;
+    return &survey.strays[*found];
 }
 
 }  // namespace
@@ -29,17 +35,14 @@ int64_t NextNumber(const Survey& survey, int64_t number) {
 }
 
 int64_t PlaceOf(const Survey& survey, int64_t number) {
-    for (const Stretch& stray : survey.strays) {
-        if (stray.number == number) return stray.begin;
-    }
+    if (const Stretch* stray = FindStray(survey, number)) return stray->begin;
     const bool isUnfinished = survey.unfinished && number == survey.numbers;
     return isUnfinished ? survey.unfinished->place.start : -1;
 }
 
 std::string WhyMissing(const Survey& survey, int64_t number) {
-    for (const Stretch& stray : survey.strays) {
-        if (stray.number != number) continue;
-        return Say("found ", stray.mismatch.found, ", expected ", stray.mismatch.expected);
+    if (const Stretch* stray = FindStray(survey, number)) {
+        return Say("found ", stray->mismatch.found, ", expected ", stray->mismatch.expected);
     }
     if (survey.unfinished && number == survey.numbers) {
         const UnfinishedEpoch& last = *survey.unfinished;

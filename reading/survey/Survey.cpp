@@ -318,12 +318,21 @@ class Walk {
         if (account_.HasTable() && more % 4 == 0 && more <= kLargestShift) shift_ += more;
     }
 
+    void OrderDamaged() {
+        std::vector<Stretch>& strays = survey_.strays;
+        for (size_t i = 0; i < strays.size(); ++i) {
+            if (!strays[i].number) continue;
+            survey_.damaged.push_back(i);
+            survey_.numbers = std::max(survey_.numbers, *strays[i].number + 1);
+        }
+        std::stable_sort(survey_.damaged.begin(), survey_.damaged.end(),
+                         [&](size_t a, size_t b) { return strays[a].number < strays[b].number; });
+    }
+
     Survey End() {
         survey_.tablePosition = position_;
         survey_.numbers = NextNumber();
-        for (const Stretch& stray : survey_.strays) {
-            survey_.numbers = std::max(survey_.numbers, stray.number.value_or(-1) + 1);
-        }
+        OrderDamaged();
         return std::move(survey_);
     }
 

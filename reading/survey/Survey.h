@@ -38,6 +38,7 @@ struct Survey {
     std::vector<EpochPlace> epochs;  // all complete ones, in file order
     int64_t numbers = 0;             // all epochs' numbers are below this, damaged ones' too
     std::vector<Stretch> strays;
+    std::vector<size_t> damaged;  // strays with a number, in the order of these
     std::vector<Remark> remarks;
     std::optional<UnfinishedEpoch> unfinished;
     // Where the walk ended, and where the table is or would be.

@@ -28,7 +28,7 @@ int32_t TakeSnapshot(const ByteSource& source, const Reporter& reporter, Snapsho
 }
 
 int32_t Fill(CorvantisRecording& recording, CorvantisProblem* problem) {
-    CorvantisProblem said = {CORVANTIS_FILE_ERROR, -1, {}};
+    CorvantisProblem said = {CORVANTIS_FILE_ERROR, 0, -1, {}};
     const Reporter reporter(recording.name, &said);
     Snapshot snapshot;
     int32_t result = TakeSnapshot(recording.source, reporter, snapshot);

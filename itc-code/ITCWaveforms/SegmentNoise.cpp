@@ -38,7 +38,7 @@ constexpr int64_t kMostEmptySegments = 1 << 16;
 template <class Record>
 int64_t CountSegments(const Record& record) {
     if (record.segmentPoints == 0) return 0;
-    const int64_t segments = int64_t{record.points} / record.segmentPoints;
+    const int64_t segments = std::max<int64_t>(int64_t{record.points} / record.segmentPoints, 0);
     return record.segmentPoints > 0 ? segments : std::min(segments, kMostEmptySegments);
 }
 

@@ -148,6 +148,19 @@ TEST(DamagedFiles, KeepTheNumbersOfTheirEpochs) {
     }
 }
 
+// Of no segment at all, though its length is negative: it leaves no deviate to the next noise.
+TEST(DamagedFiles, DrawNothingForNegativeLengths) {
+    const auto noise = [](uint32_t points) {
+        return Join({EpochHeaderBytes(100, 20, {9}), Big32(300), Big32(0), Big32(5), Big32(points),
+                     Bytes(8), Big32(5), Bytes(12), Bytes(40)});
+    };
+    MemorySource source{DataFileBytes({noise(-6U), noise(20)})}, alone{DataFileBytes({noise(20)})};
+    Reading behind(source), first(alone);
+    EXPECT_EQ(behind.Played(0), Counts(20));
+    EXPECT_EQ(behind.Played(1), first.Played(0));
+    EXPECT_EQ(behind.doubt.reason, CORVANTIS_NO_DOUBT);
+}
+
 TEST(ForeignFiles, AreRefusedInWords) {
     const TemporaryFolder folder;
     const struct {

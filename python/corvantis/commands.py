@@ -6,12 +6,14 @@ import os
 import signal
 import sys
 import threading
+import warnings
 from collections.abc import Callable, Iterator, Sequence
 from contextlib import contextmanager
 from typing import TYPE_CHECKING
 
 from .epoch import Epoch
-from .errors import CorvantisError
+from .epochs import undamaged
+from .errors import CorvantisError, CorvantisWarning
 from .recording import Recording, open_recording
 
 if TYPE_CHECKING:
@@ -19,7 +21,7 @@ if TYPE_CHECKING:
 
 FIGURES = ("png", "svg", "pdf")
 TABLE = "csv"
-UNUSABLE = 2    # exit status for a file or arguments that cannot be used
+DAMAGED, UNUSABLE = 1, 2    # exit status: epochs were left out; nothing could be done
 
 
 def chosen_epochs(text: str | None, count: int) -> list[int]:
@@ -73,13 +75,15 @@ def _check_output(options: argparse.Namespace) -> None:
 
 
 def _epochs(recording: Recording, options: argparse.Namespace) -> list[Epoch]:
-    """The chosen epochs; without a choice, those that have the channel."""
+    """The chosen epochs that are not damaged; without a choice, those that have the channel."""
     channel: int = options.channel
     if channel < 0:
         raise ValueError("channels count from 0")
-    epochs = [recording.epochs[number]
+    chosen = [recording.epochs[number]
               for number in chosen_epochs(options.epoch, len(recording.epochs))]
-    having = [epoch for epoch in epochs if channel < epoch.header.sequenceLength]
+    epochs = undamaged(chosen)
+    options.damaged = len(epochs) < len(chosen)
+    having = [epoch for epoch in epochs if channel < epoch.entries]
     if options.epoch is not None and len(having) < len(epochs):
         missing = next(epoch for epoch in epochs if epoch not in having)
         raise ValueError(f"epoch {missing.number} has no channel {channel}")
@@ -151,14 +155,20 @@ def _ended_by_signals() -> Iterator[None]:
 
 def _run(work: Callable[[argparse.Namespace], None], options: argparse.Namespace,
          name: str) -> int:
+    def say(message: Warning | str, *_: object, **__: object) -> None:
+        print(f"corvantis {name}: {message}", file=sys.stderr)
+
+    options.damaged = False
     try:
-        with _ended_by_signals():
+        with _ended_by_signals(), warnings.catch_warnings():
+            warnings.simplefilter("always", CorvantisWarning)
+            warnings.showwarning = say
             _check_output(options)
             work(options)
     except (CorvantisError, OSError, ValueError) as error:
         print(f"corvantis {name}: {error}", file=sys.stderr)
         return UNUSABLE
-    return 0
+    return DAMAGED if options.damaged else 0
 
 
 def plot(arguments: Sequence[str] | None = None) -> int:

@@ -1,18 +1,39 @@
-"""One epoch of a recording: its settings at once, its samples when they are asked for."""
+"""One epoch of a recording: nothing of it is read before it is asked for."""
 from __future__ import annotations
 
+import ctypes
+import warnings
+from dataclasses import dataclass
 from typing import TYPE_CHECKING, Any
 
 import numpy as np
 
-from .epochreader import DIGITAL_INPUT, DIGITAL_OUTPUT
-from .records import EpochHeader
+from .errors import CorvantisError, CorvantisWarning
+from .interface import (ALL_ENTRIES, DAMAGED, DIGITAL_INPUT, DIGITAL_OUTPUT, EPOCH_HEADER,
+                        EPOCH_HEADER_SIZE, RESPONSE, STIMULUS, DoubtReason, DoubtRecord, EpochInfo)
 from .lazy import lazy
-from .stimuli import Stimulus
-from .units import WORD, Counts, Samples, Scale, Units, response_scale, stimulus_scale
+from .records import Record, fields_of, header
+from .samples import fill, room
+from .stimuli import Stimulus, read_stimulus, with_conductances
+from .units import Counts, Samples, Scale, Units, read_scale
 
 if TYPE_CHECKING:
     from .recording import Recording
+
+
+@dataclass(frozen=True)
+class Doubt:
+    """Why a computed stimulus may not be what was played.
+
+    Attributes:
+        reason: of several the highest.
+        epoch: number of the epoch that it comes from, or None.
+        text: the reason in words.
+    """
+
+    reason: DoubtReason
+    epoch: int | None
+    text: str
 
 
 class Epoch:
@@ -20,110 +41,217 @@ class Epoch:
 
     Every field of the epoch's header is an attribute under its own name, such as `temperature`,
     `userValue` or `ampGain`. Arrays have one row for each point in time and one column for each
-    entry of the channel sequence.
+    entry of the channel sequence. Of a damaged epoch only `number`, `is_damaged` and `problem` are
+    to be had: all else raises CorvantisError, which says where the damage is.
 
     Attributes:
         number: the epoch's number in its recording, from 0.
-        header: the whole header.
     """
 
     def __init__(self, recording: Recording, number: int) -> None:
         self.recording = recording
         self.number = number
-        self.header: EpochHeader = recording.reader.epoch_header(number)
 
     def __getattr__(self, name: str) -> Any:
-        if name in EpochHeader.__dataclass_fields__ and "header" in self.__dict__:
-            return getattr(self.header, name)
-        raise AttributeError(f"an epoch has no {name!r}")
+        fields = fields_of(EPOCH_HEADER)
+        if name not in fields:
+            raise AttributeError(f"an epoch has no {name!r}")
+        return fields[name].value(self._block)
 
     def __dir__(self) -> list[str]:
-        return [*super().__dir__(), *EpochHeader.__dataclass_fields__]
+        return [*super().__dir__(), *fields_of(EPOCH_HEADER)]
 
     def __reduce__(self) -> tuple[Any, ...]:
         return Epoch, (self.recording, self.number)
 
     def __repr__(self) -> str:
+        if self.is_damaged:
+            return f"<Epoch {self.number}: damaged>"
         return (f"<Epoch {self.number}: {self.points} points at {self.sampling_rate:g} Hz, "
                 f"{' + '.join(self.inputs)}>")
+
+    # ---- Header ---------------------------------------------------------------------------
+
+    @lazy
+    def _block(self) -> bytes:
+        block = ctypes.create_string_buffer(EPOCH_HEADER_SIZE)
+        handle = self.recording.handle
+        handle.call(handle.library.CorvantisEpochHeader, self.number, block)
+        return block.raw
+
+    @lazy
+    def _info(self) -> EpochInfo:
+        return self.recording.handle.epoch(self.number)
+
+    @lazy
+    def _shape(self) -> tuple[int, int]:
+        """Points and entries; iteration gives many epochs theirs at once."""
+        return self._info.points, self._info.entries
+
+    @lazy
+    def header(self) -> Record:
+        """The whole header."""
+        return header("EpochHeader", self._block)
+
+    @lazy
+    def problem(self) -> str | None:
+        """What is wrong with a damaged epoch: place, what was found, what was expected; or None."""
+        try:
+            self._info
+        except CorvantisError as error:
+            if error.code != DAMAGED:
+                raise
+            return str(error)
+        return None
+
+    @property
+    def is_damaged(self) -> bool:
+        """Whether the epoch cannot be read."""
+        return self.problem is not None
 
     # ---- Time -----------------------------------------------------------------------------
 
     @property
     def points(self) -> int:
         """Points of each sequence entry [samples]."""
-        return self.header.epochPoints
+        return self._shape[0]
+
+    @property
+    def entries(self) -> int:
+        """Entries of the channel sequence."""
+        return self._shape[1]
 
     @property
     def sampling_rate(self) -> float:
         """Points per second [Hz]; not a number where the file states no interval."""
-        interval = self.header.samplingInterval
-        return 1e6 / interval if interval > 0 else float("nan")
+        return 1e6 / self._interval if self._interval > 0 else float("nan")
+
+    @property
+    def _interval(self) -> int:
+        return int(self._info.samplingInterval)
 
     @property
     def duration(self) -> float:
         """Length of the epoch [s]."""
-        return self.points * self.header.samplingInterval / 1e6
+        return self.points * self._interval / 1e6
 
     @lazy
     def time(self) -> Samples:
         """Time of each point from the epoch's start, shape (points,) [s]; empty without entries."""
-        points = self.points if self.header.sequenceLength else 0
-        return np.arange(points, dtype=np.float64) * self.header.samplingInterval / 1e6
+        points = self.points if self.entries else 0
+        return np.arange(points, dtype=np.float64) * self._interval / 1e6
 
     # ---- Samples --------------------------------------------------------------------------
 
     @lazy
     def raw(self) -> Counts:
         """Acquired samples, shape (points, entries) [signed converter counts], read-only."""
-        counts = self.recording.reader.acquired(self.number, self.header)
+        counts = np.empty(self._shape, np.int16)
+        handle = self.recording.handle
+        fill(handle, handle.library.CorvantisCounts, self.number, counts)
         counts.setflags(write=False)
         return counts
 
     @lazy
     def raw_stimulus(self) -> Counts:
         """Recomputed stimulus, shape (points, entries) [signed converter counts], read-only."""
-        counts = self.recording.reader.played(self.number, self.header)
+        counts: Counts = self.read_stimulus(raw=True)
         counts.setflags(write=False)
         return counts
 
     @lazy
     def response(self) -> Samples:
         """Acquired samples, shape (points, entries) [units.response]."""
-        return _scaled(self.raw, self.response_scales)
+        values: Samples = self.read()
+        return values
 
     @lazy
     def stimulus(self) -> Samples:
         """Recomputed stimulus, shape (points, entries) [units.stimulus].
 
-        Noise is as played if the stimuli of the file's epochs were computed once each, in order.
+        Noise is as played if the stimuli of the file's epochs were computed once each, in order:
+        `doubt` says where this matters.
 
         Raises:
             CorvantisError: with code 2 where the file does not hold what the stimulus needs.
         """
-        return _scaled(self.raw_stimulus, self.stimulus_scales)
+        values: Samples = self.read_stimulus()
+        return values
+
+    def read(self, first: int = 0, count: int | None = None, entry: int | None = None,
+             raw: bool = False) -> Any:
+        """A range of the acquired samples, of which no others are read.
+
+        Args:
+            first: first point.
+            count: points; all that follow without it.
+            entry: sequence entry; all without it.
+            raw: signed converter counts instead of units.
+
+        Returns:
+            An array of shape (count, entries), or (count,) of one entry.
+        """
+        handle = self.recording.handle
+        values = room(self._shape, first, count, entry, raw)
+        fill(handle, handle.library.CorvantisCounts if raw else handle.library.CorvantisValues,
+             self.number, values, entry, first)
+        return values
+
+    def read_stimulus(self, first: int = 0, count: int | None = None, entry: int | None = None,
+                      raw: bool = False) -> Any:
+        """A range of the recomputed stimulus; as `read`.
+
+        Warns:
+            CorvantisWarning: where the noise may be another one than was played.
+        """
+        handle, doubt = self.recording.handle, DoubtRecord()
+        values = room(self._shape, first, count, entry, raw)
+        fill(handle, handle.library.CorvantisStimulus if raw else
+             handle.library.CorvantisStimulusValues, self.number, values, entry, first,
+             ctypes.addressof(doubt))
+        if doubt.reason in (DoubtReason.BEGAN_BEFORE_FILE, DoubtReason.BEHIND_UNKNOWN):
+            warnings.warn(f"{handle.name}: epoch {self.number}: {doubt.text.decode()}",
+                          CorvantisWarning, stacklevel=3)
+        return values
+
+    @lazy
+    def doubt(self) -> Doubt | None:
+        """Why the stimulus may not be what was played, or None; nothing is computed for this.
+
+        Raises:
+            CorvantisError: with code 2 where the stimulus cannot be computed at all.
+        """
+        handle, doubt = self.recording.handle, DoubtRecord()
+        handle.call(handle.library.CorvantisStimulus, self.number, ALL_ENTRIES, 0, 0, None, 0,
+                    ctypes.addressof(doubt))
+        if doubt.reason == DoubtReason.NONE:
+            return None
+        return Doubt(DoubtReason(doubt.reason), doubt.epoch if doubt.epoch >= 0 else None,
+                     doubt.text.decode())
+
+    # ---- Channels, stimuli and units ------------------------------------------------------
+
+    @lazy
+    def parameters(self) -> tuple[Stimulus, ...]:
+        """Stimulus record of each sequence entry, with components but without conductances."""
+        return tuple(read_stimulus(self.recording.handle, self.number, entry)
+                     for entry in range(self.entries))
 
     @lazy
     def stimuli(self) -> tuple[Stimulus, ...]:
         """Stimulus record of each sequence entry, with components and conductances."""
-        return self.recording.reader.stimuli(self.number, self.header)
+        return tuple(with_conductances(self.recording.handle, self.number, entry, self.points, each)
+                     for entry, each in enumerate(self.parameters))
 
-    # ---- Channels and units ---------------------------------------------------------------
-
-    def _channels(self, direction: str) -> list[int]:
-        words = self.header.channelSequence[:self.header.sequenceLength]
-        return [self.recording.reader.channel(self.number, word, entry, direction)
-                for entry, word in enumerate(words)]
-
-    @lazy
+    @property
     def input_channels(self) -> list[int]:
         """Input of each sequence entry: 0 to 7, 8 for the digital input, -1 for none."""
-        return self._channels("Input")
+        return list(self._info.inputs[:self.entries])
 
-    @lazy
+    @property
     def output_channels(self) -> list[int]:
         """Output of each sequence entry: 0 to 3, 4 for the digital output, -1 for none."""
-        return self._channels("Output")
+        return list(self._info.outputs[:self.entries])
 
     @property
     def inputs(self) -> list[str]:
@@ -138,16 +266,14 @@ class Epoch:
     @lazy
     def response_scales(self) -> list[Scale]:
         """Scale of each entry's response, with its formula."""
-        return [WORD if channel == DIGITAL_INPUT
-                else response_scale(self.recording.header, self.header, entry)
-                for entry, channel in enumerate(self.input_channels)]
+        return [read_scale(self.recording.handle, self.number, entry, RESPONSE)
+                for entry in range(self.entries)]
 
     @lazy
     def stimulus_scales(self) -> list[Scale]:
         """Scale of each entry's stimulus, with its formula."""
-        return [WORD if channel == DIGITAL_OUTPUT
-                else stimulus_scale(self.recording.header, self.header, entry)
-                for entry, channel in enumerate(self.output_channels)]
+        return [read_scale(self.recording.handle, self.number, entry, STIMULUS)
+                for entry in range(self.entries)]
 
     @property
     def units(self) -> Units:
@@ -158,15 +284,10 @@ class Epoch:
     @property
     def comment(self) -> str:
         """Comment on this epoch."""
-        return self.header.epochComment
+        return str(self.epochComment)
 
 
 def _name(kind: str, channel: int, digital: int) -> str:
     if channel < 0:
         return f"unknown {kind}"
     return f"digital {kind}" if channel == digital else f"{kind} {channel}"
-
-
-def _scaled(counts: Counts, scales: list[Scale]) -> Samples:
-    columns = [scale(counts[:, entry]) for entry, scale in enumerate(scales)]
-    return np.stack(columns, axis=1) if columns else np.empty(counts.shape)

@@ -1,23 +1,15 @@
-"""The one exception of the package: a result code, what it means and which file it is about."""
+"""The package's one exception and its one warning."""
 from __future__ import annotations
 
-import os
-from typing import Union
-
-PathLike = Union[str, bytes, "os.PathLike[str]", "os.PathLike[bytes]"]
-
-STIMULUS_ERROR = 2
-BAD_ARGUMENT = 6
-FILE_ERROR = 7
-
 MEANINGS = {
-    1: "the library cannot be started",
-    2: "the stimulus is missing, wrong or cannot be computed",
-    4: "the epoch is larger than the sample buffers",
+    2: "the stimulus cannot be computed",
     5: "out of memory",
     6: "bad argument",
-    7: "the file or the epoch cannot be read",
-    9: "the file was written by a newer version of Corvantis",
+    7: "the file cannot be read",
+    9: "the file was made by a newer version of Corvantis",
+    10: "the file is no recording",
+    11: "the epoch is damaged",
+    12: "the file is no longer the one that was opened",
 }
 
 
@@ -28,16 +20,23 @@ class CorvantisError(Exception):
         code: the result code, as in the C interface.
         meaning: what the code stands for.
         filename: the data file, or None where no file is concerned.
+        detail: the file, the place, what was found there and what was expected, in words.
+        offset: the place in the file [bytes], or None where no place is to blame.
     """
 
-    def __init__(self, code: int, filename: str | None = None, detail: str = "") -> None:
+    def __init__(self, code: int, filename: str | None = None, detail: str = "",
+                 offset: int | None = None) -> None:
         self.code = code
         self.meaning = MEANINGS.get(code, "unknown result")
         self.filename = filename
         self.detail = detail
-        super().__init__(code, self.filename, detail)
+        self.offset = offset
+        super().__init__(code, filename, detail, offset)
 
     def __str__(self) -> str:
-        about = [text for text in (self.filename, self.detail) if text]
-        text = ": ".join([*about, f"{self.meaning} (result code {self.code})"])
+        text = self.detail or ": ".join(filter(None, (self.filename, self.meaning)))
         return "".join(each if each.isprintable() else ascii(each)[1:-1] for each in text)
+
+
+class CorvantisWarning(UserWarning):
+    """A stimulus that may not be what was played, or an epoch that was left out as damaged."""

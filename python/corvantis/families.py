@@ -11,11 +11,12 @@ from matplotlib.axes import Axes
 from matplotlib.figure import Figure
 
 from .epoch import Epoch
+from .epochs import undamaged
 from .plotting import (RESPONSE_LABELS, STIMULUS_LABELS, STYLE, draw_key, draw_panels, in_ranges,
                        label, read_sweep)
 from .progress import progress
 from .recording import Recording
-from .stimuli import Pulse
+from .stimuli import Stimulus
 from .units import Samples
 
 THRESHOLD = -20.0       # a spike crosses it upwards [mV]
@@ -103,12 +104,12 @@ def count_spikes(response: Samples, threshold: float) -> int:
     return int(np.count_nonzero(above[1:] & ~above[:-1]))
 
 
-def _pulse(epoch: Epoch, channel: int) -> Pulse | None:
+def _pulse(epoch: Epoch, channel: int) -> Stimulus | None:
     """The epoch's step, if it has one of at least a point with something before it."""
-    stimulus = epoch.stimuli[channel] if channel < len(epoch.stimuli) else None
-    if type(stimulus) is not Pulse or stimulus.points < 1 or stimulus.prePoints < 1:
+    stimulus = epoch.parameters[channel] if channel < epoch.entries else None
+    if stimulus is None or stimulus.name != "pulse":
         return None
-    return stimulus
+    return stimulus if stimulus.points > 0 and stimulus.prePoints > 0 else None
 
 
 def measure(epoch: Epoch, channel: int = 0, threshold: float = THRESHOLD) -> Step:
@@ -116,14 +117,14 @@ def measure(epoch: Epoch, channel: int = 0, threshold: float = THRESHOLD) -> Ste
     pulse = _pulse(epoch, channel)
     if pulse is None:
         raise ValueError(f"epoch {epoch.number} has no step")
-    response, before = epoch.response[:, channel], pulse.prePoints
+    response, before = epoch.read(entry=channel), pulse.prePoints
     during = response[before:before + pulse.points]
     baseline = float(response[:before].mean())
     steady = during[-max(1, round(STEADY_FRACTION * len(during))):]
     spiking = epoch.units.response[channel] == "mV"
     spikes = count_spikes(during, threshold) if spiking else 0
-    return Step(epoch.number, float(epoch.stimulus[before, channel]),
-                float(epoch.stimulus[0, channel]), baseline,
+    levels = epoch.read_stimulus(0, before + 1, channel)
+    return Step(epoch.number, float(levels[before]), float(levels[0]), baseline,
                 float(during[np.argmax(np.abs(during - baseline))]), float(steady.mean()),
                 not (spiking and count_spikes(steady, threshold)), spikes,
                 spikes * epoch.sampling_rate / pulse.points)
@@ -137,10 +138,10 @@ def find_family(epochs: Iterable[Epoch] | Recording, channel: int = 0,
         ValueError: if no two epochs have steps of the same timing and different levels.
     """
     groups: dict[tuple[object, ...], list[Epoch]] = defaultdict(list)
-    for epoch in epochs.epochs if isinstance(epochs, Recording) else epochs:
+    for epoch in undamaged(epochs.epochs if isinstance(epochs, Recording) else epochs):
         pulse = _pulse(epoch, channel)
         if pulse is not None:
-            key = (pulse.prePoints, pulse.points, pulse.mean, epoch.header.samplingInterval,
+            key = (pulse.prePoints, pulse.points, pulse.mean, epoch.samplingInterval,
                    epoch.units.response[channel], epoch.units.stimulus[channel])
             groups[key].append(epoch)
     largest: list[Epoch] = max(groups.values(), key=len, default=[])

@@ -17,7 +17,9 @@ from neo.rawio import baserawio
 from neo.rawio.baserawio import BaseRawIO
 
 from .epoch import Epoch
-from .errors import STIMULUS_ERROR, CorvantisError
+from .epochs import undamaged
+from .errors import CorvantisError
+from .interface import NO_STIMULUS
 from .recording import Recording, open_recording
 from .table import row
 
@@ -40,8 +42,10 @@ def _padded(rows: Sequence[tuple[Any, ...]], dtype: list[tuple[str, str]]) -> An
 
 
 def _settings(epoch: Epoch) -> list[Setting]:
-    """The streams that an epoch has: none if it has no points, no entries or no time scale."""
-    if epoch.points < 1 or epoch.header.sequenceLength < 1 or math.isnan(epoch.sampling_rate):
+    """The streams that an epoch has: none if it is damaged, or has no points, no entries or no time
+    scale."""
+    if epoch.is_damaged or epoch.points < 1 or epoch.entries < 1 \
+            or math.isnan(epoch.sampling_rate):
         return []
     rate, units = epoch.sampling_rate, epoch.units
     return [Setting("response", rate, tuple(epoch.inputs), units.response),
@@ -49,7 +53,10 @@ def _settings(epoch: Epoch) -> list[Setting]:
 
 
 def _annotations(epoch: Epoch) -> dict[str, Any]:
-    """Settings, comment and the stimulus in words; lists as text, which Neo's writers can keep."""
+    """Settings, comment and the stimulus in words; lists as text, which Neo's writers can keep. Of
+    a damaged epoch its problem."""
+    if epoch.problem is not None:
+        return {"problem": epoch.problem}
     values = {name: value for name, value in row(epoch).items() if name != "epoch"}
     return {name: ", ".join(map(str, value)) if isinstance(value, list) else value
             for name, value in values.items()}
@@ -67,7 +74,6 @@ class CorvantisRawIO(BaseRawIO):  # type: ignore[misc]
         BaseRawIO.__init__(self)
         self.filename = str(filename)
         self._recording: Recording | None = None
-        self._last: Epoch | None = None
 
     def _source_name(self) -> str:
         return self.filename
@@ -77,6 +83,7 @@ class CorvantisRawIO(BaseRawIO):  # type: ignore[misc]
     def _parse_header(self) -> None:
         self._recording = recording = open_recording(self.filename)
         self._epochs = list(recording.epochs)
+        undamaged(self._epochs)     # which warns of the others
         self._settings = [_settings(epoch) for epoch in self._epochs]
         every = dict.fromkeys(each for several in self._settings for each in several)
         self._streams = list(every)
@@ -118,8 +125,8 @@ class CorvantisRawIO(BaseRawIO):  # type: ignore[misc]
                 segment["signals"][stream] = {
                     name: dict(value) if isinstance(value, dict) else value
                     for name, value in segment["signals"][stream].items()}
-            segment.update(name=f"epoch {epoch.number}", description=epoch.comment,
-                           epoch=epoch.number, **_annotations(epoch))
+            segment.update(name=f"epoch {epoch.number}", epoch=epoch.number, **_annotations(epoch),
+                           description="" if epoch.is_damaged else epoch.comment)
 
     # ---- Segments -------------------------------------------------------------------------
 
@@ -127,7 +134,8 @@ class CorvantisRawIO(BaseRawIO):  # type: ignore[misc]
         return 0.0
 
     def _segment_t_stop(self, block_index: int, seg_index: int) -> float:
-        return max(self._epochs[seg_index].duration, SHORTEST)
+        epoch = self._epochs[seg_index]
+        return SHORTEST if epoch.is_damaged else max(epoch.duration, SHORTEST)
 
     # ---- Signals --------------------------------------------------------------------------
 
@@ -140,31 +148,29 @@ class CorvantisRawIO(BaseRawIO):  # type: ignore[misc]
     def _get_signal_t_start(self, block_index: int, seg_index: int, stream_index: int) -> float:
         return 0.0
 
-    def _epoch(self, seg_index: int) -> Epoch:
-        """The epoch, kept with its samples until another one is read."""
-        assert self._recording is not None
-        if self._last is None or self._last.number != seg_index:
-            self._last = self._recording.epochs[seg_index]
-        return self._last
-
-    def _values(self, seg_index: int, stream_index: int) -> Any:
-        setting = self._streams[stream_index]
-        if not self._has(seg_index, stream_index):
-            return np.empty((0, len(setting.channels)))
-        epoch = self._epoch(seg_index)
-        if setting.kind == "response":
-            return epoch.response
-        try:
-            return epoch.stimulus
-        except CorvantisError as error:
-            if error.code != STIMULUS_ERROR:
-                raise
-            return np.full((epoch.points, len(setting.channels)), np.nan)
+    def _stimulus(self, epoch: Epoch, first: int, count: int) -> Any:
+        """A range of the stimulus, not a number where an entry cannot be computed."""
+        values = np.full((count, epoch.entries), np.nan)
+        for entry in range(epoch.entries):
+            try:
+                values[:, entry] = epoch.read_stimulus(first, count, entry)
+            except CorvantisError as error:
+                if error.code != NO_STIMULUS:
+                    raise
+        return values
 
     def _get_analogsignal_chunk(self, block_index: int, seg_index: int, i_start: int | None,
                                 i_stop: int | None, stream_index: int,
                                 channel_indexes: Any) -> Any:
-        values = self._values(seg_index, stream_index)[i_start:i_stop]
+        setting = self._streams[stream_index]
+        size = self._get_signal_size(block_index, seg_index, stream_index)
+        first, end, _ = slice(i_start, i_stop).indices(size)
+        if size == 0:
+            values = np.empty((0, len(setting.channels)))
+        elif setting.kind == "response":
+            values = self._epochs[seg_index].read(first, max(end - first, 0))
+        else:
+            values = self._stimulus(self._epochs[seg_index], first, max(end - first, 0))
         return values if channel_indexes is None else values[:, channel_indexes]
 
     # ---- What these files do not have -----------------------------------------------------

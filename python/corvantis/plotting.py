@@ -17,10 +17,12 @@ from matplotlib.lines import Line2D
 
 from . import scalebars
 from .epoch import Epoch
-from .errors import STIMULUS_ERROR, CorvantisError
+from .epochs import undamaged
+from .errors import CorvantisError
+from .interface import NO_STIMULUS
 from .progress import progress
 from .recording import Recording
-from .stimuli import DynamicClamp
+from .stimuli import has_conductances
 from .units import Samples
 
 LINE_WIDTH = 0.8            # [pt]
@@ -57,20 +59,19 @@ def label(names: dict[str, str], unit: str, otherwise: str, gap: str = " ") -> s
 def _below(epoch: Epoch, channel: int) -> list[Samples]:
     """Curves of the lower panel: conductances, the stimulus, or none where it is not known."""
     stimulus = epoch.stimuli[channel]
-    if isinstance(stimulus, DynamicClamp) and stimulus.excitatory is not None:
-        assert stimulus.inhibitory is not None
+    if has_conductances(stimulus):
         return [stimulus.excitatory.astype(float), stimulus.inhibitory.astype(float)]
     try:
-        return [epoch.stimulus[:, channel]]
+        return [epoch.read_stimulus(entry=channel)]
     except CorvantisError as error:
-        if error.code != STIMULUS_ERROR:
+        if error.code != NO_STIMULUS:
             raise
         return []
 
 
 def read_sweep(epoch: Epoch, channel: int) -> Sweep:
     """Read what is drawn of an epoch's sequence entry `channel`."""
-    return Sweep(epoch.number, epoch.time, epoch.response[:, channel], _below(epoch, channel))
+    return Sweep(epoch.number, epoch.time, epoch.read(entry=channel), _below(epoch, channel))
 
 
 def _common_unit(units: Sequence[str], what: str) -> str:
@@ -260,8 +261,7 @@ def plot_epochs(epochs: Sequence[Epoch] | Recording, channel: int = 0, axes: boo
         The figure: response above, recomputed stimulus below (conductances of a dynamic clamp:
         excitatory drawn through, inhibitory dashed), heights 3 to 1. Text stays text in SVG, PDF.
     """
-    if isinstance(epochs, Recording):
-        epochs = epochs.epochs
+    epochs = undamaged(epochs.epochs if isinstance(epochs, Recording) else epochs)
     if not epochs:
         raise ValueError("no epochs to draw")
     if axes and stack:

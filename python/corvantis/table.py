@@ -1,10 +1,10 @@
 """One row for each epoch, and stimuli in words."""
 from __future__ import annotations
 
+from collections.abc import Iterable
 from typing import TYPE_CHECKING, Any
 
-from .epochreader import is_computed
-from .stimuli import Stimulus, Summed
+from .stimuli import Stimulus, is_computed
 from .units import Scale
 
 if TYPE_CHECKING:
@@ -25,10 +25,10 @@ def in_words(stimulus: Stimulus, scale: Scale, interval: int) -> str:
         scale: the scale of the stimulus's sequence entry.
         interval: the epoch's sampling interval [µs].
     """
-    if isinstance(stimulus, Summed):
+    values = vars(stimulus)
+    if "components" in values:
         parts = [in_words(each, scale, interval) for each in stimulus.components]
         return f"sum of ({'; '.join(parts)})"
-    values = vars(stimulus)
     text = stimulus.name
     if "amplitude" in values:
         text += (f" {_amount(float(scale(values['amplitude'])), scale.unit)}"
@@ -43,13 +43,13 @@ def in_words(stimulus: Stimulus, scale: Scale, interval: int) -> str:
 
 def row(epoch: Epoch) -> dict[str, Any]:
     """What is known of an epoch without reading its samples; lists have an item for each entry."""
-    header, entries = epoch.header, epoch.header.sequenceLength
+    header, entries = epoch.header, epoch.entries
     words = [in_words(stimulus, scale, header.samplingInterval)
-             for stimulus, scale in zip(epoch.stimuli, epoch.stimulus_scales)]
+             for stimulus, scale in zip(epoch.parameters, epoch.stimulus_scales)]
     return {
         "epoch": epoch.number,
         "time": header.epochTime,
-        "points": header.epochPoints,
+        "points": epoch.points,
         "sampling_rate": epoch.sampling_rate,
         "duration": epoch.duration,
         "inputs": epoch.inputs,
@@ -65,4 +65,13 @@ def row(epoch: Epoch) -> dict[str, Any]:
            for name in ("temperature", "digitalOutput", "wavelength", "pointsLatency",
                         "acqSettingA", "acqSettingB")},
         "userValue": list(header.userValue),
+        "problem": "",
     }
+
+
+def rows(epochs: Iterable[Epoch]) -> list[dict[str, Any]]:
+    """A row for each epoch; a damaged one has its problem, and None for all that it has not."""
+    every = [row(epoch) if epoch.problem is None else
+             {"epoch": epoch.number, "problem": epoch.problem} for epoch in epochs]
+    names = dict.fromkeys(name for each in every for name in each)
+    return [{**names, **each} for each in every]

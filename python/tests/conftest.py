@@ -6,7 +6,7 @@ from pathlib import Path
 import numpy as np
 import pytest
 
-from corvantis.library import find_library
+from corvantis.library import library
 
 
 @pytest.fixture(scope="session")
@@ -35,4 +35,4 @@ def logged(recorded):
 @pytest.fixture(scope="session")
 def build():
     """The folder that the library was built in."""
-    return Path(find_library()._name).resolve().parent.parent
+    return Path(library()._name).resolve().parent.parent

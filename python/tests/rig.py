@@ -3,27 +3,41 @@
 In a process of its own, for the library has one state. FILE.npz gets what was played and acquired.
 """
 import ctypes
+import os
 import random
 import sys
 
 import numpy as np
 
 from corvantis import stimuli
-from corvantis.records import EpochHeader
-from corvantis.layout import structure_of
-from corvantis.library import find_library
+from corvantis.interface import EPOCH_HEADER, TEXT
+from corvantis.records import fields_of
 
 # Where the library's name of a builder differs from the package's name of the stimulus.
 RENAMED = {stimuli.AlternatingVoltage: "AltVoltage", stimuli.TriggerSeries: "TrigSeries",
            stimuli.FileWave: "Filewave", stimuli.DynamicClamp: "GClamp"}
 CAPACITY = 200_000
+KINDS = ctypes.c_int8, ctypes.c_uint16, ctypes.c_int32, ctypes.c_uint32, ctypes.c_float
+
+
+def structure_of(record):
+    """A header or stimulus record as C has it in memory."""
+    def kind(field):
+        one = ctypes.c_char * field.size if field.kind == TEXT else KINDS[field.kind]
+        return one * field.count if field.count > 1 else one
+    return type("Record", (ctypes.Structure,), {
+        "_fields_": [(name, kind(field)) for name, field in fields_of(record).items()]})
+
+
+HEADER = structure_of(EPOCH_HEADER)
 
 
 class Rig:
     """The library started with the simulated interface, writing one file."""
 
     def __init__(self, path):
-        self.lib, self.simulator = find_library(), ctypes.CDLL("libITC18.so.1")
+        self.lib = ctypes.CDLL(os.environ["CORVANTIS_LIBRARY"])
+        self.simulator = ctypes.CDLL("libITC18.so.1")
         self.buffers = [np.zeros(CAPACITY, dtype=np.int16) for _ in range(2)]
         self.addresses = [ctypes.c_void_p(buffer.ctypes.data) for buffer in self.buffers]
         self.log = {}
@@ -40,7 +54,7 @@ class Rig:
 
     @property
     def header(self):
-        return structure_of(EpochHeader).from_address(self.pointer("epochhdr").value)
+        return HEADER.from_address(self.pointer("epochhdr").value)
 
     def install(self, slot, stimulus, verb=""):
         name = RENAMED.get(type(stimulus), type(stimulus).__name__)
@@ -64,7 +78,7 @@ class Rig:
         if isinstance(stimulus, stimuli.DynamicClamp):
             self.pointer("ExcitatoryG").value = stimulus.excitatory.ctypes.data
             self.pointer("InhibitoryG").value = stimulus.inhibitory.ctypes.data
-        structure = structure_of(type(stimulus)).from_buffer(block)
+        structure = structure_of(stimulus.type).from_buffer(block)
         for name, *_ in structure._fields_:
             setattr(structure, name, getattr(stimulus, name))
         return block
@@ -177,6 +191,12 @@ def odd(rig):
     rig.epoch([pulse(100)], epochComment="Ω $\\frac{$".encode("mac_roman"),
               ampGain=[1.0], inputUnits=[b"$\\frac{$"], epochTime=float("nan"))
     rig.epoch([], points=1, computed=False, sequenceLength=0, epochPoints=2**31 - 1)
+
+
+def growing(rig):
+    """Many epochs, for those who read meanwhile."""
+    for number in range(300):
+        rig.epoch([pulse(10 * number)], epochTime=number)
 
 
 def empty(rig):

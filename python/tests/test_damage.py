@@ -1,4 +1,4 @@
-"""Files that cannot be read, or not wholly: errors that name the file, and nothing wrong read."""
+"""Files that are damaged, cut off or not ours: errors that say where, and nothing wrong read."""
 import contextlib
 import os
 
@@ -6,6 +6,9 @@ import numpy as np
 import pytest
 
 import corvantis
+from corvantis import commands
+from corvantis.neo import CorvantisIO
+from corvantis.plotting import plot_epochs
 
 EPOCH = 912 + 32 + 8000     # bytes of each epoch of "steps"
 
@@ -17,55 +20,97 @@ def changed(source, target, place, *values):
     return target
 
 
-def test_errors_name_code_meaning_and_file(recorded, tmp_path):
+def test_what_cannot_be_opened_is_refused_with_code_meaning_and_file(recorded, tmp_path):
     newer = changed(recorded("steps"), tmp_path / "newer.dat", 0, 9)
+    foreign = {tmp_path / "text.dat": b"Dear diary, " * 999, tmp_path / "none.dat": b"",
+               tmp_path / "picture.dat": b"\x89PNG\r\n\x1a\n" + bytes(5000)}
+    for path, content in foreign.items():
+        path.write_bytes(content)
     os.mkfifo(tmp_path / "pipe")
-    for path, code in ((newer, 9), (tmp_path, 7), (tmp_path / "missing.dat", 7),
-                       (tmp_path / "pipe", 7), (f"{newer}\0", 7), (tmp_path / "\ud800", 7)):
+    for path, codes in ((newer, [9]), (tmp_path, [7]), (tmp_path / "missing.dat", [7]),
+                        (tmp_path / "pipe", [7]), (f"{newer}\0", [7]), (tmp_path / "\ud800", [7]),
+                        *((path, [7, 9, 10]) for path in foreign)):
         with pytest.raises(corvantis.CorvantisError) as caught:
             corvantis.open(path)
-        assert caught.value.code == code and caught.value.filename == str(path)
+        assert caught.value.code in codes and caught.value.filename == str(path)
         shown = str(caught.value)
-        assert str(tmp_path) in shown and caught.value.meaning in shown and shown.isprintable()
+        assert str(tmp_path) in shown and shown.isprintable() and caught.value.meaning
+    for command in (commands.plot, commands.families):
+        assert command([str(tmp_path / "text.dat"), "-o", str(tmp_path / "a.png")]) == 2
 
 
-# A stimulus type that does not exist, and lengths that are too large, negative or lead astray.
-@pytest.mark.parametrize("place, values", [(605, (99,)), (576, (0x7f, 0xff, 0xff, 0xff)),
-                                           (576, (0xff, 0, 0, 0)), (576, (0, 1, 0, 0))])
-def test_epochs_around_a_damaged_one_stay_readable(place, values, recorded, logged, tmp_path):
-    path = changed(recorded("steps"), tmp_path / "damaged.dat", 580 + EPOCH + place, *values)
-    with corvantis.open(path) as recording, pytest.warns(corvantis.CorvantisWarning,
-                                                         match="damaged epochs: 1"):
+def test_samples_beside_a_stimulus_that_does_not_exist_are_read(recorded, logged, tmp_path):
+    path = changed(recorded("steps"), tmp_path / "type.dat", 580 + EPOCH + 605, 99)
+    with corvantis.open(path) as recording:
+        epoch = recording.epochs[1]
+        np.testing.assert_array_equal(epoch.raw, logged("steps")[1][0])
+        assert [each.name for each in epoch.stimuli] == ["unreadable"] and not epoch.is_damaged
+        with pytest.raises(corvantis.CorvantisError, match="99") as caught:
+            epoch.stimulus
+        assert caught.value.code == 2 and "99" in recording.findings[0].found
+
+
+# Lengths that are too large, negative or lead astray.
+@pytest.mark.parametrize("values", [(0x7f, 0xff, 0xff, 0xff), (0xff, 0, 0, 0), (0, 1, 0, 0)])
+def test_programs_go_past_a_damaged_epoch(values, recorded, logged, tmp_path, capsys):
+    path = changed(recorded("steps"), tmp_path / "damaged.dat", 580 + EPOCH + 576, *values)
+    with corvantis.open(path) as recording:
+        assert [epoch.is_damaged for epoch in recording.epochs] == [False, True, False]
         for number in (0, 2):
             np.testing.assert_array_equal(recording.epochs[number].raw, logged("steps")[number][0])
-        with pytest.raises(corvantis.CorvantisError, match="epoch 1"):
-            recording.epochs[1]
+        damaged = recording.epochs[1]
+        for wanted in ("raw", "stimulus", "temperature", "stimuli", "units", "time"):
+            with pytest.raises(corvantis.CorvantisError, match="epoch 1") as caught:
+                getattr(damaged, wanted)
+            assert caught.value.code == 11 and str(path) in str(caught.value)
+        assert str(path) in damaged.problem and "damaged" in repr(damaged)
+        rows = recording.to_dataframe()
+        assert rows["problem"].tolist() == ["", damaged.problem, ""]
+        assert rows["time"].tolist()[::2] == [0, 1]
+        columns = recording.columns("temperature", "sequenceLength")
+        assert columns.tolist() == [(6.25, 1, False), (0, 0, True), (6.25, 1, False)]
+        assert any(each.weight == corvantis.Weight.FAULT and each.epoch == 1
+                   for each in recording.findings)
+        with pytest.warns(corvantis.CorvantisWarning, match="epoch 1"):
+            assert len(plot_epochs(recording).legends[0].get_texts()) == 2
+    with pytest.warns(corvantis.CorvantisWarning, match="epoch 1"):
+        segments = CorvantisIO(path).read_block().segments
+    assert [len(each.analogsignals) for each in segments] == [2, 0, 2]
+    assert segments[1].annotations["problem"] == damaged.problem
+    for command, output in ((commands.plot, "a.png"), (commands.families, "a.csv")):
+        assert command([str(path), "-o", str(tmp_path / output)]) == 1
+        said = capsys.readouterr().err.splitlines()
+        assert len(said) == 1 and said[0].startswith("corvantis ") and "epoch 1" in said[0]
+        assert (tmp_path / output).exists()
 
 
-@pytest.mark.filterwarnings("ignore::corvantis.CorvantisWarning")
-def test_any_damaged_byte_and_any_end_is_survived(recorded, tmp_path):
-    """Reading ends with values or with the package's own error."""
+def test_any_damaged_byte_and_any_end_is_survived(recorded, logged, tmp_path):
+    """Reading ends with values or with the package's own error, and what is whole is read."""
     source, path = recorded("steps"), tmp_path / "byte.dat"
     for place in [*range(520, 600, 3), *range(580 + 560, 580 + 912 + 32, 5)]:
         changed(source, path, place, 0xff)
         with contextlib.suppress(corvantis.CorvantisError), corvantis.open(path) as recording:
             for epoch in recording.epochs:
-                epoch.response, epoch.stimuli, epoch.stimulus
-    for size in range(0, source.stat().st_size, 997):
+                with contextlib.suppress(corvantis.CorvantisError):
+                    epoch.response, epoch.stimuli, epoch.stimulus
+    for size in range(580, source.stat().st_size, 997):
         path.write_bytes(source.read_bytes()[:size])
-        with pytest.raises(corvantis.CorvantisError):
-            corvantis.open(path).epochs[2].raw
+        with corvantis.open(path) as recording:
+            whole = min((size - 580) // EPOCH, 3)
+            for number in range(whole):
+                np.testing.assert_array_equal(recording.epochs[number].raw,
+                                              logged("steps")[number][0])
+            assert all(epoch.is_damaged for epoch in recording.epochs[whole:])
 
 
 def test_epochs_and_points_that_are_not_there(recorded, tmp_path):
-    # More epochs announced, as in a second file that was made in one run of the rig's program.
-    path = changed(recorded("steps"), tmp_path / "second.dat", 539, 5)
-    path.write_bytes(path.read_bytes() + b"\x00\x00\x7f\x00\x00\x00\x7f\x00")
-    with corvantis.open(path) as recording, pytest.warns(corvantis.CorvantisWarning,
-                                                         match="5 epochs announced, 3 found"):
-        assert len(recording.epochs) == 3
+    path = changed(recorded("steps"), tmp_path / "more.dat", 536, 0, 0, 0, 4)
+    with corvantis.open(path) as recording:
+        assert [epoch.is_damaged for epoch in recording.epochs[:3]] == [False] * 3
+        assert all(epoch.is_damaged for epoch in recording.epochs[3:])
     with corvantis.open(recorded("empty")) as recording:
         assert len(recording.epochs) == len(recording.table()) == len(recording.to_dataframe()) == 0
+        assert len(recording.columns()) == len(recording.counts()) == 0
     with corvantis.open(recorded("odd")) as recording:
         for epoch in (recording.epochs[0], recording.epochs[3]):
             assert epoch.raw.size == epoch.response.size == epoch.stimulus.size == 0

@@ -3,13 +3,13 @@ import math
 import random
 import re
 import struct
-import subprocess
+import warnings
 
 import numpy as np
 import pytest
 
 import corvantis
-from corvantis import stimuli
+from corvantis import DoubtReason, stimuli
 from corvantis.neo import CorvantisIO
 
 
@@ -24,35 +24,31 @@ def test_samples_are_what_was_acquired_and_played(recipe, recorded, logged):
             np.testing.assert_array_equal(epoch.raw_stimulus, played)
             signals = np.hstack([each.load().magnitude for each in segment.analogsignals])
             np.testing.assert_array_equal(signals, np.hstack([epoch.response, epoch.stimulus]))
+            for read, counts, values in ((epoch.read, acquired, epoch.response),
+                                         (epoch.read_stimulus, played, epoch.stimulus)):
+                np.testing.assert_array_equal(read(7, 50, raw=True), counts[7:57])
+                np.testing.assert_array_equal(read(100, entry=0), values[100:, 0])
 
 
 # Of each file the first noise continues what the library was loaded with, but for seed 0.
-@pytest.mark.filterwarnings("ignore:.*before the file:corvantis.CorvantisWarning")
 @pytest.mark.parametrize("recipe", ["history-0", "history-7", "history-9", "history-5-4"])
 def test_noise_is_as_played_in_whatever_order(recipe, recorded, logged):
     played = [pair[1] for pair in logged(recipe)]
-    for order in (range(41), range(40, -1, -1), random.Random(1).choices(range(41), k=80)):
-        with corvantis.open(recorded(recipe)) as recording:
-            for number in order:
-                np.testing.assert_array_equal(recording.epochs[number].raw_stimulus, played[number])
-
-
-# Each epoch alone. In "unstored", noise behind a sum that nobody can compute again.
-@pytest.mark.parametrize("recipe, epochs", [("history-0", 41), ("history-7", 41),
-                                            ("history-9", 41), ("unstored", 8)])
-def test_the_tool_exports_what_was_acquired_and_played(recipe, epochs, recorded, logged, build,
-                                                       tmp_path):
-    messages, table = b"", tmp_path / "epoch.npy"
-    for number, samples in enumerate(logged(recipe)[:epochs]):
-        messages += subprocess.run(
-            [build / "tools/corvantis", "export", recorded(recipe), "-e", str(number), "--raw",
-             "--stimulus", "--force", "-o", table], capture_output=True).stderr
-        exported = np.load(table)
-        np.testing.assert_allclose(exported[:, 0], np.arange(len(exported)) * 100e-6)
-        unknown = np.isnan(exported[:, 1:])
-        np.testing.assert_array_equal(exported[:, 1:][~unknown], np.hstack(samples)[~unknown])
-        assert recipe == "unstored" or not unknown.any()
-    assert b"an earlier epoch left" in messages
+    with warnings.catch_warnings(record=True) as said:
+        warnings.simplefilter("always")
+        for order in (range(41), range(40, -1, -1), random.Random(1).choices(range(41), k=80)):
+            with corvantis.open(recorded(recipe)) as recording:
+                for number in order:
+                    np.testing.assert_array_equal(recording.epochs[number].raw_stimulus,
+                                                  played[number])
+                doubts = [epoch.doubt for epoch in recording.epochs]
+    reasons = [doubt.reason if doubt else DoubtReason.NONE for doubt in doubts]
+    if recipe == "history-5-4":
+        assert reasons[0] == DoubtReason.OLD_GENERATOR
+    elif recipe != "history-0":
+        assert reasons[0] == DoubtReason.BEGAN_BEFORE_FILE
+        assert doubts[0].text in str(said[0].message)
+        assert issubclass(said[0].category, corvantis.CorvantisWarning)
 
 
 def test_what_the_file_does_not_hold(recorded, logged):
@@ -64,16 +60,40 @@ def test_what_the_file_does_not_hold(recorded, logged):
             if epoch.number in (1, 3, 5, 7):
                 np.testing.assert_array_equal(epoch.raw_stimulus, played)
         assert epochs[4].stimuli[0].tripleB == (7, 8, 9)
-        with pytest.raises(corvantis.CorvantisError, match="entry 0 is a sum"):
-            epochs[6].raw_stimulus
-        with pytest.raises(corvantis.CorvantisError, match="entry 0 is a generic") as caught:
-            epochs[8].stimulus
-        assert caught.value.code == 2
-        with pytest.warns(corvantis.CorvantisWarning, match="epoch 8 cannot be recomputed"):
+        for number, words in ((6, "sum"), (8, "generic")):
+            with pytest.raises(corvantis.CorvantisError, match=words) as caught:
+                epochs[number].stimulus
+            assert caught.value.code == 2
+        assert epochs[9].doubt.reason == DoubtReason.BEHIND_UNKNOWN
+        with pytest.warns(corvantis.CorvantisWarning, match="epoch 9"):
             epochs[9].raw_stimulus
-    with corvantis.open(recorded("history-9")) as recording:
-        with pytest.warns(corvantis.CorvantisWarning, match="before the file's first"):
-            recording.epochs[0].raw_stimulus
+
+
+def test_many_epochs_at_once(recorded, logged):
+    with corvantis.open(recorded("steps")) as recording:
+        acquired = np.stack([pair[0] for pair in logged("steps")])
+        np.testing.assert_array_equal(recording.counts(), acquired)
+        np.testing.assert_array_equal(recording.counts(recording.epochs[::-1], entry=0),
+                                      acquired[::-1, :, 0])
+        np.testing.assert_array_equal(recording.responses([1])[0], recording.epochs[1].response)
+        columns = recording.columns("epochTime", "epochComment", "userValue", "inputUnits")
+        assert columns["epochTime"].tolist() == [0, 0.5, 1] and not columns["missing"].any()
+        assert columns["epochComment"].tolist() == ["step 0", "step 1", "step 2"]
+        assert columns["userValue"][:, :3].tolist() == [[1.5, -2, 0]] * 3
+        assert columns["inputUnits"][2].tolist() == ["mV"] * 4
+        assert recording.columns("epochTime", first=1, count=1).tolist() == [(0.5, False)]
+        every = recording.columns()
+        for name in every.dtype.names[:-1]:
+            value = getattr(recording.epochs[0], name)
+            np.testing.assert_array_equal(every[name][0], value)
+        for wrong, error in ((lambda: recording.columns("noSuchField"), KeyError),
+                             (lambda: recording.columns(first=2, count=2), IndexError),
+                             (lambda: recording.epochs[0].read(3990, 11), IndexError),
+                             (lambda: recording.epochs[0].read(entry=1), IndexError)):
+            with pytest.raises(error):
+                wrong()
+    with corvantis.open(recorded("types")) as recording, pytest.raises(ValueError, match="shapes"):
+        recording.counts()
 
 
 def test_epochs_are_a_lazy_sequence_of_physical_units_and_header_fields(recorded):
@@ -83,7 +103,6 @@ def test_epochs_are_a_lazy_sequence_of_physical_units_and_header_fields(recorded
         with pytest.raises(IndexError):
             epochs[3]
         epoch = epochs[-1]
-        assert "raw" not in vars(epoch) and "stimuli" not in vars(epoch)
         assert not epoch.raw.flags.writeable and epoch.response.shape == (4000, 1)
         assert epoch.units.response == ("mV",) and epoch.units.stimulus == ("pA",)
         assert epoch.response[0, 0] == pytest.approx(-65, abs=0.05)     # resting potential

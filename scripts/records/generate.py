@@ -1,8 +1,8 @@
 """Makes of the library's description of its records what others say of them.
 
 generate.py DESCRIBE [--check]: DESCRIBE is the program that prints the description. Writes
-python/corvantis/records.py and examples/StimulusNames.h, and holds docs/file-format.md and the
-comments of Corvantis.h against it. With --check nothing is written: what is not current is named.
+examples/StimulusNames.h, and holds docs/file-format.md and the comments of Corvantis.h against it.
+With --check nothing is written: what is not current is named.
 """
 from __future__ import annotations
 
@@ -15,78 +15,7 @@ from typing import Any
 
 ROOT = Path(__file__).resolve().parents[2]
 NOTE = "Made by scripts/records from the library; do not edit."
-PYTHON_KINDS = {"i8": "Int8", "u16": "UInt16", "i32": "Int32", "u32": "UInt32", "f32": "Float"}
 Described = dict[str, Any]
-
-
-def class_name(name: str) -> str:
-    return "".join(word.capitalize() for word in name.split())
-
-
-def python_type(field: Described) -> str:
-    """The name of a field's annotation in layout.py."""
-    if field["kind"] == "text":
-        return "Comment" if field["count"] == 1 else f"Units{field['count']}"
-    kind = PYTHON_KINDS[field["kind"]]
-    return kind if field["count"] == 1 else f"{kind}s{field['count']}"
-
-
-def python_fields(fields: list[Described]) -> list[str]:
-    lines = []
-    for field in fields:
-        unit = f" [{field['unit']}]" if field["unit"] else ""
-        declared = f"    {field['name']}: {python_type(field)}"
-        comment = f"#: {field['meaning']}{unit}"
-        one = f"{declared}  {comment}"
-        lines += [one] if len(one) <= 100 else [f"    {comment}", declared]
-    return lines
-
-
-def python_class(name: str, base: str, doc: str, body: list[str]) -> list[str]:
-    return ["", "", "@dataclass(frozen=True)", f"class {name}{base}:", f'    """{doc}"""', "",
-            *body]
-
-
-def python_source(described: Described) -> str:
-    headers: list[str] = []
-    for name, doc in (("FileHeader", "Header of the data file."),
-                      ("EpochHeader", "Header of one epoch; arrays of four are by entry.")):
-        headers += python_class(name, "", doc, python_fields(described[name]))
-    classes: list[str] = []
-    for each in described["types"]:
-        facts = [f"    type, name = {each['code']}, \"{each['name']}\"",
-                 f"    computed = {each['computed']}", f"    caveat = \"{each['caveat']}\""]
-        doc = f"The {each['name']} stimulus' record."
-        classes += python_class(class_name(each["name"]), "(Stimulus)", doc,
-                                facts + python_fields(each["fields"]))
-    used = sorted({python_type(field) for fields in
-                   (described["FileHeader"], described["EpochHeader"],
-                    *(each["fields"] for each in described["types"])) for field in fields})
-    imports = ["from .layout import (" + ", ".join(used) + ")"]
-    base = python_class("Stimulus", "", "What every stimulus has.", [
-        "    type: ClassVar[int]      #: code", "    name: ClassVar[str]",
-        "    computed: ClassVar[bool]  #: whether the library computes it from what is on file",
-        "    caveat: ClassVar[str]    #: why what is computed is not what was played, or empty"])
-    every = ", ".join(class_name(each["name"]) for each in described["types"])
-    head = [f'"""Headers and stimulus records. {NOTE}"""', "from dataclasses import dataclass",
-            "from typing import ClassVar", "", *imports]
-    sizes = ["", f"FILE_HEADER_BYTES = {described['FileHeaderBytes']}",
-             f"EPOCH_HEADER_BYTES = {described['EpochHeaderBytes']}"]
-    tail = ["", "", "ALL: tuple[type[Stimulus], ...] = (", f"    {every})"]
-    return "\n".join(wrap(line) for line in head + sizes + headers + base + classes + tail) + "\n"
-
-
-def wrap(line: str) -> str:
-    """A long list of names broken where the line is full."""
-    if len(line) <= 100:
-        return line
-    indent = " " * (line.index("(") + 1 if "(" in line else 4)
-    lines, rest = [], line
-    while len(rest) > 100:
-        cut = rest.rindex(", ", 0, 100) + 1
-        lines.append(rest[:cut])
-        rest = indent + rest[cut + 1:]
-    return "\n".join([*lines, rest])
 
 
 def names_header(described: Described) -> str:
@@ -177,8 +106,7 @@ def check_header(described: Described) -> list[str]:
 def main() -> int:
     described = json.loads(subprocess.run([sys.argv[1]], check=True, capture_output=True).stdout)
     problems = check_document(described) + check_header(described)
-    made = {"python/corvantis/records.py": python_source(described),
-            "examples/StimulusNames.h": names_header(described)}
+    made = {"examples/StimulusNames.h": names_header(described)}
     for name, text in made.items():
         path = ROOT / name
         if path.exists() and path.read_text(encoding="utf-8") == text:

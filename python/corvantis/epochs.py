@@ -1,0 +1,84 @@
+"""The epochs of a recording, a lazy sequence."""
+from __future__ import annotations
+
+import warnings
+from collections.abc import Iterable, Iterator, Sequence
+from typing import TYPE_CHECKING, overload
+
+from .epoch import Epoch
+from .errors import CorvantisWarning
+
+if TYPE_CHECKING:
+    from .recording import Recording
+
+FIRST_GLANCE, LARGEST_GLANCE = 16, 4096     # epochs whose shapes are read at once
+
+
+class Epochs(Sequence[Epoch]):
+    """Epochs of a recording by number, from 0; a slice is such a sequence again.
+
+    All that the file counts are there, also damaged ones (`Epoch.is_damaged`), so that numbers stay
+    what they are. Nothing of an epoch is read before it is asked for.
+    """
+
+    def __init__(self, recording: Recording, numbers: Sequence[int] | None = None) -> None:
+        self._recording = recording
+        self._chosen = numbers
+
+    @property
+    def numbers(self) -> Sequence[int]:
+        """The epochs' numbers in the recording."""
+        if self._chosen is None:
+            return range(self._recording.handle.epochs())
+        return self._chosen
+
+    def __len__(self) -> int:
+        return len(self.numbers)
+
+    @overload
+    def __getitem__(self, index: int) -> Epoch: ...
+
+    @overload
+    def __getitem__(self, index: slice) -> Epochs: ...
+
+    def __getitem__(self, index: int | slice) -> Epoch | Epochs:
+        if isinstance(index, slice):
+            return Epochs(self._recording, self.numbers[index])
+        return Epoch(self._recording, self.numbers[index])
+
+    def __iter__(self) -> Iterator[Epoch]:
+        numbers = self.numbers
+        if not isinstance(numbers, range) or numbers.step != 1:
+            return (Epoch(self._recording, number) for number in numbers)
+        return self._in_order(numbers)
+
+    def _in_order(self, numbers: range) -> Iterator[Epoch]:
+        """Neighbours, with their shapes, which are read of many at once."""
+        recording, glance = self._recording, FIRST_GLANCE
+        while numbers:
+            near, numbers = numbers[:glance], numbers[glance:]
+            shapes = recording.columns("epochPoints", "sequenceLength", first=near.start,
+                                       count=len(near)).tolist()
+            for number, (points, entries, missing) in zip(near, shapes):
+                epoch = Epoch(recording, number)
+                if not missing:
+                    epoch._shape = points, entries
+                yield epoch
+            glance = min(2 * glance, LARGEST_GLANCE)
+
+    def __repr__(self) -> str:
+        return f"<{len(self)} epochs of {self._recording.path}>"
+
+    def __reduce__(self) -> tuple[object, ...]:
+        return Epochs, (self._recording, self._chosen)
+
+
+def undamaged(epochs: Iterable[Epoch]) -> list[Epoch]:
+    """The epochs that can be read, with a CorvantisWarning for each of the others."""
+    readable = []
+    for epoch in epochs:
+        if epoch.problem is None:
+            readable.append(epoch)
+        else:
+            warnings.warn(epoch.problem, CorvantisWarning, stacklevel=3)
+    return readable

@@ -1,0 +1,143 @@
+"""What CorvantisReading.h declares, for ctypes: codes, structures and the functions' arguments."""
+from __future__ import annotations
+
+import ctypes
+from ctypes import c_char, c_char_p, c_double, c_int32, c_int64, c_uint8, c_void_p
+from enum import IntEnum
+
+NO_STIMULUS, BAD_ARGUMENT, FILE_ERROR, DAMAGED, CHANGED = 2, 6, 7, 11, 12
+ENTRIES, FILE_HEADER_SIZE, EPOCH_HEADER_SIZE, RECORD_SIZE = 4, 580, 912, 64
+ALL_ENTRIES = OWN_RECORD = -1
+FILE_HEADER, EPOCH_HEADER = -1, 0
+INT8, UINT16, INT32, UINT32, FLOAT, TEXT = range(6)
+EXCITATORY, INHIBITORY = 0, 1
+RESPONSE, STIMULUS = 0, 1
+DIGITAL_INPUT, DIGITAL_OUTPUT = 8, 4
+
+
+class Weight(IntEnum):
+    """How much a finding matters."""
+
+    NOTE = 0    #: worth knowing, nothing is wrong
+    DOUBT = 1   #: can be read in two ways
+    FAULT = 2   #: damage
+
+
+class DoubtReason(IntEnum):
+    """Why a computed stimulus may not be what was played."""
+
+    NONE = 0                #: the file determines it
+    RESTS_ON_ORDER = 1      #: right if each epoch was computed once, in the file's order
+    BEGAN_BEFORE_FILE = 2   #: its noise goes on behind what was computed before the first epoch
+    BEHIND_UNKNOWN = 3      #: its noise goes on behind an epoch that cannot be computed
+    OLD_GENERATOR = 4       #: its noise came from the recording machine's own generator
+    FOLLOWED_CELL = 5       #: what was played followed the cell
+
+
+class Problem(ctypes.Structure):
+    """What went wrong."""
+
+    _fields_ = [("code", c_int32), ("offset", c_int64), ("text", c_char * 504)]
+
+
+SIZE = ctypes.CFUNCTYPE(c_int64, c_void_p)
+READ = ctypes.CFUNCTYPE(c_int64, c_void_p, c_int64, c_void_p, c_int64)
+
+
+class SourceFunctions(ctypes.Structure):
+    """Where bytes come from, if not from a file."""
+
+    _fields_ = [("context", c_void_p), ("size", SIZE), ("read", READ), ("close", c_void_p)]
+
+
+class RecordingInfo(ctypes.Structure):
+    """What is known of a recording as a whole."""
+
+    _fields_ = [("size", c_int64), ("epochs", c_int64), ("tablePosition", c_int64),
+                ("version", c_int32), ("found", c_int32)]
+
+
+class FindingRecord(ctypes.Structure):
+    """Something in the file that is not as it should be."""
+
+    _fields_ = [("offset", c_int64), ("epoch", c_int64), ("weight", c_int32),
+                ("place", c_char * 64), ("found", c_char * 224), ("expected", c_char * 224)]
+
+
+class FieldRecord(ctypes.Structure):
+    """One field of a record."""
+
+    _fields_ = [("name", c_char_p), ("unit", c_char_p), ("meaning", c_char_p), ("kind", c_int32),
+                ("size", c_int32), ("count", c_int32), ("place", c_int32)]
+
+
+class TypeInfo(ctypes.Structure):
+    """What is known of a stimulus type."""
+
+    _fields_ = [("name", c_char_p), ("caveat", c_char_p), ("size", c_int32),
+                ("isComputed", c_int32)]
+
+
+class Column(ctypes.Structure):
+    """A field of the epoch header and where its values go."""
+
+    _fields_ = [("field", c_void_p), ("values", c_void_p), ("stride", c_int64)]
+
+
+class EpochInfo(ctypes.Structure):
+    """Where an epoch lies, and what there is to be had of it."""
+
+    _fields_ = [("start", c_int64), ("samples", c_int64), ("end", c_int64), ("points", c_int32),
+                ("entries", c_int32), ("samplingInterval", c_int32),
+                ("stimulusTypes", c_int32 * ENTRIES), ("inputs", c_int32 * ENTRIES),
+                ("outputs", c_int32 * ENTRIES)]
+
+
+class StimulusRecord(ctypes.Structure):
+    """A stimulus record of any type."""
+
+    _fields_ = [("type", c_int32), ("components", c_int32), ("isThere", c_int32),
+                ("record", c_uint8 * RECORD_SIZE)]
+
+
+class DoubtRecord(ctypes.Structure):
+    """A doubt about a computed stimulus."""
+
+    _fields_ = [("reason", c_int32), ("epoch", c_int64), ("text", c_char * 248)]
+
+
+class ScaleInfo(ctypes.Structure):
+    """From counts to units."""
+
+    _fields_ = [("countsPerVolt", c_double), ("gain", c_double), ("factor", c_double),
+                ("isWord", c_int32), ("unit", c_char * 60), ("formula", c_char * 192)]
+
+
+_SAMPLES = (c_void_p, c_int64, c_int32, c_int64, c_int64, c_void_p, c_int64)
+#: Arguments of each function; all but two return a result code.
+FUNCTIONS: dict[str, tuple[type, ...]] = {
+    "CorvantisOpen": (c_char_p, c_void_p, c_void_p),
+    "CorvantisOpenSource": (c_void_p, c_char_p, c_void_p, c_void_p),
+    "CorvantisRefresh": (c_void_p, c_void_p),
+    "CorvantisClose": (c_void_p,),
+    "CorvantisInfo": (c_void_p, c_void_p),
+    "CorvantisEpochs": (c_void_p,),
+    "CorvantisFindings": (c_void_p, c_void_p, c_void_p),
+    "CorvantisGetFinding": (c_void_p, c_int64, c_void_p),
+    "CorvantisFields": (c_int32, c_void_p, c_void_p),
+    "CorvantisType": (c_int32, c_void_p),
+    "CorvantisFileHeader": (c_void_p, c_void_p),
+    "CorvantisEpochHeader": (c_void_p, c_int64, c_void_p, c_void_p),
+    "CorvantisColumns": (c_void_p, c_int64, c_int64, c_void_p, c_int32, c_void_p, c_void_p),
+    "CorvantisEpoch": (c_void_p, c_int64, c_void_p, c_void_p),
+    "CorvantisParameters": (c_void_p, c_int64, c_int32, c_int32, c_void_p, c_void_p),
+    "CorvantisCounts": (*_SAMPLES, c_void_p),
+    "CorvantisValues": (*_SAMPLES, c_void_p),
+    "CorvantisConductance": (c_void_p, c_int64, c_int32, c_int32, c_int64, c_int64, c_void_p,
+                             c_void_p),
+    "CorvantisStimulus": (*_SAMPLES, c_void_p, c_void_p),
+    "CorvantisStimulusValues": (*_SAMPLES, c_void_p, c_void_p),
+    "CorvantisScale": (c_void_p, c_int64, c_int32, c_int32, c_void_p, c_void_p),
+    "CorvantisText": (c_char_p, c_int32, c_void_p, c_int32),
+}
+OTHER_RESULTS: dict[str, type | None] = {"CorvantisEpochs": c_int64, "CorvantisClose": None}

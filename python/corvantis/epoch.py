@@ -147,8 +147,8 @@ class Epoch:
     def raw(self) -> Counts:
         """Acquired samples, shape (points, entries) [signed converter counts], read-only."""
         counts = np.empty(self._shape, np.int16)
-        handle = self.recording.handle
-        fill(handle, handle.library.CorvantisCounts, self.number, counts)
+        if counts.size:
+            self.recording.handle.counts_of(self.number, counts)
         counts.setflags(write=False)
         return counts
 

@@ -13,9 +13,6 @@ from .interface import ALL_ENTRIES
 if TYPE_CHECKING:
     from .epoch import Epoch
 
-_first_byte = ctypes.c_char.from_buffer
-_address = ctypes.addressof
-
 
 def room(shape: tuple[int, int], first: int, count: int | None, entry: int | None,
          raw: bool) -> Any:
@@ -39,7 +36,7 @@ def fill(handle: Handle, function: Function, epoch: int, values: Any, entry: int
     """Have one of the library's functions fill an array with an epoch's points."""
     if values.size:
         handle.call(function, epoch, ALL_ENTRIES if entry is None else entry, first, len(values),
-                    _address(_first_byte(values)), 0, *doubt)
+                    ctypes.addressof(ctypes.c_char.from_buffer(values)), 0, *doubt)
 
 
 def stacked(epochs: Sequence[Epoch], function: Function, entry: int | None, raw: bool) -> Any:

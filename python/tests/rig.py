@@ -199,7 +199,7 @@ def growing(rig):
         rig.epoch([pulse(10 * number)], epochTime=number)
 
 
-def empty(rig):
+def empty(_):
     """A file without epochs."""
 
 

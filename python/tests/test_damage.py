@@ -88,25 +88,23 @@ def test_any_damaged_byte_and_any_end_is_survived(recorded, logged, tmp_path):
     """Reading ends with values or with the package's own error, and what is whole is read."""
     source, path = recorded("steps"), tmp_path / "byte.dat"
     for place in [*range(520, 600, 3), *range(580 + 560, 580 + 912 + 32, 5)]:
-        changed(source, path, place, 0xff)
-        with contextlib.suppress(corvantis.CorvantisError), corvantis.open(path) as recording:
-            for epoch in recording.epochs:
+        with contextlib.suppress(corvantis.CorvantisError):
+            for epoch in corvantis.open(changed(source, path, place, 0xff)).epochs:
                 with contextlib.suppress(corvantis.CorvantisError):
                     epoch.response, epoch.stimuli, epoch.stimulus
     for size in range(580, source.stat().st_size, 997):
         path.write_bytes(source.read_bytes()[:size])
         with corvantis.open(path) as recording:
             whole = min((size - 580) // EPOCH, 3)
-            for number in range(whole):
-                np.testing.assert_array_equal(recording.epochs[number].raw,
-                                              logged("steps")[number][0])
+            for epoch, (acquired, _) in zip(recording.epochs[:whole], logged("steps")):
+                np.testing.assert_array_equal(epoch.raw, acquired)
             assert all(epoch.is_damaged for epoch in recording.epochs[whole:])
 
 
 def test_epochs_and_points_that_are_not_there(recorded, tmp_path):
     path = changed(recorded("steps"), tmp_path / "more.dat", 536, 0, 0, 0, 4)
     with corvantis.open(path) as recording:
-        assert [epoch.is_damaged for epoch in recording.epochs[:3]] == [False] * 3
+        assert [epoch.is_damaged for epoch in recording.epochs][:3] == [False] * 3
         assert all(epoch.is_damaged for epoch in recording.epochs[3:])
     with corvantis.open(recorded("empty")) as recording:
         assert len(recording.epochs) == len(recording.table()) == len(recording.to_dataframe()) == 0

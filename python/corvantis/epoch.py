@@ -13,7 +13,7 @@ from .interface import (ALL_ENTRIES, DAMAGED, DIGITAL_INPUT, DIGITAL_OUTPUT, EPO
                         EPOCH_HEADER_SIZE, RESPONSE, STIMULUS, DoubtReason, DoubtRecord, EpochInfo)
 from .lazy import lazy
 from .records import Record, fields_of, header
-from .samples import fill, room
+from .samples import Neighbours, fill, room
 from .stimuli import Stimulus, read_stimulus, with_conductances
 from .units import Counts, Samples, Scale, Units, read_scale
 
@@ -47,6 +47,8 @@ class Epoch:
     Attributes:
         number: the epoch's number in its recording, from 0.
     """
+
+    _neighbours: Neighbours | None = None   # set by iteration
 
     def __init__(self, recording: Recording, number: int) -> None:
         self.recording = recording
@@ -146,9 +148,11 @@ class Epoch:
     @lazy
     def raw(self) -> Counts:
         """Acquired samples, shape (points, entries) [signed converter counts], read-only."""
-        counts = np.empty(self._shape, np.int16)
-        if counts.size:
-            self.recording.handle.counts_of(self.number, counts)
+        if self._neighbours is not None:
+            together = self._neighbours.counts(self.recording.handle, self.number)
+            if together is not None:
+                return together
+        counts: Counts = self.read(raw=True)
         counts.setflags(write=False)
         return counts
 

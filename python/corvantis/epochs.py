@@ -7,6 +7,7 @@ from typing import TYPE_CHECKING, overload
 
 from .epoch import Epoch
 from .errors import CorvantisWarning
+from .samples import SHAPE, Neighbours
 
 if TYPE_CHECKING:
     from .recording import Recording
@@ -57,12 +58,13 @@ class Epochs(Sequence[Epoch]):
         recording, glance = self._recording, FIRST_GLANCE
         while numbers:
             near, numbers = numbers[:glance], numbers[glance:]
-            shapes = recording.columns("epochPoints", "sequenceLength", first=near.start,
-                                       count=len(near)).tolist()
-            for number, (points, entries, missing) in zip(near, shapes):
+            rows = recording.columns(*SHAPE, first=near.start, count=len(near))
+            shapes = list(zip(*(rows[name].tolist() for name in SHAPE)))
+            neighbours = Neighbours(near.start, shapes)
+            for number, shape, missing in zip(near, shapes, rows["missing"].tolist()):
                 epoch = Epoch(recording, number)
                 if not missing:
-                    epoch._shape = points, entries
+                    epoch._shape, epoch._neighbours = shape, neighbours
                 yield epoch
             glance = min(2 * glance, LARGEST_GLANCE)
 

@@ -10,14 +10,11 @@ from collections.abc import Callable
 from typing import Any, BinaryIO
 
 from .errors import CorvantisError
-from .interface import ALL_ENTRIES, FILE_ERROR, EpochInfo, Problem
+from .interface import FILE_ERROR, EpochInfo, Problem
 from .library import library
 from .source import Source
 
 Function = Callable[..., int]
-
-_first_byte = ctypes.c_char.from_buffer
-_address = ctypes.addressof
 
 
 class _Problems(threading.local):
@@ -47,7 +44,6 @@ class Handle:
         self._pointer = ctypes.c_void_p()
         self.library = library()
         self._close = self.library.CorvantisClose
-        self._counts = self.library.CorvantisCounts
         self.name = name
         self._inside: set[object] = set()
         self._refreshing = False
@@ -125,21 +121,6 @@ class Handle:
                 code = self.library.CorvantisRefresh(self._pointer, _problems.address)
             finally:
                 self._refreshing = False
-        if code:
-            raise self._failure(code)
-
-    def counts_of(self, epoch: int, values: Any) -> None:
-        """All counts of an epoch, into an array of at least one. The same as `call` does, but in
-        one step less: a loop over a recording comes here for every epoch."""
-        token = object()
-        try:
-            self._inside.add(token)
-            if self._refreshing:
-                self._wait(token)
-            code = self._counts(self._pointer, epoch, ALL_ENTRIES, 0, len(values),
-                                _address(_first_byte(values)), 0, _problems.address)
-        finally:
-            self._inside.discard(token)
         if code:
             raise self._failure(code)
 

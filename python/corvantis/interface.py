@@ -133,6 +133,8 @@ FUNCTIONS: dict[str, tuple[type, ...]] = {
     "CorvantisParameters": (c_void_p, c_int64, c_int32, c_int32, c_void_p, c_void_p),
     "CorvantisCounts": (*_SAMPLES, c_void_p),
     "CorvantisValues": (*_SAMPLES, c_void_p),
+    "CorvantisManyCounts": (c_void_p, c_int64, c_int64, c_int32, c_int64, c_int64, c_void_p,
+                            c_int64, c_void_p, c_void_p),
     "CorvantisConductance": (c_void_p, c_int64, c_int32, c_int32, c_int64, c_int64, c_void_p,
                              c_void_p),
     "CorvantisStimulus": (*_SAMPLES, c_void_p, c_void_p),

@@ -4,7 +4,7 @@ from __future__ import annotations
 import ctypes
 import os
 import weakref
-from collections.abc import Iterable
+from collections.abc import Iterable, Sequence
 from dataclasses import dataclass
 from typing import TYPE_CHECKING, Any, BinaryIO, Union
 
@@ -163,16 +163,18 @@ class Recording:
         Returns:
             An array of shape (epochs, points, entries), or (epochs, points) of one entry.
         """
-        return stacked(self._chosen(epochs), self.handle.library.CorvantisCounts, entry, True)
+        return stacked(self.handle, self._numbers(epochs), entry, raw=True)
 
     def responses(self, epochs: Iterable[Epoch | int] | None = None,
                   entry: int | None = None) -> Any:
         """As `counts`, in the units that each epoch names."""
-        return stacked(self._chosen(epochs), self.handle.library.CorvantisValues, entry, False)
+        return stacked(self.handle, self._numbers(epochs), entry, raw=False)
 
-    def _chosen(self, epochs: Iterable[Epoch | int] | None) -> list[Epoch]:
-        every = self.epochs if epochs is None else epochs
-        return [each if isinstance(each, Epoch) else self.epochs[each] for each in every]
+    def _numbers(self, epochs: Iterable[Epoch | int] | None) -> Sequence[int]:
+        if epochs is None or isinstance(epochs, Epochs):
+            return (epochs or self.epochs).numbers
+        every = range(len(self.epochs))
+        return [every[each.number if isinstance(each, Epoch) else each] for each in epochs]
 
     def table(self) -> list[dict[str, Any]]:
         """One row for each epoch: number, times, channels, stimulus in words, settings; of a

@@ -40,9 +40,10 @@ class Epoch:
     """An epoch (a sweep).
 
     Every field of the epoch's header is an attribute under its own name, such as `temperature`,
-    `userValue` or `ampGain`. Arrays have one row for each point in time and one column for each
-    entry of the channel sequence. Of a damaged epoch only `number`, `is_damaged` and `problem` are
-    to be had: all else raises CorvantisError, which says where the damage is.
+    `userValue` or `ampGain`; `help(corvantis.records.EpochHeader)` lists them. Arrays have one row
+    for each point in time and one column for each entry of the channel sequence. Of a damaged epoch
+    only `number`, `is_damaged` and `problem` are to be had: all else raises CorvantisError, which
+    says where the damage is.
 
     Attributes:
         number: the epoch's number in its recording, from 0.

@@ -7,6 +7,7 @@ from pathlib import Path
 from typing import NamedTuple
 
 VARIABLE = "CORVANTIS_ROOT"
+SECOND = 10 ** 9    # [ns]
 _chosen: list[str] = []
 
 
@@ -58,8 +59,10 @@ class Identity(NamedTuple):
     last: int
 
     def same_file(self, other: Identity) -> bool:
-        """Whether neither size nor time of modification [ns] differ."""
-        return (self.size, self.modified) == (other.size, other.modified)
+        """Whether neither size nor time of modification [ns] differ; a copy may have lost the
+        time's fraction of a second."""
+        unit = 1 if self.modified % SECOND and other.modified % SECOND else SECOND
+        return self.size == other.size and self.modified // unit == other.modified // unit
 
 
 def checksum(header: bytes) -> int:

@@ -1,4 +1,8 @@
-"""The reading library: found and loaded when it is first needed."""
+"""The reading library: found and loaded when it is first needed.
+
+Through ctypes a call takes 0.8 us, through a compiled binding 0.4 us: not enough to need a compiler
+where the package is installed, or a wheel for each version of Python.
+"""
 from __future__ import annotations
 
 import ctypes

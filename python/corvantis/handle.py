@@ -76,16 +76,20 @@ class Handle:
             self._close(self._pointer)
 
     def _failure(self, code: int) -> CorvantisError:
-        """The error of the call that this thread has just made; chained to what the file object
-        raised, which is raised itself if it asks for the program's end."""
+        """The error of the call that this thread has just made."""
         problem = _problems.problem
         error = CorvantisError(code, self.name, problem.text.decode("utf-8", "replace"),
                                problem.offset if problem.offset >= 0 else None)
-        cause = self.source.failure() if self.source is not None else None
-        if cause is not None and not isinstance(cause, Exception):
-            raise cause
-        error.__cause__ = cause
+        error.__cause__ = self._source_failure()
         return error
+
+    def _source_failure(self) -> BaseException | None:
+        """What the file object raised in the call that this thread has just made; it is raised here
+        if it asks for the program's end."""
+        failure = self.source.failure() if self.source is not None else None
+        if failure is not None and not isinstance(failure, Exception):
+            raise failure
+        return failure
 
     def ask(self, function: Function, *arguments: Any) -> int:
         """What one of the library's functions returns for this recording."""
@@ -110,6 +114,8 @@ class Handle:
         code = self.ask(function, *arguments, _problems.address)
         if code:
             raise self._failure(code)
+        if self.source is not None:
+            self._source_failure()
 
     def refresh(self) -> None:
         """Take in what has been saved meanwhile."""

@@ -99,7 +99,11 @@ class Recording:
             if self._closed:
                 raise ValueError(f"{self.path}: the recording is closed")
             handle = self._handle = Handle(self.path, self._file)
-            self._check(self._opened)
+            try:
+                self._check(self._opened)
+            except CorvantisError:
+                self._handle = None
+                raise
         return handle
 
     @property

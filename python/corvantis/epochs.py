@@ -23,14 +23,14 @@ class Epochs(Sequence[Epoch]):
     """
 
     def __init__(self, recording: Recording, numbers: Sequence[int] | None = None) -> None:
-        self._recording = recording
+        self.recording = recording
         self._chosen = numbers
 
     @property
     def numbers(self) -> Sequence[int]:
         """The epochs' numbers in the recording."""
         if self._chosen is None:
-            return range(self._recording.handle.epochs())
+            return range(self.recording.handle.epochs())
         return self._chosen
 
     def __len__(self) -> int:
@@ -44,18 +44,18 @@ class Epochs(Sequence[Epoch]):
 
     def __getitem__(self, index: int | slice) -> Epoch | Epochs:
         if isinstance(index, slice):
-            return Epochs(self._recording, self.numbers[index])
-        return Epoch(self._recording, self.numbers[index])
+            return Epochs(self.recording, self.numbers[index])
+        return Epoch(self.recording, self.numbers[index])
 
     def __iter__(self) -> Iterator[Epoch]:
         numbers = self.numbers
         if not isinstance(numbers, range) or numbers.step != 1:
-            return (Epoch(self._recording, number) for number in numbers)
+            return (Epoch(self.recording, number) for number in numbers)
         return self._in_order(numbers)
 
     def _in_order(self, numbers: range) -> Iterator[Epoch]:
         """Neighbours, with their shapes, which are read of many at once."""
-        recording, glance = self._recording, FIRST_GLANCE
+        recording, glance = self.recording, FIRST_GLANCE
         while numbers:
             near, numbers = numbers[:glance], numbers[glance:]
             rows = recording.columns(*SHAPE, first=near.start, count=len(near))
@@ -69,10 +69,10 @@ class Epochs(Sequence[Epoch]):
             glance = min(2 * glance, LARGEST_GLANCE)
 
     def __repr__(self) -> str:
-        return f"<{len(self)} epochs of {self._recording.path}>"
+        return f"<{len(self)} epochs of {self.recording.path}>"
 
     def __reduce__(self) -> tuple[object, ...]:
-        return Epochs, (self._recording, self._chosen)
+        return Epochs, (self.recording, self._chosen)
 
 
 def undamaged(epochs: Iterable[Epoch]) -> list[Epoch]:

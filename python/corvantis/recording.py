@@ -175,10 +175,17 @@ class Recording:
         return stacked(self.handle, self._numbers(epochs), entry, raw=False)
 
     def _numbers(self, epochs: Iterable[Epoch | int] | None) -> Sequence[int]:
-        if epochs is None or isinstance(epochs, Epochs):
-            return (epochs or self.epochs).numbers
+        if epochs is None:
+            return self.epochs.numbers
+        if isinstance(epochs, Epochs) and epochs.recording is self:
+            return epochs.numbers
         every = range(len(self.epochs))
-        return [every[each.number if isinstance(each, Epoch) else each] for each in epochs]
+        return [every[self._number(each) if isinstance(each, Epoch) else each] for each in epochs]
+
+    def _number(self, epoch: Epoch) -> int:
+        if epoch.recording is not self:
+            raise ValueError(f"{epoch!r} is of another recording")
+        return epoch.number
 
     def table(self) -> list[dict[str, Any]]:
         """One row for each epoch: number, times, channels, stimulus in words, settings; of a

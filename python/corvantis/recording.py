@@ -58,7 +58,7 @@ class Recording:
 
     Attributes:
         path: the data file; of a file object its name.
-        epochs: its epochs, a lazy sequence.
+        header: its header.
     """
 
     def __init__(self, source: Source) -> None:
@@ -71,7 +71,6 @@ class Recording:
             self.path = str(getattr(source, "name", source))
         else:
             raise TypeError(f"neither a path nor a binary file object: {source!r}")
-        self.epochs = Epochs(self)
         self._modified = self._modification()
         self._handle: Handle | None = Handle(self.path, self._file)
         self._opened = self._identity(0)
@@ -105,6 +104,11 @@ class Recording:
                 self._handle = None
                 raise
         return handle
+
+    @property
+    def epochs(self) -> Epochs:
+        """The epochs, a lazy sequence."""
+        return Epochs(self)
 
     @property
     def comment(self) -> str:

@@ -19,6 +19,7 @@ from .recording import Recording, open_recording
 if TYPE_CHECKING:
     from matplotlib.figure import Figure
 
+ENDING = ("SIGINT", "SIGTERM", "SIGHUP")    # as far as the system has them
 FIGURES = ("png", "svg", "pdf")
 TABLE = "csv"
 DAMAGED, UNUSABLE = 1, 2    # exit status: epochs were left out; nothing could be done
@@ -144,8 +145,8 @@ def _ended_by_signals() -> Iterator[None]:
     before = {}
     if threading.current_thread() is threading.main_thread():
         before = {number: signal.signal(number, _end)
-                  for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP)
-                  if signal.getsignal(number) not in (signal.SIG_IGN, None)}
+                  for number in (getattr(signal, name, None) for name in ENDING)
+                  if number and signal.getsignal(number) not in (signal.SIG_IGN, None)}
     try:
         yield
     finally:

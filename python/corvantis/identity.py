@@ -30,7 +30,7 @@ def portable(path: str) -> str:
     """The path from the root, or the whole path of a file that is not below it."""
     root = _root()
     below = root is not None and Path(path).is_relative_to(root)
-    return os.path.relpath(path, root) if below else path
+    return Path(os.path.relpath(path, root)).as_posix() if below else path
 
 
 def local(path: str) -> str:

@@ -7,6 +7,7 @@ from __future__ import annotations
 
 import ctypes
 import os
+import sys
 import sysconfig
 from functools import cache
 from pathlib import Path
@@ -14,7 +15,8 @@ from pathlib import Path
 from .errors import CorvantisError
 from .interface import FILE_ERROR, FUNCTIONS, OTHER_RESULTS
 
-SONAME = "libCorvantisReading.so.1"
+SONAME = {"win32": "libCorvantisReading.dll", "darwin": "libCorvantisReading.1.dylib",
+          }.get(sys.platform, "libCorvantisReading.so.1")
 VARIABLE = "CORVANTIS_READING_LIBRARY"
 
 
@@ -24,7 +26,7 @@ def _folders() -> list[Path]:
     package = Path(__file__).resolve().parent
     multiarch = sysconfig.get_config_var("MULTIARCH") or ""
     return [package] + [above / name for above in package.parents[1:4]
-                        for name in ("lib", "lib64", f"lib/{multiarch}")]
+                        for name in ("lib", "lib64", f"lib/{multiarch}", "bin")]
 
 
 def _path() -> str:

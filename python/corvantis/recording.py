@@ -261,7 +261,8 @@ def _leave_to_parent() -> None:
         recording._handle = None
 
 
-os.register_at_fork(after_in_child=_leave_to_parent)
+if hasattr(os, "register_at_fork"):
+    os.register_at_fork(after_in_child=_leave_to_parent)
 
 
 def open_recording(source: Source) -> Recording:

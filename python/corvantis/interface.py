@@ -37,7 +37,8 @@ class DoubtReason(IntEnum):
 class Problem(ctypes.Structure):
     """What went wrong."""
 
-    _fields_ = [("code", c_int32), ("offset", c_int64), ("text", c_char * 504)]
+    _fields_ = [("code", c_int32), ("reason", c_int32), ("offset", c_int64),
+                ("text", c_char * 504)]
 
 
 SIZE = ctypes.CFUNCTYPE(c_int64, c_void_p)

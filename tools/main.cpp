@@ -5,18 +5,18 @@
 #include "commands/CommandLine.h"
 #include "commands/ExternalCommand.h"
 #include "files/Failure.h"
-#include "output/Text.h"
+#include "text/Text.h"
 
 namespace corvantis::tool {
 namespace {
 
 int RunProgram(int argc, char** argv) {
     if (NamesExternalCommand(argc, argv)) RunExternalCommand(argc, argv);
-    Terminal terminal{TakeStandardOutput(), stderr};
+    SecureStandardStreams();
+    Terminal terminal{stdout, stderr};
     const int code = RunCommandLine(argc, argv, terminal);
-    if (std::ferror(terminal.results) != 0 || std::fclose(terminal.results) != 0) {
-        throw SystemFailure("standard output");
-    }
+    const bool isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    if (!isWritten || std::fclose(stdout) != 0) throw Failure("standard output: results are lost");
     return code;
 }
 
@@ -28,7 +28,7 @@ int main(int argc, char** argv) {
         return corvantis::tool::RunProgram(argc, argv);
     } catch (const std::exception& failure) {
         corvantis::tool::Terminal{nullptr, stderr}.Say(
-            "corvantis: {}\n", corvantis::tool::DisplayText(failure.what()));
+            "{}\n", corvantis::reading::DisplayText(failure.what()));
         return corvantis::tool::kUnusable;
     }
 }

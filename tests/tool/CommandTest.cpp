@@ -37,7 +37,7 @@ TEST_F(CommandTest, EndsWithTheCodeThatItsHelpPromisesAndLeavesNothingBehind) {
         // Otherwise the second would meet the file of the first.
         {"export sound.dat -e 0,0 -o table.csv", 0},
         {"export sound.dat -o -", 0},
-        {"export damaged.dat", 2},
+        {"export damaged.dat", 1},
         {"export sound.dat -o table.mat", 2},
         {"export sound.dat -o table.CSV.mat --format csv", 0},
         {"export sound.dat --raw --volts", 2},
@@ -46,8 +46,9 @@ TEST_F(CommandTest, EndsWithTheCodeThatItsHelpPromisesAndLeavesNothingBehind) {
     for (const auto& [line, code] : cases) {
         const ToolRun run = RunTool(line);
         EXPECT_EQ(run.code, code) << line << run.messages;
-        EXPECT_EQ(run.messages.starts_with("corvantis: "), code == 2 || line == "info damaged.dat")
-            << line << run.messages;
+        const bool hasMessage =
+            code == 2 || line == "info damaged.dat" || line == "export damaged.dat";
+        EXPECT_EQ(run.messages.starts_with("corvantis: "), hasMessage) << line << run.messages;
     }
     EXPECT_EQ(FileContent("sound.dat"), PulseFileBytes());
     const std::filesystem::directory_iterator files(folder.path);
@@ -57,12 +58,19 @@ TEST_F(CommandTest, EndsWithTheCodeThatItsHelpPromisesAndLeavesNothingBehind) {
 TEST_F(CommandTest, NamesTheReasonForWhatIsNoDataFile) {
     WriteFile("short", First(PulseFileBytes(), 579));
     WriteFile("newer.dat", PulseFileBytes(9));
+    WriteFile("picture.png", Join({Hex("89504E470D0A1A0A"), Bytes(2000, 7)}));
     for (const std::string reason :
-         {"short: has 579 bytes; a file header alone has 580", ".: is a directory",
+         {"short: has 579 bytes, fewer than the 580 of a file header",
+          "picture.png: is no recording: "
+          "it looks like a PNG picture",
           "/dev/null: is not a regular file", "newer.dat: format version 9 is newer than 8",
           "none.dat: No such file or directory"}) {
-        const std::string messages = RunTool("info " + reason.substr(0, reason.find(':'))).messages;
-        EXPECT_TRUE(messages.starts_with("corvantis: " + reason)) << messages;
+        const std::string name = reason.substr(0, reason.find(':'));
+        for (const std::string command : {"info ", "check ", "export ", "repair -o out.dat "}) {
+            const ToolRun run = RunTool(command + name);
+            EXPECT_EQ(run.code, 2);
+            EXPECT_TRUE(run.messages.starts_with("corvantis: " + reason)) << run.messages;
+        }
     }
 }
 

@@ -33,8 +33,8 @@ class RebuildTest : public ToolTest {
         Put(file, offset, change);
         WriteFile("file.dat", file);
         std::string found;
-        for (const auto& finding : FindingsOf("file.dat", " --stimulus")) {
-            found += std::string(finding["where"]) + ": " + std::string(finding["found"]) + "\n";
+        for (const auto& finding : PartOf("check --json --stimulus file.dat", "findings")) {
+            found += std::string(finding["place"]) + ": " + std::string(finding["found"]) + "\n";
         }
         return found;
     }
@@ -51,15 +51,14 @@ TEST_F(RebuildTest, SaysWhichStimuliCannotBeRebuiltAndWhy) {
     const size_t tail = file.size() - 24 - kPoints * 2 - 32 + 12;
     const std::string expected[] = {
         "epoch 0, entry 0, generic stimulus: no waveform: only the application knows its waveform",
-        "epoch 0, entry 1, segmented noise stimulus: another waveform the second time: an odd",
-        "epoch 1, stimulus: its noise begins with a deviate that an earlier epoch left, and is",
-        "epoch 2, stimulus: its noise begins with a deviate",
-        "epoch 2, entry 0, noise stimulus: another waveform the second time: its seed",
+        "epoch 1, entry 0, segmented noise stimulus: epoch 0 cannot be recomputed: the noise "
+        "behind",
+        "epoch 2, entry 0, noise stimulus: epoch 0 cannot be recomputed",
         "epoch 3, entry 0, file wave stimulus: no waveform: the wave was the application's",
         "epoch 4, entry 0, trigger series stimulus: no waveform: its parameters are not stored",
         "table of positions, epoch 4: ",
         "table of positions, epoch 5: ",
-        "epoch 5, entry 0, pulse stimulus: its lengths do not fit the epoch"};
+        "epoch 5, entry 0, pulse stimulus: its lengths do not fill the epoch"};
     const std::string found = Findings(file, tail, Big32(1));
     EXPECT_EQ(std::count(found.begin(), found.end(), '\n'), std::ssize(expected)) << found;
     for (const std::string& each : expected) EXPECT_TRUE(Contains(found, each)) << each;

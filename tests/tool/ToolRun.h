@@ -65,8 +65,9 @@ inline ToolRun RunShell(const std::string& command) {
     return run;
 }
 
-inline nlohmann::json FindingsOf(const std::string& file, const std::string& options = "") {
-    return nlohmann::json::parse(RunTool("check --json " + file + options).results)[0]["findings"];
+// A part of what a command says of its first recording, as JSON.
+inline nlohmann::json PartOf(const std::string& line, const char* part) {
+    return nlohmann::json::parse(RunTool(line).results).at("recordings").at(0).at(part);
 }
 
 inline bool Contains(const std::string& text, const std::string& part) {

@@ -1,84 +1,112 @@
-// Comparing three computations of every entry's stimulus.
+// Comparing two computations of every entry's stimulus.
 #include "commands/CheckStimulus.h"
 
 #include <fmt/core.h>
 
-#include "stimuli/NoiseHistory.h"
-#include "stimuli/Rebuild.h"
-#include "stimuli/Stimuli.h"
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "files/EpochRecords.h"
+#include "files/Failure.h"
 
 namespace corvantis::tool {
 namespace {
 
 constexpr char kExpected[] = "the waveform that was played";
 
-// What went wrong, or nothing.
-std::string Compare(const std::vector<int16_t>& first, const std::vector<int16_t>& second,
-                    const std::vector<int16_t>& fresh, int32_t points, bool fits) {
-    if (first.size() != static_cast<size_t>(points) || !fits) {
-        return "its lengths do not fit the epoch";
+using Digests = std::array<uint64_t, CORVANTIS_ENTRIES>;
+
+// Of two waveforms that differ, hardly ever the same.
+uint64_t DigestOf(const std::vector<int16_t>& samples) {
+    constexpr uint64_t kOdd = 0x9E3779B97F4A7C15;
+    uint64_t digest = samples.size();
+    for (const int16_t sample : samples) {
+        digest = (digest ^ static_cast<uint16_t>(sample)) * kOdd;
+        digest ^= digest >> 32;
     }
-    if (second != first) return "another waveform the second time";
-    if (fresh != first) return "another waveform in a fresh process";
-    return {};
+    return digest | 1;
 }
 
-std::string Explain(std::string result, const std::string& reason) {
-    if (result.empty()) return reason;
-    return reason.empty() ? result : fmt::format("{}: {}", result, reason);
+// 0 for one that cannot be computed.
+uint64_t ComputeDigest(const DataFile& file, const EpochRecords& epoch, int32_t entry) {
+    std::vector<int16_t> samples(static_cast<size_t>(epoch.info.points));
+    CorvantisProblem problem = {};
+    const int32_t result =
+        CorvantisStimulus(file.Recording(), epoch.number, entry, 0, epoch.info.points,
+                          samples.data(), 0, nullptr, &problem);
+    if (result == CORVANTIS_NO_STIMULUS) return 0;
+    Require(result, problem);
+    return DigestOf(samples);
 }
 
 class StimulusCheck {
   public:
-    StimulusCheck(const DataFile& file, const std::vector<EpochPlace>& epochs)
-        : file_(file), history_(file, epochs) {}
+    StimulusCheck(const DataFile& file, const Terminal& terminal)
+        : file_(file),
+          again_(file.Contents().Name()),
+          digests_(static_cast<size_t>(file.Info().epochs)),
+          progress_(terminal, "computing stimuli", 2 * file.Info().epochs) {}
 
-    void CheckEpoch(size_t index, const EpochPlace& place) {
-        const EpochContent content = ReadEpochAt(file_, place.start).content;
-        const int64_t number = place.number;
-        const std::string doubt = history_.Doubt(index);
-        if (!doubt.empty()) {
-            findings_.push_back(
-                {place.start, fmt::format("epoch {}, stimulus", number), doubt, kExpected});
-        }
-        const auto twice = RebuildStimulus(file_, place, content, 2);
-        const auto fresh = RebuildStimulus(file_, place, content);
-        for (size_t entry = 0; entry < content.stimuli.size(); ++entry) {
-            const Stimulus& stimulus = content.stimuli[entry];
-            const std::string reason = WhyNotRebuilt(file_.Header(), stimulus);
-            const std::string result =
-                HasWaveform(stimulus) ? Compare(twice[0].entries[entry], twice[1].entries[entry],
-                                                fresh[0].entries[entry], place.points,
-                                                FillsEpoch(stimulus, place.points))
-                                      : "no waveform";
-            const std::string found = Explain(result, reason);
-            if (found.empty()) continue;
-            findings_.push_back({place.start,
-                                 fmt::format("epoch {}, entry {}, {} stimulus", number, entry,
-                                             TypeName(stimulus.type)),
-                                 found, kExpected});
+    Findings Check() {
+        const auto count = static_cast<int64_t>(digests_.size());
+        for (int64_t number = 0; number < count; ++number) Visit(number, &StimulusCheck::Compute);
+        for (int64_t number = count; number-- > 0;) Visit(number, &StimulusCheck::Compare);
+        return std::move(findings_);
+    }
+
+  private:
+    void Visit(int64_t number, void (StimulusCheck::*visit)(const EpochRecords&, int32_t)) {
+        progress_.Reach(done_++);
+        const auto epoch = ReadEpoch(file_, number);
+        for (int32_t entry = 0; epoch && entry < epoch->info.entries; ++entry) {
+            (this->*visit)(*epoch, entry);
         }
     }
 
-    Findings Take() { return std::move(findings_); }
+    uint64_t& DigestFor(const EpochRecords& epoch, int32_t entry) {
+        return digests_[static_cast<size_t>(epoch.number)][static_cast<size_t>(entry)];
+    }
 
-  private:
+    void Compute(const EpochRecords& epoch, int32_t entry) {
+        DigestFor(epoch, entry) = ComputeDigest(file_, epoch, entry);
+        const StimulusState state = StimulusStateOf(file_, epoch.number, entry);
+        if (!state.problem.empty()) {
+            Find(epoch, entry, "no waveform: " + state.problem, CORVANTIS_DOUBT);
+        } else if (!state.fillsEpoch) {
+            Find(epoch, entry, "its lengths do not fill the epoch", CORVANTIS_DOUBT);
+        }
+        if (state.doubt.reason != CORVANTIS_NO_DOUBT) {
+            Find(epoch, entry, state.doubt.text, CORVANTIS_DOUBT);
+        }
+    }
+
+    void Compare(const EpochRecords& epoch, int32_t entry) {
+        if (ComputeDigest(again_, epoch, entry) == DigestFor(epoch, entry)) return;
+        Find(epoch, entry, "another waveform the second time", CORVANTIS_FAULT);
+    }
+
+    void Find(const EpochRecords& epoch, int32_t entry, const std::string& found,
+              CorvantisWeight weight) {
+        const int32_t type = epoch.info.stimulusTypes[entry];
+        findings_.push_back(
+            {epoch.info.start, epoch.number,
+             fmt::format("epoch {}, entry {}, {} stimulus", epoch.number, entry, TypeName(type)),
+             found, kExpected, weight});
+    }
+
     const DataFile& file_;
-    NoiseHistory history_;
+    const DataFile again_;
+    std::vector<Digests> digests_;
+    Progress progress_;
+    int64_t done_ = 0;
     Findings findings_;
 };
 
 }  // namespace
 
-Findings CheckStimuli(const DataFile& file, const std::vector<EpochPlace>& epochs,
-                      const Terminal& terminal) {
-    Progress progress(terminal, "recomputing stimuli", static_cast<int64_t>(epochs.size()));
-    StimulusCheck check(file, epochs);
-    for (size_t index = 0; index < epochs.size(); ++index) {
-        progress.Reach(static_cast<int64_t>(index));
-        check.CheckEpoch(index, epochs[index]);
-    }
-    return check.Take();
+Findings CheckStimuli(const DataFile& file, const Terminal& terminal) {
+    return StimulusCheck(file, terminal).Check();
 }
 
 }  // namespace corvantis::tool

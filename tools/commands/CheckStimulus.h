@@ -1,18 +1,12 @@
 // `corvantis check --stimulus`: whether recorded stimuli can be computed again, and alike.
 #pragma once
 
-#include <vector>
-
 #include "commands/Findings.h"
-#include "files/Container.h"
-#include "files/DataFile.h"
-#include "output/Terminal.h"
 
 namespace corvantis::tool {
 
-// Computes each epoch's stimulus twice in one process and once in a fresh one, and tells which
-// begin with what an earlier epoch left behind.
-Findings CheckStimuli(const DataFile& file, const std::vector<EpochPlace>& epochs,
-                      const Terminal& terminal);
+// Computes each stimulus twice, the second time in the opposite order through a recording opened
+// anew, and tells what differs, cannot be computed or is in doubt.
+Findings CheckStimuli(const DataFile& file, const Terminal& terminal);
 
 }  // namespace corvantis::tool

@@ -12,7 +12,8 @@
 #include "commands/Info.h"
 #include "commands/Repair.h"
 #include "files/Failure.h"
-#include "output/Text.h"
+#include "files/TemporaryFile.h"
+#include "text/Text.h"
 
 namespace corvantis::tool {
 namespace {
@@ -20,28 +21,31 @@ namespace {
 constexpr std::array<std::string_view, 4> kCommands = {"info", "check", "repair", "export"};
 
 constexpr char kDescription[] = R"(Looks at, checks, repairs and exports data files of Corvantis.
-Epochs are counted from 0. Results go to standard output, messages to standard error.
+Epochs are counted from 0, by the file's own table. Folders stand for all recordings in them. Results go to standard output, messages to standard error.
 
 The exit status is 0 if all is well, 1 if check has findings, repair dropped something or export
-could not give an epoch or rebuild a stimulus, 2 if a file cannot be used or the command line is wrong.
+could not give an epoch or a stimulus for certain, 2 if a file cannot be used or the command line is
+wrong. Of several files it is the worst.
 
 Any other sub-command X runs the program corvantis-X from the path.)";
 
 constexpr char kExamplesHeading[] = "Examples:\n";
 
 constexpr char kExamples[] = R"(  $ corvantis info cell5.dat
-  $ corvantis check *.dat
+  $ corvantis check recordings/
   $ corvantis repair cell5.dat -o cell5-repaired.dat
   $ corvantis export cell5.dat -e 3 --stimulus -o a.csv)";
 
 constexpr char kInfoExamples[] = R"(  The file header and a line per epoch:
     $ corvantis info cell5.dat
   These epochs in full, with the formulas of their units:
-    $ corvantis info cell5.dat -e 0,3-7)";
+    $ corvantis info cell5.dat -e 0,3-7
+  All of a folder for another program:
+    $ corvantis info --json recordings/)";
 
 constexpr char kCheckExamples[] = R"(  What is wrong: where, found, expected:
     $ corvantis check *.dat
-  Also which stimuli cannot be rebuilt, and why:
+  Also which stimuli cannot be computed for certain, and why:
     $ corvantis check --stimulus --json a.dat)";
 
 constexpr char kRepairExamples[] = R"(  All complete epochs:
@@ -54,7 +58,10 @@ constexpr char kExportExamples[] = R"(  In mV and pA, as CSV on standard output:
   With the stimulus, as an array:
     $ corvantis export cell5.dat -e 3 --stimulus -o a.npy
   All epochs, in volts, as a-00.csv, a-01.csv and so on:
-    $ corvantis export cell5.dat --all --volts -o a.csv)";
+    $ corvantis export cell5.dat --all --volts -o a.csv
+  All epochs of all files, as tables/day1/cell5.dat/epoch-00.npy and so on; after an interruption
+  the same again writes what is missing:
+    $ corvantis export recordings/ -o tables/ --format npy --resume)";
 
 // Plain enough for people, and in the form that help2man takes for a manual page.
 class HelpFormatter : public CLI::Formatter {
@@ -103,24 +110,35 @@ CLI::App* AddCommand(CLI::App& app, Options& options, const char* name, const ch
     return command;
 }
 
+void AddFiles(CLI::App* command, FileChoice& choice) {
+    command->add_option("FILE", choice.files, "Data files, or folders of them")
+        ->required()
+        ->type_name("");
+    command
+        ->add_option("-j,--jobs", choice.jobs,
+                     "Files at a time, as many as there are processors unless given")
+        ->check(CLI::Range(1, static_cast<int>(kMostTemporaryFiles)).description(""))
+        ->type_name("N");
+}
+
 void AddInfo(CLI::App& app, Options& options) {
     CLI::App* command =
         AddCommand(app, options, "info",
                    "Show the file header and a line per epoch, or epochs in full", kInfoExamples);
-    command->add_option("FILE", options.info.file, "Data file")->required()->type_name("");
+    AddFiles(command, options.info.choice);
     command->add_option("-e,--epoch", options.info.epochs, "Epochs to show in full: 0,3-7")
         ->type_name("LIST");
-    command->add_flag("--json", options.info.json, "Results as JSON, every epoch in full");
+    command->add_flag("--json", options.info.choice.json, "Results as JSON, every epoch in full");
 }
 
 void AddCheck(CLI::App& app, Options& options) {
     CLI::App* command =
         AddCommand(app, options, "check",
                    "Compare header and table with what really lies in the files", kCheckExamples);
-    command->add_option("FILE", options.check.files, "Data files")->required()->type_name("");
+    AddFiles(command, options.check.choice);
     command->add_flag("--stimulus", options.check.stimulus,
-                      "Also recompute each stimulus, twice and in a fresh process");
-    command->add_flag("--json", options.check.json, "Results as JSON");
+                      "Also compute each stimulus, twice and in different orders");
+    command->add_flag("--json", options.check.choice.json, "Results as JSON");
 }
 
 void AddRepair(CLI::App& app, Options& options) {
@@ -145,7 +163,7 @@ void AddExport(CLI::App& app, Options& options) {
                                    "Write epochs as tables: time in seconds, then a column per "
                                    "sequence entry in its own units",
                                    kExportExamples);
-    command->add_option("FILE", exported.file, "Data file")->required()->type_name("");
+    AddFiles(command, exported.choice);
     auto* epochs =
         command->add_option("-e,--epoch", exported.epochs, "Epochs: 0,3-7")->type_name("LIST");
     command->add_flag("--all", exported.all, "All epochs")->excludes(epochs);
@@ -157,7 +175,8 @@ void AddExport(CLI::App& app, Options& options) {
     command
         ->add_option("-o,--output", exported.output,
                      "File to write, - for standard output; of several epochs each gets one, "
-                     "such as OUT-03.csv")
+                     "such as OUT-03.csv; with a slash at its end a folder, in which each FILE "
+                     "gets one, for all epochs unless some are named")
         ->type_name("OUT");
     auto* raw = command->add_flag("--raw,--counts", exported.raw, "Converter counts");
     auto* volts = command->add_flag("--volts", exported.volts, "Volts at the converter");
@@ -166,8 +185,10 @@ void AddExport(CLI::App& app, Options& options) {
     raw->excludes(volts)->excludes(units);
     volts->excludes(units);
     command->add_flag("--stimulus", exported.stimulus,
-                      "Also the recomputed stimuli; of dynamic clamp the conductances");
-    command->add_flag("--force", exported.force, "Replace files that exist");
+                      "Also the computed stimuli; of dynamic clamp the conductances");
+    auto* force = command->add_flag("--force", exported.force, "Replace files that exist");
+    command->add_flag("--resume", exported.resume, "Leave files that exist, and write the others")
+        ->excludes(force);
 }
 
 int Run(const CLI::App& app, const Options& options, const Terminal& terminal) {
@@ -183,7 +204,7 @@ int EndOfParsing(const CLI::App& app, const CLI::ParseError& end, const Terminal
     const int code = app.exit(end, results, messages);
     terminal.Print("{}", results.str());
     if (code == 0) return kFine;
-    terminal.Say("corvantis: {} (see --help)\n", DisplayText(end.what()));
+    terminal.Say("{} (see --help)\n", reading::DisplayText(end.what()));
     return kUnusable;
 }
 
@@ -210,7 +231,7 @@ int RunCommandLine(int argc, char** argv, Terminal& terminal) {
     try {
         return Run(app, options, terminal);
     } catch (const Failure& failure) {
-        terminal.Say("corvantis: {}\n", DisplayText(failure.what()));
+        terminal.Say("{}\n", reading::DisplayText(failure.what()));
         return kUnusable;
     }
 }

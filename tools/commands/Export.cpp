@@ -1,31 +1,25 @@
-// Choosing epochs and output files, and writing the tables in runs of points.
+// Choosing epochs, and writing their tables in runs of points.
 #include "commands/Export.h"
 
 #include <unistd.h>
 
 #include <algorithm>
-#include <filesystem>
+#include <map>
 #include <memory>
 #include <numeric>
-#include <optional>
+#include <vector>
 
 #include "commands/EpochList.h"
-#include "files/Failure.h"
+#include "commands/ExportTarget.h"
 #include "files/NewFile.h"
 #include "output/EpochTable.h"
 #include "output/TableWriter.h"
-#include "output/Text.h"
-#include "stimuli/NoiseHistory.h"
-#include "survey/Survey.h"
+#include "text/Text.h"
 
 namespace corvantis::tool {
 namespace {
 
 constexpr int64_t kRun = 4096;  // points in memory at once
-
-bool IsStandardOutput(const ExportOptions& options) {
-    return options.output.empty() || options.output == "-";
-}
 
 std::unique_ptr<TableWriter> MakeWriter(const std::string& format, const EpochTable& table,
                                         FILE* stream) {
@@ -52,142 +46,135 @@ void WriteTable(const EpochTable& table, TableWriter& writer, Progress& progress
     }
 }
 
-// The format that the name's ending asks for.
-std::string FormatOf(const ExportOptions& options) {
-    if (!options.format.empty()) return options.format;
-    if (IsStandardOutput(options)) return "csv";
-    std::string ending = std::filesystem::path(options.output).extension().string();
-    std::transform(ending.begin(), ending.end(), ending.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
-    if (ending == ".csv" || ending == ".npy") return ending.substr(1);
-    throw Failure(options.output,
-                  "its ending names no format; end it in .csv or .npy, or say "
-                  "which with --format");
+Values ValuesOf(const ExportOptions& options) {
+    if (options.raw) return Values::kCounts;
+    return options.volts ? Values::kVolts : Values::kUnits;
 }
 
-// out.csv becomes out-003.csv, with digits for the last epoch of the file.
-std::string NumberedPath(const std::string& path, int64_t epoch, int64_t last) {
-    const std::filesystem::path whole(path);
-    const size_t digits = std::to_string(last).size();
-    const std::string name = fmt::format("{}-{:0{}}{}", whole.stem().string(), epoch, digits,
-                                         whole.extension().string());
-    return (whole.parent_path() / name).string();
-}
+// What cannot be given, with epochs that nothing is known of in one line.
+class MissingEpochs {
+  public:
+    MissingEpochs(const DataFile& file, const Terminal& terminal)
+        : file_(file), terminal_(terminal) {}
+
+    void Add(int64_t number) {
+        const EpochProblem problem = WhyMissing(file_, number);
+        const bool goesOn = count > 0 && number == last_ + 1 && problem.offset < 0 &&
+                            isWithoutPlace_ && problem.text == text_;
+        if (!goesOn) {
+            Say();
+            first_ = number;
+        }
+        last_ = number;
+        isWithoutPlace_ = problem.offset < 0;
+        text_ = problem.text;
+        ++count;
+    }
+    void Say() {
+        if (text_.empty()) return;
+        const std::string which = first_ == last_ ? fmt::format("epoch {}", first_)
+                                                  : fmt::format("epochs {} to {}", first_, last_);
+        terminal_.Say("{}: {} cannot be given: {}\n", file_.Name(), which, text_);
+        text_.clear();
+    }
+
+    int64_t count = 0;
+
+  private:
+    const DataFile& file_;
+    const Terminal& terminal_;
+    int64_t first_ = 0;
+    int64_t last_ = 0;
+    bool isWithoutPlace_ = false;
+    std::string text_;
+};
 
 class Exporter {
   public:
-    Exporter(const DataFile& file, const ExportOptions& options, const Terminal& terminal)
+    Exporter(const DataFile& file, const FoundFile& found, const ExportOptions& options,
+             const Terminal& terminal)
         : file_(file),
+          found_(found),
           options_(options),
           terminal_(terminal),
           format_(FormatOf(options)),
-          survey_(SurveyFile(file, terminal)) {
-        if (options.stimulus) history_.emplace(file, survey_.epochs);
-    }
+          count_(file.Info().epochs) {}
 
-    int Export() {
-        const std::vector<size_t> indices = ChosenEpochs();
-        if (indices.size() > 1 && IsStandardOutput(options_)) {
-            throw Failure("export: several epochs need -o OUT; each becomes a file of its own");
+    Outcome Export() {
+        const std::vector<int64_t> numbers = ChosenEpochs();
+        if (IsAll()) SayStrays();
+        MissingEpochs missing(file_, terminal_);
+        for (const int64_t number : numbers) {
+            if (const auto epoch = ReadEpoch(file_, number)) {
+                missing.Say();
+                ExportEpoch(*epoch, numbers.size());
+            } else {
+                missing.Add(number);
+            }
         }
-        if (history_) history_->Begin(indices);
-        for (const size_t index : indices) ExportEpoch(index, PathOf(index));
-        return code_;
+        missing.Say();
+        findings_ += missing.count;
+        return {findings_ > 0 ? kFindings : kFine, exported_, findings_};
     }
 
   private:
-    // As indices of the survey, in ascending order. What cannot be given is said.
-    std::vector<size_t> ChosenEpochs() {
-        const size_t count = survey_.epochs.size();
-        if (count == 0) throw Failure(file_.Path(), "holds no epoch");
-        if (options_.epochs.empty()) {
-            if (!options_.all && count > 1) {
-                throw Failure(
-                    file_.Path(),
-                    fmt::format("holds {} epochs: name some with --epoch, or --all", count));
-            }
-            return AllEpochs();
-        }
-        std::vector<size_t> indices;
-        for (const int64_t number : ParseEpochList(options_.epochs, NumbersOf(file_, survey_))) {
-            const EpochPlace* epoch = FindNumber(survey_, number);
-            if (epoch == nullptr) {
-                SayMissing(number, number);
-            } else {
-                indices.push_back(static_cast<size_t>(epoch - survey_.epochs.data()));
-            }
-        }
-        std::sort(indices.begin(), indices.end());
-        return indices;
+    bool IsAll() const {
+        return options_.all || (options_.epochs.empty() && IsFolderOutput(options_));
     }
 
-    std::vector<size_t> AllEpochs() {
-        std::vector<size_t> indices(survey_.epochs.size());
-        std::iota(indices.begin(), indices.end(), size_t{0});
-        for (const Stretch& stray : survey_.strays) SayStray(stray);
-        if (survey_.unfinished) SayMissing(survey_.numbers, survey_.numbers);
-        const int64_t first = survey_.numbers + (survey_.unfinished ? 1 : 0);
-        const int64_t end = NumbersOf(file_, survey_);
-        if (first < end) SayMissing(first, end - 1);
-        return indices;
+    // In ascending order, which noise that goes on from epoch to epoch is computed best in.
+    std::vector<int64_t> ChosenEpochs() const {
+        std::vector<int64_t> numbers(static_cast<size_t>(count_));
+        std::iota(numbers.begin(), numbers.end(), int64_t{0});
+        if (IsFolderOutput(options_) && IsAll()) return numbers;
+        if (count_ == 0) throw Failure(file_.Name(), "holds no epoch");
+        if (!options_.epochs.empty()) numbers = ParseEpochList(options_.epochs, count_);
+        const bool isChosen = options_.all || !options_.epochs.empty();
+        if (!isChosen && count_ > 1) {
+            throw Failure(file_.Name(),
+                          fmt::format("holds {} epochs: name some with --epoch, or --all", count_));
+        }
+        if (numbers.size() > 1 && IsStandardOutput(options_)) {
+            throw Failure("export: several epochs need -o OUT; each becomes a file of its own");
+        }
+        std::sort(numbers.begin(), numbers.end());
+        return numbers;
     }
 
     // Bytes behind the table are no epoch, and bytes between epochs may be one.
-    void SayStray(const Stretch& stray) {
-        if (stray.number) return SayMissing(*stray.number, *stray.number);
-        if (stray.begin > survey_.tablePosition) return;
-        terminal_.Say("corvantis: {}: bytes {} to {} cannot be given: found {}, expected {}\n",
-                      DisplayText(file_.Path()), stray.begin, stray.end, stray.mismatch.found,
-                      stray.mismatch.expected);
-        code_ = kFindings;
-    }
-
-    void SayMissing(int64_t first, int64_t last) {
-        const std::string which = first == last ? fmt::format("epoch {}", first)
-                                                : fmt::format("epochs {} to {}", first, last);
-        terminal_.Say("corvantis: {}: {} cannot be given: {}\n", DisplayText(file_.Path()), which,
-                      WhyMissing(survey_, first));
-        code_ = kFindings;
-    }
-
-    std::string PathOf(size_t index) const {
-        if (IsStandardOutput(options_)) return "";
-        const std::vector<EpochPlace>& epochs = survey_.epochs;
-        const bool isSingle = !options_.all && (options_.epochs.empty() || IsOneNumber());
-        if (isSingle) return options_.output;
-        return NumberedPath(options_.output, epochs[index].number, epochs.back().number);
-    }
-
-    // A list of one epoch, even if written as 3,3.
-    bool IsOneNumber() const {
-        return ParseEpochList(options_.epochs, NumbersOf(file_, survey_)).size() == 1;
-    }
-
-    void ExportEpoch(size_t index, const std::string& path) {
-        const Values values = options_.raw     ? Values::kCounts
-                              : options_.volts ? Values::kVolts
-                                               : Values::kUnits;
-        const EpochPlace& place = survey_.epochs[index];
-        EpochTable table = MakeEpochTable(file_, place, values);
-        if (history_) AddRebuilt(index, values, table);
-        for (const std::string& remark : table.remarks) {
-            terminal_.Say("corvantis: {}: epoch {}, {}\n", DisplayText(file_.Path()), place.number,
-                          remark);
-            code_ = kFindings;
+    void SayStrays() {
+        if (file_.Info().found == CORVANTIS_BY_TABLE) return;
+        const reading::Survey& survey = file_.Walk().survey;
+        for (const reading::Stretch& stray : survey.strays) {
+            if (stray.number || stray.begin > survey.tablePosition) continue;
+            terminal_.Say("{}: bytes {} to {} cannot be given: found {}, expected {}\n",
+                          file_.Name(), stray.begin, stray.end, stray.mismatch.found,
+                          stray.mismatch.expected);
+            ++findings_;
         }
+    }
+
+    // A list of one epoch, even if written as 3,3, goes to OUT itself.
+    std::string PathOf(int64_t number, size_t chosen) const {
+        if (IsStandardOutput(options_)) return "";
+        const bool isSingle = !options_.all && chosen == 1 && !IsFolderOutput(options_);
+        return isSingle ? options_.output : TablePath(options_, found_, number, count_);
+    }
+
+    void ExportEpoch(const EpochRecords& epoch, size_t chosen) {
+        EpochTable table = MakeEpochTable(file_, epoch, ValuesOf(options_));
+        if (options_.stimulus) AddStimulus(file_, epoch, ValuesOf(options_), table);
+        for (const std::string& remark : table.remarks) {
+            terminal_.Say("{}: epoch {}, {}\n", file_.Name(), epoch.number, remark);
+            ++findings_;
+        }
+        const std::string path = PathOf(epoch.number, chosen);
         if (path.empty()) {
             WriteToResults(table);
         } else {
             WriteToFile(table, path);
         }
-    }
-
-    void AddRebuilt(size_t index, Values values, EpochTable& table) {
-        const std::string doubt = history_->Doubt(index);
-        if (!doubt.empty()) table.remarks.push_back("doubtful stimulus: " + doubt);
-        history_->BringGeneratorsTo(index);
-        AddStimulus(file_, survey_.epochs[index], values, table);
+        ++exported_;
     }
 
     void WriteToResults(const EpochTable& table) const {
@@ -197,8 +184,10 @@ class Exporter {
         Write(table, terminal_.results);
     }
 
+    // Whatever has its name is complete.
     void WriteToFile(const EpochTable& table, const std::string& path) const {
         if (file_.IsSame(path)) throw Failure(path, "is the data file itself");
+        if (options_.resume && Exists(path)) return;
         NewFile output(path, options_.force);
         Write(table, output.Get());
         output.Commit();
@@ -210,19 +199,41 @@ class Exporter {
     }
 
     const DataFile& file_;
+    const FoundFile& found_;
     const ExportOptions& options_;
     const Terminal& terminal_;
     const std::string format_;
-    const Survey survey_;
-    std::optional<NoiseHistory> history_;
-    int code_ = kFine;
+    const int64_t count_;
+    int64_t exported_ = 0;
+    int64_t findings_ = 0;
 };
+
+// Of each place in the output the file whose tables it holds.
+std::map<std::string, std::string> PlacesOf(const std::vector<FoundFile>& files) {
+    std::map<std::string, std::string> places;
+    for (const FoundFile& found : files) places.emplace(found.relative, found.path);
+    return places;
+}
 
 }  // namespace
 
 int RunExport(const ExportOptions& options, const Terminal& terminal) {
-    const DataFile file(options.file);
-    return Exporter(file, options, terminal).Export();
+    if (AreMany(options.choice) && !IsFolderOutput(options)) {
+        throw Failure("export: several files need -o FOLDER/; each gets a folder of its own in it");
+    }
+    FormatOf(options);
+    const std::vector<FoundFile> files = FindFiles(options.choice.files);
+    const std::map<std::string, std::string> places = PlacesOf(files);
+    return RunOnFiles(options.choice, files, "", terminal,
+                      [&](const DataFile& file, const FoundFile& found, const Terminal& spool) {
+                          const std::string& first = places.at(found.relative);
+                          if (first != found.path) {
+                              throw Failure(file.Name(),
+                                            "its tables would go where those of " + first +
+                                                " go; export it to a folder of its own");
+                          }
+                          return Exporter(file, found, options, spool).Export();
+                      });
 }
 
 }  // namespace corvantis::tool

@@ -3,33 +3,37 @@
 
 #include <algorithm>
 
-#include "output/Text.h"
+#include "output/RecordingJson.h"
 
 namespace corvantis::tool {
 
-void PrintFindings(const Terminal& terminal, const std::string& path, const Findings& findings) {
+Findings FindingsOf(const DataFile& file) {
+    Findings findings = file.Walk().findings;
+    if (file.IsBeingRecorded()) {
+        findings.insert(findings.begin(),
+                        {0, -1, "file", "a program that is recording it",
+                         "a recording that is closed, or a save may be under way", CORVANTIS_NOTE});
+    }
+    return findings;
+}
+
+void PrintFindings(const Terminal& terminal, const DataFile& file, const Findings& findings) {
     for (const Finding& finding : findings) {
-        terminal.Print("{}: byte {}, {}: {}found {}, expected {}\n", DisplayText(path),
-                       finding.offset, finding.where, finding.isNote ? "note: " : "", finding.found,
-                       finding.expected);
+        const char* note = finding.weight == CORVANTIS_NOTE ? "note: " : "";
+        terminal.Print("{}: byte {}, {}: {}found {}, expected {}\n", file.Name(), finding.offset,
+                       finding.place, note, finding.found, finding.expected);
     }
 }
 
-nlohmann::json ToJson(const std::string& path, const Findings& findings) {
-    nlohmann::json list = nlohmann::json::array();
-    for (const Finding& finding : findings) {
-        list.push_back({{"offset", finding.offset},
-                        {"where", finding.where},
-                        {"found", finding.found},
-                        {"expected", finding.expected},
-                        {"severity", finding.isNote ? "note" : "fault"}});
-    }
-    return {{"file", DisplayText(path)}, {"clean", !HasFault(findings)}, {"findings", list}};
+Json FindingsJson(const Findings& findings) {
+    Json list = Json::array();
+    for (const Finding& finding : findings) list.push_back(FindingJson(finding));
+    return list;
 }
 
-bool HasFault(const Findings& findings) {
-    return std::any_of(findings.begin(), findings.end(),
-                       [](const Finding& finding) { return !finding.isNote; });
+bool AreClean(const Findings& findings) {
+    return std::all_of(findings.begin(), findings.end(),
+                       [](const Finding& finding) { return finding.weight == CORVANTIS_NOTE; });
 }
 
 }  // namespace corvantis::tool

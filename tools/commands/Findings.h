@@ -1,28 +1,24 @@
 // What `check` finds: where, what is there, and what should be there.
 #pragma once
 
-#include <cstdint>
-#include <nlohmann/json.hpp>
-#include <string>
 #include <vector>
 
+#include "files/DataFile.h"
+#include "output/RecordValues.h"
 #include "output/Terminal.h"
+#include "survey/Findings.h"
 
 namespace corvantis::tool {
 
-struct Finding {
-    int64_t offset = 0;  // [bytes]
-    std::string where;
-    std::string found;
-    std::string expected;
-    bool isNote = false;  // worth knowing, but nothing to repair, and no reason for exit code 1
-};
-
+using reading::Finding;
 using Findings = std::vector<Finding>;
 
-void PrintFindings(const Terminal& terminal, const std::string& path, const Findings& findings);
-nlohmann::json ToJson(const std::string& path, const Findings& findings);
+// In the order of their offsets. Throws a Failure if the file's bytes do not come.
+Findings FindingsOf(const DataFile& file);
 
-bool HasFault(const Findings& findings);
+void PrintFindings(const Terminal& terminal, const DataFile& file, const Findings& findings);
+Json FindingsJson(const Findings& findings);
+// Notes are worth knowing, but nothing to repair, and no reason for exit code 1.
+bool AreClean(const Findings& findings);
 
 }  // namespace corvantis::tool

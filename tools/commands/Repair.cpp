@@ -47,17 +47,27 @@
 
 #include <algorithm>
 #include <limits>
+#include <optional>
+#include <vector>
 
-#include "commands/Findings.h"
+#include "ITCFileIO/RecordCodec.h"
+#include "files/DataFile.h"
 #include "files/Failure.h"
 #include "files/NewFile.h"
-#include "output/Text.h"
-#include "survey/Survey.h"
+#include "output/RecordValues.h"
+#include "text/Text.h"
 
 namespace corvantis::tool {
 namespace {
 
-constexpr int64_t kCopyBlock = 1 << 20;
+using reading::DisplayText;
+using reading::EpochPlace;
+using reading::Remark;
+using reading::Stretch;
+using reading::Survey;
+using reading::UnfinishedEpoch;
+
+constexpr size_t kCopyBlock = 1 << 20;
 constexpr int64_t kLargestPosition = std::numeric_limits<uint32_t>::max();
 
 struct Dropped {
@@ -78,7 +88,11 @@ struct Account {
 class OutputFile {
   public:
     OutputFile(const DataFile& from, NewFile& to, const Terminal& terminal)
-        : from_(from), to_(to), progress_(terminal, "copying", from.Size()) {}
+        : from_(from),
+          view_(from.Contents().View()),
+          to_(to),
+          progress_(terminal, "copying", view_.Size()),
+          block_(kCopyBlock) {}
 
     // For an epoch of that size, with the table behind it.
     bool HasRoom(int64_t size) const { return position_ + size <= kLargestPosition; }
@@ -96,40 +110,53 @@ class OutputFile {
         Copy(epoch.place.samples,
              epoch.place.samples + int64_t{2} * epoch.wholePoints * epoch.place.entries);
         const int64_t field = start + static_cast<int64_t>(offsetof(ITCEpochHeader, epochPoints));
-        WriteAt(field, [&](FILE* stream) { return WriteArray_int(stream, &epoch.wholePoints, 1); });
+        std::array<uint8_t, sizeof epoch.wholePoints> points;
+        StoreBigEndian(points.data(), epoch.wholePoints);
+        WriteAt(field, points);
     }
 
     void Finish() {
-        ITCFileHeader header = from_.Header();
+        ITCFileHeader header = view_.Header();
         header.numEpochs = static_cast<int32_t>(starts_.size());
         header.epochTablePosition = static_cast<int32_t>(static_cast<uint32_t>(position_));
-        WriteAt(0, [&](FILE* stream) { return Write_ITCFileHeader(stream, &header); });
-        WriteAt(position_, [&](FILE* stream) {
-            return WriteArray_int(stream, starts_.data(), header.numEpochs);
-        });
+        std::vector<uint8_t> table(starts_.size() * sizeof(uint32_t));
+        for (size_t i = 0; i < starts_.size(); ++i) {
+            StoreBigEndian(table.data() + i * sizeof(uint32_t), starts_[i]);
+        }
+        WriteAt(0, Encode(header));
+        WriteAt(position_, table);
         to_.Commit();
     }
 
   private:
-    void Begin() { starts_.push_back(static_cast<int32_t>(static_cast<uint32_t>(position_))); }
+    void Begin() { starts_.push_back(static_cast<uint32_t>(position_)); }
 
     void Copy(int64_t begin, int64_t end) {
         while (begin < end) {
             progress_.Reach(begin);
-            const auto bytes = from_.Bytes(begin, std::min(end - begin, kCopyBlock));
-            if (bytes.empty()) throw Failure(from_.Path(), "became shorter while it was read");
-            WriteAt(position_, [&](FILE* stream) {
-                return std::fwrite(bytes.data(), 1, bytes.size(), stream) == bytes.size();
-            });
-            begin += static_cast<int64_t>(bytes.size());
-            position_ += static_cast<int64_t>(bytes.size());
+            const auto left = static_cast<size_t>(end - begin);
+            const std::span piece = std::span(block_).first(std::min(left, kCopyBlock));
+            Read(begin, piece);
+            WriteAt(position_, piece);
+            begin += std::ssize(piece);
+            position_ += std::ssize(piece);
         }
+    }
+
+    void Read(int64_t position, std::span<uint8_t> piece) const {
+        if (view_.Read(position, piece.data(), std::ssize(piece))) return;
+        CorvantisProblem problem = {};
+        const reading::Reporter reporter(from_.Contents().Name(), &problem);
+        reporter.ReportFault(view_);
+        throw Failure(problem);
     }
 
     // Each conductance array shrinks with the points.
     void CopyParameters(const UnfinishedEpoch& epoch) {
         int64_t from = epoch.place.start;
-        for (const int64_t arrays : epoch.place.conductances) {
+        const auto reading = ReadEpochAt(view_, from, reading::Depth::kRecords);
+        for (const reading::Stimulus& stimulus : reading.content.stimuli) {
+            const int64_t arrays = stimulus.conductances;
             if (arrays == 0) continue;
             Copy(from, arrays);
             const int64_t whole = int64_t{4} * epoch.place.points;
@@ -141,22 +168,20 @@ class OutputFile {
         Copy(from, epoch.place.samples);
     }
 
-    template <class Writing>
-    void WriteAt(int64_t position, Writing write) {
-        const bool placed = fseeko(to_.Get(), position, SEEK_SET) == 0;
-        if (!placed || !write(to_.Get())) to_.CheckWritten();
+    void WriteAt(int64_t position, std::span<const uint8_t> bytes) {
+        const bool isPlaced = fseeko(to_.Get(), position, SEEK_SET) == 0;
+        const size_t written = std::fwrite(bytes.data(), 1, bytes.size(), to_.Get());
+        if (!isPlaced || written != bytes.size()) to_.CheckWritten();
     }
 
     const DataFile& from_;
+    const reading::FileView view_;
     NewFile& to_;
     Progress progress_;
-    int64_t position_ = kFirstEpoch;
-    std::vector<int32_t> starts_;
+    int64_t position_ = reading::kFirstEpoch;
+    std::vector<uint8_t> block_;
+    std::vector<uint32_t> starts_;
 };
-
-std::string Why(const Mismatch& mismatch) {
-    return fmt::format("found {}, expected {}", mismatch.found, mismatch.expected);
-}
 
 bool AppendUnfinished(const UnfinishedEpoch& epoch, const RepairOptions& options,
                       OutputFile& output) {
@@ -166,21 +191,21 @@ bool AppendUnfinished(const UnfinishedEpoch& epoch, const RepairOptions& options
     return true;
 }
 
-void CountUncounted(const DataFile& file, Account& account) {
-    const auto counted = static_cast<size_t>(std::max(file.Header().numEpochs, 0));
+void CountUncounted(const ITCFileHeader& header, Account& account) {
+    const auto counted = static_cast<size_t>(std::max(header.numEpochs, 0));
     account.uncounted = account.kept > counted ? account.kept - counted : 0;
 }
 
-Account WriteRepaired(const DataFile& file, const Survey& survey, const RepairOptions& options,
-                      OutputFile& output) {
-    Account account;
+std::vector<Dropped> DroppedBefore(const Survey& survey) {
+    std::vector<Dropped> dropped;
     for (const Stretch& stray : survey.strays) {
         const std::string what = stray.number ? fmt::format("epoch {}: ", *stray.number) : "";
-        account.dropped.push_back({stray.begin, stray.end, what + Why(stray.mismatch)});
+        dropped.push_back({stray.begin, stray.end, what + InWords(stray.mismatch)});
     }
-    for (const Remark& remark : survey.remarks) {
-        if (remark.isDoubt) account.doubts.push_back(remark);
-    }
+    return dropped;
+}
+
+void AppendComplete(const Survey& survey, OutputFile& output, Account& account) {
     for (const EpochPlace& epoch : survey.epochs) {
         if (output.HasRoom(epoch.end - epoch.start)) {
             output.Append(epoch);
@@ -189,21 +214,37 @@ Account WriteRepaired(const DataFile& file, const Survey& survey, const RepairOp
             account.dropped.push_back({epoch.start, epoch.end, "beyond the table's 32 bits"});
         }
     }
-    CountUncounted(file, account);
-    if (survey.unfinished && AppendUnfinished(*survey.unfinished, options, output)) {
-        account.cut = survey.unfinished;
-    } else if (survey.unfinished) {
-        const UnfinishedEpoch& last = *survey.unfinished;
-        account.dropped.push_back(
-            {last.place.start, file.Size(),
-             fmt::format("an unfinished epoch, {} of {} points can be had: {}", last.wholePoints,
-                         last.place.points, Why(last.mismatch))});
+}
+
+void AppendLast(const UnfinishedEpoch& last, int64_t size, const RepairOptions& options,
+                OutputFile& output, Account& account) {
+    if (AppendUnfinished(last, options, output)) {
+        account.cut = last;
+        return;
     }
-    if (const int64_t known = survey.numbers + (survey.unfinished ? 1 : 0);
-        known < NumbersOf(file, survey)) {
-        account.dropped.push_back({file.Size(), file.Size(),
-                                   fmt::format("the file ends before {} epochs that it counts",
-                                               NumbersOf(file, survey) - known)});
+    account.dropped.push_back(
+        {last.place.start, size,
+         fmt::format("an unfinished epoch, {} of {} points can be had: {}", last.wholePoints,
+                     last.place.points, InWords(last.mismatch))});
+}
+
+Account WriteRepaired(const DataFile& file, const RepairOptions& options, OutputFile& output) {
+    const reading::Walked& walked = file.Walk();
+    const Survey& survey = walked.survey;
+    const int64_t size = file.Info().size;
+    Account account;
+    account.dropped = DroppedBefore(survey);
+    for (const Remark& remark : survey.remarks) {
+        if (remark.isDoubt) account.doubts.push_back(remark);
+    }
+    AppendComplete(survey, output, account);
+    CountUncounted(file.Contents().Moment().header, account);
+    if (survey.unfinished) AppendLast(*survey.unfinished, size, options, output, account);
+    const int64_t known = survey.numbers + (survey.unfinished ? 1 : 0);
+    if (known < walked.numbers) {
+        account.dropped.push_back(
+            {size, size,
+             fmt::format("the file ends before {} epochs that it counts", walked.numbers - known)});
     }
     output.Finish();
     return account;
@@ -212,7 +253,7 @@ Account WriteRepaired(const DataFile& file, const Survey& survey, const RepairOp
 void PrintAccount(const DataFile& file, const Account& account, const RepairOptions& options,
                   const Terminal& terminal) {
     terminal.Print("{}: kept {} complete epochs of {}", DisplayText(options.output), account.kept,
-                   DisplayText(file.Path()));
+                   file.Name());
     if (account.uncounted > 0) {
         terminal.Print(", {} of them not counted by its header", account.uncounted);
     }
@@ -220,7 +261,7 @@ void PrintAccount(const DataFile& file, const Account& account, const RepairOpti
     if (account.cut) {
         terminal.Print("{}: kept epoch {} cut to {} of {} points: {}\n",
                        DisplayText(options.output), account.kept, account.cut->wholePoints,
-                       account.cut->place.points, Why(account.cut->mismatch));
+                       account.cut->place.points, InWords(account.cut->mismatch));
     }
     for (const Dropped& dropped : account.dropped) {
         terminal.Print("{}: dropped bytes {} to {}: {}\n", DisplayText(options.output),
@@ -228,22 +269,25 @@ void PrintAccount(const DataFile& file, const Account& account, const RepairOpti
     }
     for (const Remark& doubt : account.doubts) {
         terminal.Print("{}: in doubt at byte {} of {}: {}\n", DisplayText(options.output),
-                       doubt.offset, DisplayText(file.Path()), Why(doubt.mismatch));
+                       doubt.offset, file.Name(), InWords(doubt.mismatch));
     }
 }
 
-nlohmann::json ToJson(const DataFile& file, const Account& account, const RepairOptions& options) {
-    nlohmann::json dropped = nlohmann::json::array();
+Json ToJson(const DataFile& file, const Account& account, const RepairOptions& options) {
+    Json dropped = Json::array();
     for (const Dropped& piece : account.dropped) {
         dropped.push_back({{"begin", piece.begin}, {"end", piece.end}, {"reason", piece.reason}});
     }
-    nlohmann::json doubts = nlohmann::json::array();
+    Json doubts = Json::array();
     for (const Remark& doubt : account.doubts) {
-        doubts.push_back({{"offset", doubt.offset}, {"reason", Why(doubt.mismatch)}});
+        doubts.push_back({{"offset", doubt.offset}, {"reason", InWords(doubt.mismatch)}});
     }
-    nlohmann::json json = {{"file", DisplayText(file.Path())},      {"doubts", doubts},
-                           {"output", DisplayText(options.output)}, {"kept", account.kept},
-                           {"uncounted", account.uncounted},        {"dropped", dropped}};
+    Json json = {{"file", file.Name()},
+                 {"doubts", doubts},
+                 {"output", DisplayText(options.output)},
+                 {"kept", account.kept},
+                 {"uncounted", account.uncounted},
+                 {"dropped", dropped}};
     if (account.cut) json["cutToPoints"] = account.cut->wholePoints;
     return json;
 }
@@ -256,14 +300,13 @@ int RunRepair(const RepairOptions& options, const Terminal& terminal) {
         throw Failure(options.output, "is the file to repair; name another one");
     }
     if (file.IsBeingRecorded()) {
-        terminal.Say("corvantis: {}: is being recorded; repaired is what it holds at this moment\n",
-                     DisplayText(options.file));
+        terminal.Say("{}: is being recorded; repaired is what it holds at this moment\n",
+                     file.Name());
     }
-    NewFile repaired(options.output, options.force);
+    NewFile repaired(options.output, options.force, 0600);
     repaired.TakeRights(file.Status());
-    const Survey survey = SurveyFile(file, terminal);
     OutputFile output(file, repaired, terminal);
-    const Account account = WriteRepaired(file, survey, options, output);
+    const Account account = WriteRepaired(file, options, output);
     if (options.json) {
         terminal.Print("{}\n", ToJson(file, account, options).dump(2));
     } else if (!terminal.quiet || !account.IsWhole()) {

@@ -1,24 +1,23 @@
 // A file that appears under its name only when it is complete.
 #pragma once
 
+#include <sys/stat.h>
+
+#include <cstdio>
+#include <memory>
 #include <string>
 
-#include "files/DataFile.h"
+#include "files/TemporaryFile.h"
 
 namespace corvantis::tool {
 
 class NewFile {
   public:
-    // Opens a file of a temporary name beside the path, which any signal that ends the program
-    // removes; only one at a time. Throws a Failure, also if the path exists and may not be
-    // replaced, or is no regular file.
-    NewFile(const std::string& path, bool replace);
+    // Opens a temporary file beside the path. Throws a Failure, also if the path exists and may not
+    // be replaced, or is no regular file.
+    NewFile(const std::string& path, bool replace, mode_t mode = 0666);
     // Nobody may do with the file what they may not with the other one.
     void TakeRights(const struct stat& other);
-    NewFile(const NewFile&) = delete;
-    NewFile& operator=(const NewFile&) = delete;
-    // Removes what was not committed.
-    ~NewFile();
 
     FILE* Get() const { return stream_.get(); }
     // Forces the bytes to the disk and gives the file its name. Throws a Failure.
@@ -27,10 +26,16 @@ class NewFile {
     void CheckWritten() const;
 
   private:
+    struct CloseStream {
+        void operator()(FILE* stream) const { std::fclose(stream); }
+    };
     std::string path_;
-    std::string temporary_;
     bool replace_;
-    Stream stream_;
+    std::unique_ptr<TemporaryFile> temporary_;
+    std::unique_ptr<FILE, CloseStream> stream_;
 };
+
+// Also a link that leads nowhere.
+bool Exists(const std::string& path);
 
 }  // namespace corvantis::tool

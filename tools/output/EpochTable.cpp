@@ -3,18 +3,35 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <limits>
+#include <string_view>
 #include <utility>
 
 #include "files/Failure.h"
-#include "output/Units.h"
-#include "stimuli/Rebuild.h"
-#include "stimuli/Stimuli.h"
+#include "units/Scale.h"
 
 namespace corvantis::tool {
 namespace {
 
+using reading::Scale;
+
 constexpr double kMicrosecondsPerSecond = 1e6;
+
+// Volts are what is left without the entry's own gain or factor.
+Scale ScaleFor(const DataFile& file, const EpochRecords& epoch, int32_t entry, int32_t direction,
+               Values values) {
+    if (values == Values::kCounts) return {.unit = "counts", .formula = {}};
+    const CorvantisScaleInfo info = ScaleOf(file, epoch.number, entry, direction);
+    Scale scale = {info.unit, info.formula, info.countsPerVolt,
+                   info.gain, info.factor,  info.isWord == 1};
+    const bool hasVolts = info.isWord == 0 && scale.unit != "counts";
+    if (values == Values::kVolts && hasVolts) {
+        scale.gain = scale.factor = 1;
+        scale.unit = "V";
+    }
+    return scale;
+}
 
 class TimeColumn : public Column {
   public:
@@ -32,158 +49,144 @@ class TimeColumn : public Column {
 
 class SampleColumn : public Column {
   public:
-    SampleColumn(const DataFile& file, const EpochPlace& place, size_t entry, Conversion conversion)
-        : file_(file), place_(place), entry_(entry), conversion_(std::move(conversion)) {
-        name = fmt::format("response{}_{}", entry, conversion_.unit);
+    SampleColumn(const DataFile& file, int64_t epoch, int32_t entry, Scale scale)
+        : file_(file), epoch_(epoch), entry_(entry), scale_(std::move(scale)) {
+        name = fmt::format("response{}_{}", entry, scale_.unit);
     }
     void Read(int64_t firstPoint, std::span<double> values) override {
-        const auto entries = static_cast<size_t>(place_.entries);
-        samples_.resize(values.size() * entries);
-        FILE* stream = file_.At(place_.samples + int64_t{2} * firstPoint * place_.entries);
-        if (!ReadArray_short(stream, samples_.data(), static_cast<int>(samples_.size()))) {
-            throw Failure(file_.Path(), "its samples cannot be read");
-        }
-        for (size_t i = 0; i < values.size(); ++i) {
-            values[i] = conversion_(samples_[i * entries + entry_]);
-        }
+        counts_.resize(values.size());
+        CorvantisProblem problem = {};
+        Require(CorvantisCounts(file_.Recording(), epoch_, entry_, firstPoint,
+                                static_cast<int64_t>(values.size()), counts_.data(), 0, &problem),
+                problem);
+        reading::Convert(scale_, counts_, values.data(), 1);
     }
 
   private:
     const DataFile& file_;
-    EpochPlace place_;
-    size_t entry_;
-    Conversion conversion_;
-    std::vector<int16_t> samples_;
+    int64_t epoch_;
+    int32_t entry_;
+    Scale scale_;
+    std::vector<int16_t> counts_;
 };
 
+// Computed when it is first read, and then kept: noise has to be computed from its first point on.
 class StimulusColumn : public Column {
   public:
-    StimulusColumn(std::vector<int16_t> samples, size_t entry, Conversion conversion)
-        : samples_(std::move(samples)), conversion_(std::move(conversion)) {
-        name = fmt::format("stimulus{}_{}", entry, conversion_.unit);
+    StimulusColumn(const DataFile& file, const EpochRecords& epoch, int32_t entry, Scale scale)
+        : file_(file),
+          epoch_(epoch.number),
+          points_(epoch.info.points),
+          entry_(entry),
+          scale_(std::move(scale)) {
+        name = fmt::format("stimulus{}_{}", entry, scale_.unit);
     }
     void Read(int64_t firstPoint, std::span<double> values) override {
-        for (size_t i = 0; i < values.size(); ++i) {
-            const size_t point = static_cast<size_t>(firstPoint) + i;
-            values[i] = point < samples_.size() ? conversion_(samples_[point])
-                                                : std::numeric_limits<double>::quiet_NaN();
+        if (firstPoint == 0) Compute();
+        if (samples_.empty()) {
+            std::fill(values.begin(), values.end(), std::numeric_limits<double>::quiet_NaN());
+            return;
         }
+        const std::span all(samples_);
+        reading::Convert(scale_, all.subspan(static_cast<size_t>(firstPoint), values.size()),
+                         values.data(), 1);
     }
 
   private:
+    void Compute() {
+        samples_.resize(static_cast<size_t>(points_));
+        CorvantisProblem problem = {};
+        const int32_t result = CorvantisStimulus(file_.Recording(), epoch_, entry_, 0, points_,
+                                                 samples_.data(), 0, nullptr, &problem);
+        if (result == CORVANTIS_NO_STIMULUS) {
+            samples_.clear();
+        } else {
+            Require(result, problem);
+        }
+    }
+
+    const DataFile& file_;
+    int64_t epoch_;
+    int64_t points_;
+    int32_t entry_;
+    Scale scale_;
     std::vector<int16_t> samples_;
-    Conversion conversion_;
 };
 
 class ConductanceColumn : public Column {
   public:
-    ConductanceColumn(const DataFile& file, int64_t position, std::string title)
-        : file_(file), position_(position) {
-        name = std::move(title);
+    ConductanceColumn(const DataFile& file, int64_t epoch, int32_t entry, int32_t which)
+        : file_(file), epoch_(epoch), entry_(entry), which_(which) {
+        name = fmt::format("{}{}_nS", which == CORVANTIS_EXCITATORY ? "excitatory" : "inhibitory",
+                           entry);
     }
     void Read(int64_t firstPoint, std::span<double> values) override {
         conductances_.resize(values.size());
-        FILE* stream = file_.At(position_ + int64_t{4} * firstPoint);
-        if (!ReadArray_float(stream, conductances_.data(), static_cast<int>(values.size()))) {
-            throw Failure(file_.Path(), "its conductances cannot be read");
-        }
+        CorvantisProblem problem = {};
+        Require(CorvantisConductance(file_.Recording(), epoch_, entry_, which_, firstPoint,
+                                     static_cast<int64_t>(values.size()), conductances_.data(),
+                                     &problem),
+                problem);
         std::copy(conductances_.begin(), conductances_.end(), values.begin());
     }
 
   private:
     const DataFile& file_;
-    int64_t position_;
+    int64_t epoch_;
+    int32_t entry_;
+    int32_t which_;
     std::vector<float> conductances_;
 };
 
-class TableBuilder {
-  public:
-    TableBuilder(const DataFile& file, const EpochPlace& place, Values values, EpochTable& table)
-        : file_(file),
-          place_(place),
-          content_(ReadEpochAt(file, place.start).content),
-          values_(values),
-          table_(table) {}
+// Not behind a record of unknown length.
+bool HasConductances(const DataFile& file, const EpochRecords& epoch, int32_t entry) {
+    return epoch.info.stimulusTypes[entry] == ITC_STIMULUS_DYNAMIC_CLAMP &&
+           ParametersOf(file, epoch.number, entry).isThere == 1;
+}
 
-    void AddResponses() {
-        table_.points = place_.points;
-        Add<TimeColumn>(content_.header.samplingInterval);
-        for (size_t entry = 0; entry < Entries(); ++entry) {
-            Add<SampleColumn>(file_, place_, entry, ResponseConversion(entry));
-        }
+void Remark(const DataFile& file, const EpochRecords& epoch, int32_t entry, EpochTable& table) {
+    const StimulusState state = StimulusStateOf(file, epoch.number, entry);
+    const std::string name = TypeName(epoch.info.stimulusTypes[entry]);
+    const auto remark = [&](std::string_view kind, std::string_view why) {
+        table.remarks.push_back(
+            fmt::format("entry {}: {} {} stimulus: {}", entry, kind, name, why));
+    };
+    if (!state.problem.empty()) {
+        remark("no", state.problem);
+    } else if (!state.fillsEpoch) {
+        remark("doubtful", "its lengths do not fill the epoch");
     }
-
-    void AddStimuli() {
-        RebuiltStimulus rebuilt = RebuildStimulus(file_, place_, content_).front();
-        for (size_t entry = 0; entry < Entries(); ++entry) {
-            if (place_.conductances[entry] != 0) {
-                AddConductances(entry);
-                continue;
-            }
-            Remark(entry, rebuilt.entries[entry].empty());
-            Add<StimulusColumn>(std::move(rebuilt.entries[entry]), entry,
-                                StimulusConversion(entry));
-        }
-    }
-
-  private:
-    size_t Entries() const { return content_.stimuli.size(); }
-
-    template <class Kind, class... Arguments>
-    void Add(Arguments&&... arguments) {
-        table_.columns.push_back(std::make_unique<Kind>(std::forward<Arguments>(arguments)...));
-    }
-
-    Conversion ResponseConversion(size_t entry) const {
-        if (values_ == Values::kCounts) return {.unit = "counts"};
-        if (values_ == Values::kVolts)
-            return ResponseInVolts(file_.Header(), content_.header, entry);
-        return ResponseInUnits(file_.Header(), content_.header, entry);
-    }
-
-    Conversion StimulusConversion(size_t entry) const {
-        if (values_ == Values::kCounts) return {.unit = "counts"};
-        if (values_ == Values::kVolts)
-            return StimulusInVolts(file_.Header(), content_.header, entry);
-        return StimulusInUnits(file_.Header(), content_.header, entry);
-    }
-
-    // Its computed output is zero throughout, which nobody wants to see.
-    void AddConductances(size_t entry) {
-        const int64_t arrays = place_.conductances[entry];
-        Add<ConductanceColumn>(file_, arrays, fmt::format("excitatory{}_nS", entry));
-        Add<ConductanceColumn>(file_, arrays + int64_t{4} * place_.points,
-                               fmt::format("inhibitory{}_nS", entry));
-    }
-
-    void Remark(size_t entry, bool isEmpty) {
-        const Stimulus& stimulus = content_.stimuli[entry];
-        std::string why = WhyNotRebuilt(file_.Header(), stimulus);
-        const bool fits = !isEmpty && FillsEpoch(stimulus, place_.points);
-        if (why.empty() && !fits && place_.points > 0) why = "its lengths do not fit the epoch";
-        if (why.empty()) return;
-        table_.remarks.push_back(fmt::format("entry {}: {} {} stimulus: {}", entry,
-                                             isEmpty ? "no" : "doubtful", TypeName(stimulus.type),
-                                             why));
-    }
-
-    const DataFile& file_;
-    EpochPlace place_;
-    EpochContent content_;
-    Values values_;
-    EpochTable& table_;
-};
+    if (state.doubt.reason != CORVANTIS_NO_DOUBT) remark("doubtful", state.doubt.text);
+}
 
 }  // namespace
 
-EpochTable MakeEpochTable(const DataFile& file, const EpochPlace& place, Values values) {
+EpochTable MakeEpochTable(const DataFile& file, const EpochRecords& epoch, Values values) {
     EpochTable table;
-    TableBuilder(file, place, values, table).AddResponses();
+    table.points = epoch.info.points;
+    table.columns.push_back(std::make_unique<TimeColumn>(epoch.info.samplingInterval));
+    for (int32_t entry = 0; entry < epoch.info.entries; ++entry) {
+        table.columns.push_back(std::make_unique<SampleColumn>(
+            file, epoch.number, entry, ScaleFor(file, epoch, entry, CORVANTIS_RESPONSE, values)));
+    }
     return table;
 }
 
-void AddStimulus(const DataFile& file, const EpochPlace& place, Values values, EpochTable& table) {
-    TableBuilder(file, place, values, table).AddStimuli();
+// The computed output of a dynamic clamp is zero throughout, which nobody wants to see.
+void AddStimulus(const DataFile& file, const EpochRecords& epoch, Values values,
+                 EpochTable& table) {
+    for (int32_t entry = 0; entry < epoch.info.entries; ++entry) {
+        if (HasConductances(file, epoch, entry)) {
+            for (const int32_t which : {CORVANTIS_EXCITATORY, CORVANTIS_INHIBITORY}) {
+                table.columns.push_back(
+                    std::make_unique<ConductanceColumn>(file, epoch.number, entry, which));
+            }
+            continue;
+        }
+        Remark(file, epoch, entry, table);
+        table.columns.push_back(std::make_unique<StimulusColumn>(
+            file, epoch, entry, ScaleFor(file, epoch, entry, CORVANTIS_STIMULUS, values)));
+    }
 }
 
 }  // namespace corvantis::tool

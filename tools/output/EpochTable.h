@@ -2,14 +2,13 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <span>
 #include <string>
 #include <vector>
 
-#include "files/Container.h"
 #include "files/DataFile.h"
+#include "files/EpochRecords.h"
 
 namespace corvantis::tool {
 
@@ -31,9 +30,8 @@ struct EpochTable {
 };
 
 // The table reads from the file, which must outlive it.
-EpochTable MakeEpochTable(const DataFile& file, const EpochPlace& place, Values values);
+EpochTable MakeEpochTable(const DataFile& file, const EpochRecords& epoch, Values values);
 
-// Adds the stimulus, whose noise begins where this process's generators stand.
-void AddStimulus(const DataFile& file, const EpochPlace& place, Values values, EpochTable& table);
+void AddStimulus(const DataFile& file, const EpochRecords& epoch, Values values, EpochTable& table);
 
 }  // namespace corvantis::tool

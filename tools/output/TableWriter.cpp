@@ -13,10 +13,11 @@ namespace {
 class CsvWriter : public TableWriter {
   public:
     CsvWriter(FILE* stream, const std::vector<std::string>& names) : stream_(stream) {
-        for (size_t i = 0; i < names.size(); ++i) {
-            fmt::print(stream_, "{}{}", i == 0 ? "" : ",", Quoted(names[i]));
-        }
-        std::fputc('\n', stream_);
+        std::string line;
+        for (const std::string& name : names)
+            line.append(line.empty() ? "" : ",").append(Quoted(name));
+        line.push_back('\n');
+        std::fputs(line.c_str(), stream_);
     }
 
     void WriteRow(std::span<const double> values) override {

@@ -6,30 +6,34 @@
 #include <cstdint>
 #include <cstdio>
 #include <string>
-#include <string_view>
 
 namespace corvantis::tool {
 
 struct Terminal {
     FILE* results = nullptr;
     FILE* messages = nullptr;
-    bool quiet = false;  // no progress, and no results that only say that all is well
+    bool quiet = false;  // no progress, and nothing that only says that all is well
 
+    // Neither throws, unlike fmt's own. Lost results stay in the stream as its error, for the end;
+    // a lost message changes neither results nor exit code.
     template <class... Values>
     void Print(fmt::format_string<Values...> format, const Values&... values) const {
-        fmt::vprint(results, format, fmt::make_format_args(values...));
+        Write(results, fmt::vformat(format, fmt::make_format_args(values...)));
     }
     template <class... Values>
     void Say(fmt::format_string<Values...> format, const Values&... values) const {
-        // No exception, unlike fmt's own: a lost message changes neither results nor exit code.
-        std::fputs(fmt::vformat(format, fmt::make_format_args(values...)).c_str(), messages);
+        Write(messages, "corvantis: " + fmt::vformat(format, fmt::make_format_args(values...)));
+    }
+
+  private:
+    static void Write(FILE* stream, const std::string& text) {
+        std::fwrite(text.data(), 1, text.size(), stream);
     }
 };
 
-// The library prints lines of its own on standard output. This takes the real one away for the
-// tool's results and leaves the library one that goes nowhere. Call it once, before anything else.
-// Throws a Failure if it is closed, since every result would be lost.
-FILE* TakeStandardOutput();
+// Keeps files that are opened later from becoming standard streams that are closed. Throws a
+// Failure if standard output is, since every result would be lost.
+void SecureStandardStreams();
 
 // A percentage that is rewritten in place, on a terminal only, and gone at the end.
 class Progress {
@@ -39,6 +43,8 @@ class Progress {
     Progress& operator=(const Progress&) = delete;
     ~Progress();
     void Reach(int64_t done);
+    // Before something else is written there.
+    void Clear();
 
   private:
     FILE* stream_;

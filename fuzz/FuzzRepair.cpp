@@ -25,7 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     } catch (const corvantis::tool::Failure&) {
         return 0;
     }
-    const int checked = corvantis::tool::RunCheck({{output}, false, false}, terminal);
+    const int checked = corvantis::tool::RunCheck({{{output}, 1, false}, false}, terminal);
     corvantis_fuzz::Require(checked == corvantis::tool::kFine);
     ITCOpenFileForInput(output.c_str());
     corvantis_fuzz::ReachFirstEpoch();

@@ -9,16 +9,7 @@ namespace {
 class DamageTest : public ToolTest {
   protected:
     static Bytes Epoch(uint16_t value) { return PulseEpochBytes({value, 20, 30, 40}); }
-    static Bytes FileOf(const std::vector<Bytes>& epochs) {
-        Bytes file(580), table;
-        for (const Bytes& epoch : epochs) {
-            table = Join({table, Big32(static_cast<uint32_t>(file.size()))});
-            file = Join({file, epoch});
-        }
-        const auto end = static_cast<uint32_t>(file.size());
-        Put(file, 0, FileHeaderBytes(8, static_cast<uint32_t>(epochs.size()), end));
-        return Join({file, table});
-    }
+    static Bytes FileOf(const std::vector<Bytes>& epochs) { return DataFileBytes(epochs); }
     // Each epoch has 952 bytes: they begin at 580, 1532 and 2484, the table at 3436.
     static Bytes ThreeEpochs() { return FileOf({Epoch(1), Epoch(2), Epoch(3)}); }
     // As samples of one epoch the bytes of others.

@@ -7,19 +7,7 @@ namespace {
 
 class ExportTest : public ToolTest {
   protected:
-    // Two entries, 200 µs, four points; gains and units for the first entry, the digital port read
-    // by the second; other scales for inputs, 3200, and outputs, 6400 counts per volt.
-    ExportTest() {
-        Bytes file = Join({FileHeaderBytes(8, 1, 1572),
-                           PulseEpochBytes({3200, 1, 0, 2, 0xF380, 0xFFFF, 1600, 4}), Big32(580)});
-        Put(file, 528, Hex("45C80000"));
-        Put(file, 580 + 516, Hex("3F000000"));  // ampGain[0] 0.5 V per unit
-        Put(file, 580 + 548, Hex("42C80000"));  // convFactor[0] 100 units per V
-        Put(file, 580 + 588, Big32(0xCC00));    // channelSequence[1]
-        Put(file, 580 + 609, Text("pA", 16));
-        Put(file, 580 + 673, Text("mV", 16));
-        WriteFile("file.dat", file);
-    }
+    ExportTest() { WriteFile("file.dat", UnitsFileBytes()); }
 };
 
 // The pulse: 1000 counts for two points after one of -5.

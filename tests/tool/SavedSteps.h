@@ -61,6 +61,19 @@ inline std::vector<Bytes> RecordSteps(const std::string& path,
     return steps;
 }
 
+// Two entries, 200 µs, four points; gains and units for the first entry, the digital port read by
+// the second; other scales for inputs, 3200, and outputs, 6400 counts per volt.
+inline Bytes UnitsFileBytes() {
+    Bytes file = DataFileBytes({PulseEpochBytes({3200, 1, 0, 2, 0xF380, 0xFFFF, 1600, 4})});
+    Put(file, 528, Hex("45C80000"));
+    Put(file, 580 + 516, Hex("3F000000"));  // ampGain[0] 0.5 V per unit
+    Put(file, 580 + 548, Hex("42C80000"));  // convFactor[0] 100 units per V
+    Put(file, 580 + 588, Big32(0xCC00));    // channelSequence[1]
+    Put(file, 580 + 609, Text("pA", 16));
+    Put(file, 580 + 673, Text("mV", 16));
+    return file;
+}
+
 // Where the table of a sound file begins, and so where the next save does.
 inline size_t TableOf(const Bytes& file) { return Word(file, 536) == 0 ? 580 : Word(file, 540); }
 

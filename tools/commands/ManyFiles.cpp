@@ -64,7 +64,7 @@ class Summary {
     }
     int Code() const { return code_; }
     void Say(const Terminal& terminal) const {
-        terminal.Say("{} files, {} epochs, {} findings, {} failures; {} others are no recordings\n",
+        terminal.Say("files: {}, epochs: {}, findings: {}, failures: {}, no recordings: {}\n",
                      files_, epochs_, findings_, failures_, others_);
     }
     Json ToJson() const {

@@ -59,7 +59,7 @@ Json LevelsJson(std::span<const CorvantisField> fields, const void* record,
                 const CorvantisScaleInfo& scale) {
     Json levels = Json::object();
     for (const CorvantisField& field : fields) {
-        if (!IsLevel(field)) continue;
+        if (!IsLevel(field) || scale.isWord == 1) continue;
         levels[field.name] = OrNull(InUnits(LevelOf(field, record), scale));
     }
     return levels;
@@ -119,11 +119,12 @@ Json RecordingJson(const DataFile& file) {
     CorvantisFileHeader(file.Recording(), header.data());
     Json notFinite = Json::object();
     const Json values = FieldValues(FieldsOf(CORVANTIS_FILE_HEADER), header.data(), notFinite);
-    return {
-        {"file", file.Name()},       {"problem", nullptr},
-        {"bytes", info.size},        {"found", info.found == CORVANTIS_BY_TABLE ? "table" : "walk"},
-        {"epochCount", info.epochs}, {"header", values},
-        {"notFinite", notFinite}};
+    return {{"file", file.Name()},
+            {"bytes", info.size},
+            {"found", info.found == CORVANTIS_BY_TABLE ? "table" : "walk"},
+            {"epochCount", info.epochs},
+            {"header", values},
+            {"notFinite", notFinite}};
 }
 
 Json FailureJson(const std::string& name, const Failure& failure) {

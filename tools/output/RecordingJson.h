@@ -14,7 +14,7 @@ namespace corvantis::tool {
 
 inline constexpr int kSchemaVersion = 1;
 
-// Without epochs and findings.
+// Without epochs and findings, and without the problem that may yet come up.
 Json RecordingJson(const DataFile& file);
 // Of a file that could not be read to its end, or not at all.
 Json FailureJson(const std::string& name, const Failure& failure);

@@ -26,7 +26,7 @@ void GenericAndNoise() {
     ASSERT_EQ(ITCSegmentedNoiseParams(1, &noise), 0);
 }
 
-class RebuildTest : public ToolTest {
+class CheckStimulusTest : public ToolTest {
   protected:
     // One on each line.
     static std::string Findings(Bytes file, size_t offset, const Bytes& change) {
@@ -40,7 +40,7 @@ class RebuildTest : public ToolTest {
     }
 };
 
-TEST_F(RebuildTest, SaysWhichStimuliCannotBeRebuiltAndWhy) {
+TEST_F(CheckStimulusTest, SaysWhichCannotBeComputedForCertainAndWhy) {
     const Preparation epochs[] = {GenericAndNoise,
                                   Epoch(ITCSegmentedNoiseParams, {500, 7, 9, 60, 2, 2, 15, {}}),
                                   Epoch(ITCNoiseParams, {500, 7, -5, 60, 2, 2, 4, 1000, 1}),

@@ -8,7 +8,7 @@ namespace {
 using Json = nlohmann::json;
 
 // A dynamic clamp, a sum and waves, of which two are not stored; a digital port; an epoch that is
-// damaged, one with a gain that is no number, and one with an infinite value.
+// damaged, and one with gains that are no numbers or infinite.
 class JsonTest : public ToolTest {
   protected:
     JsonTest() {
@@ -16,9 +16,8 @@ class JsonTest : public ToolTest {
         WriteFile("b.dat", UnitsFileBytes());
         const Bytes epoch = PulseEpochBytes({1, 2, 3, 4});
         Bytes file = DataFileBytes({epoch, epoch, epoch});
-        Put(file, 580 + 520, Hex("7FC00000"));
+        Put(file, 580 + 520, Hex("7FC00000 FF800000"));
         Put(file, 1532 + 580, Big32(9));
-        Put(file, 2484 + 769, Hex("FF800000"));
         WriteFile("c.dat", file);
         WriteFile("d.png", Hex("89504E47"));
     }
@@ -54,10 +53,10 @@ TEST_F(JsonTest, SaysWhatStandsInTheFiles) {
         {"/recordings/1/epochs/0/entries/1/output", "1"},
         {"/recordings/1/epochs/0/entries/1/responseScale/isWord", "true"},
         {"/recordings/2/found", R"("table")"},
-        {"/recordings/2/epochs/0/header/ampGain", "[0.0,null,0.0,0.0]"},
-        {"/recordings/2/epochs/0/notFinite", R"({"ampGain[1]":"NaN"})"},
+        {"/recordings/2/epochs/0/header/ampGain", "[0.0,null,null,0.0]"},
+        {"/recordings/2/epochs/0/notFinite", R"({"ampGain[1]":"NaN","ampGain[2]":"-Infinity"})"},
         {"/recordings/2/epochs/1",
-         R"({"number":1,"position":1532,"problem":"found sequenceLength 9, expected 1 to 4"})"},
+         R"({"number":1,"lastNumber":1,"position":1532,"problem":"found sequenceLength 9, expected 1 to 4"})"},
         {"/recordings/2/epochs/2/position", "2484"},
         {"/recordings/2/isClean", "false"},
         {"/recordings/2/findings",

@@ -51,44 +51,6 @@ Values ValuesOf(const ExportOptions& options) {
     return options.volts ? Values::kVolts : Values::kUnits;
 }
 
-// What cannot be given, with epochs that nothing is known of in one line.
-class MissingEpochs {
-  public:
-    MissingEpochs(const DataFile& file, const Terminal& terminal)
-        : file_(file), terminal_(terminal) {}
-
-    void Add(int64_t number) {
-        const EpochProblem problem = WhyMissing(file_, number);
-        const bool goesOn = count > 0 && number == last_ + 1 && problem.offset < 0 &&
-                            isWithoutPlace_ && problem.text == text_;
-        if (!goesOn) {
-            Say();
-            first_ = number;
-        }
-        last_ = number;
-        isWithoutPlace_ = problem.offset < 0;
-        text_ = problem.text;
-        ++count;
-    }
-    void Say() {
-        if (text_.empty()) return;
-        const std::string which = first_ == last_ ? fmt::format("epoch {}", first_)
-                                                  : fmt::format("epochs {} to {}", first_, last_);
-        terminal_.Say("{}: {} cannot be given: {}\n", file_.Name(), which, text_);
-        text_.clear();
-    }
-
-    int64_t count = 0;
-
-  private:
-    const DataFile& file_;
-    const Terminal& terminal_;
-    int64_t first_ = 0;
-    int64_t last_ = 0;
-    bool isWithoutPlace_ = false;
-    std::string text_;
-};
-
 class Exporter {
   public:
     Exporter(const DataFile& file, const FoundFile& found, const ExportOptions& options,
@@ -103,17 +65,13 @@ class Exporter {
     Outcome Export() {
         const std::vector<int64_t> numbers = ChosenEpochs();
         if (IsAll()) SayStrays();
-        MissingEpochs missing(file_, terminal_);
-        for (const int64_t number : numbers) {
-            if (const auto epoch = ReadEpoch(file_, number)) {
-                missing.Say();
+        for (size_t i = 0; i < numbers.size(); ++i) {
+            if (const auto epoch = ReadEpoch(file_, numbers[i])) {
                 ExportEpoch(*epoch, numbers.size());
             } else {
-                missing.Add(number);
+                i = SayLost(numbers, i);
             }
         }
-        missing.Say();
-        findings_ += missing.count;
         return {findings_ > 0 ? kFindings : kFine, exported_, findings_};
     }
 
@@ -152,6 +110,18 @@ class Exporter {
                           stray.mismatch.expected);
             ++findings_;
         }
+    }
+
+    // The last of those that were asked for and are lost together.
+    size_t SayLost(const std::vector<int64_t>& numbers, size_t i) {
+        const LostEpochs lost = LostFrom(file_, numbers[i]);
+        size_t last = i;
+        while (last + 1 < numbers.size() && numbers[last + 1] <= lost.last) ++last;
+        const std::string upTo = last == i ? "" : fmt::format(" to {}", numbers[last]);
+        terminal_.Say("{}: epoch{} {}{} cannot be given: {}\n", file_.Name(), last == i ? "" : "s",
+                      lost.first, upTo, lost.text);
+        findings_ += static_cast<int64_t>(last - i) + 1;
+        return last;
     }
 
     // A list of one epoch, even if written as 3,3, goes to OUT itself.

@@ -26,7 +26,8 @@ std::string PathInFolder(const ExportOptions& options, const FoundFile& found, i
     std::error_code error;
     fs::create_directories(folder, error);
     if (error) throw Failure(folder.string(), error.message());
-    return (folder / Numbered("epoch", epoch, epochs, "." + FormatOf(options))).string();
+    return (folder / Numbered("epoch", epoch, epochs, fmt::format(".{}", FormatOf(options))))
+        .string();
 }
 
 }  // namespace

@@ -1,8 +1,7 @@
 // Showing files as text or JSON, all epochs or those that are asked for.
 #include "commands/Info.h"
 
-#include <numeric>
-#include <vector>
+#include <utility>
 
 #include "commands/EpochList.h"
 #include "commands/Findings.h"
@@ -12,23 +11,34 @@
 namespace corvantis::tool {
 namespace {
 
-std::vector<int64_t> ChosenEpochs(const DataFile& file, const std::string& list) {
+// show(epoch) and lost(epochs), of all or of those that are listed.
+template <class Show, class Lost>
+void VisitEpochs(const DataFile& file, const std::string& list, Show show, Lost lost) {
+    const auto visit = [&](int64_t number) {
+        if (const auto epoch = ReadEpoch(file, number)) {
+            show(*epoch);
+            return number;
+        }
+        LostEpochs gap = LostFrom(file, number);
+        if (!list.empty()) gap.last = number;
+        lost(gap);
+        return gap.last;
+    };
     const int64_t count = file.Info().epochs;
-    if (!list.empty()) return ParseEpochList(list, count);
-    std::vector<int64_t> all(static_cast<size_t>(count));
-    std::iota(all.begin(), all.end(), int64_t{0});
-    return all;
+    if (list.empty()) {
+        for (int64_t number = 0; number < count; ++number) number = visit(number);
+    } else {
+        for (const int64_t number : ParseEpochList(list, count)) visit(number);
+    }
 }
 
-void PrintChosen(const DataFile& file, const std::string& list, const Terminal& terminal) {
-    for (const int64_t number : ChosenEpochs(file, list)) {
-        const auto epoch = ReadEpoch(file, number);
-        if (!epoch) {
-            throw Failure(file.Name(), fmt::format("epoch {} cannot be shown: {}", number,
-                                                   WhyMissing(file, number).text));
-        }
-        PrintEpoch(file, *epoch, terminal);
-    }
+void PrintInFull(const DataFile& file, const std::string& list, const Terminal& terminal) {
+    VisitEpochs(
+        file, list, [&](const EpochRecords& epoch) { PrintEpoch(file, epoch, terminal); },
+        [&](const LostEpochs& lost) {
+            throw Failure(file.Name(),
+                          fmt::format("epoch {} cannot be shown: {}", lost.first, lost.text));
+        });
 }
 
 Findings PrintText(const DataFile& file, const InfoOptions& options, const Terminal& terminal) {
@@ -36,7 +46,7 @@ Findings PrintText(const DataFile& file, const InfoOptions& options, const Termi
         PrintFile(file, terminal);
         PrintEpochLines(file, terminal);
     } else {
-        PrintChosen(file, options.epochs, terminal);
+        PrintInFull(file, options.epochs, terminal);
     }
     return FindingsOf(file);
 }
@@ -45,7 +55,7 @@ Findings PrintText(const DataFile& file, const InfoOptions& options, const Termi
 // on the way, what has been printed stays JSON, and says so at its end.
 Findings PrintJson(const DataFile& file, const InfoOptions& options, const Terminal& terminal,
                    int& code) {
-    const std::vector<int64_t> numbers = ChosenEpochs(file, options.epochs);
+    if (!options.epochs.empty()) ParseEpochList(options.epochs, file.Info().epochs);
     Findings findings;
     Json problem;
     std::string head = RecordingJson(file).dump();
@@ -53,11 +63,12 @@ Findings PrintJson(const DataFile& file, const InfoOptions& options, const Termi
     terminal.Print("{},\n\"epochs\":[", head);
     try {
         const char* lineBreak = "\n";
-        for (const int64_t number : numbers) {
-            const std::string epoch = EpochJson(file, number).dump();
-            terminal.Print("{}{}", lineBreak, epoch);
-            lineBreak = ",\n";
-        }
+        const auto print = [&](const Json& epoch) {
+            terminal.Print("{}{}", std::exchange(lineBreak, ",\n"), epoch.dump());
+        };
+        VisitEpochs(
+            file, options.epochs, [&](const EpochRecords& epoch) { print(EpochJson(file, epoch)); },
+            [&](const LostEpochs& lost) { print(LostJson(lost)); });
         findings = FindingsOf(file);
     } catch (const Failure& failure) {
         terminal.Say("{}\n", failure.what());

@@ -1,6 +1,7 @@
 // Asking the reading library about one epoch.
 #include "files/EpochRecords.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "files/Failure.h"
@@ -11,6 +12,16 @@ namespace corvantis::tool {
 namespace {
 
 using reading::EpochContent;
+using reading::Survey;
+
+// The first number behind that one of which something else is known.
+int64_t EndOfGap(const Survey& survey, int64_t number, int64_t count) {
+    int64_t end = std::min(count, NextNumber(survey, number));
+    for (const reading::Stretch& stray : survey.strays) {
+        if (stray.number && *stray.number > number) end = std::min(end, *stray.number);
+    }
+    return number < survey.numbers ? std::min(end, survey.numbers) : end;
+}
 
 EpochContent ContentOf(const DataFile& file, int64_t epoch) {
     CorvantisProblem problem = {};
@@ -28,16 +39,21 @@ std::optional<EpochRecords> ReadEpoch(const DataFile& file, int64_t number) {
     EpochRecords epoch;
     epoch.number = number;
     CorvantisProblem problem = {};
-    const int32_t result = CorvantisEpoch(file.Recording(), number, &epoch.info, &problem);
+    // Nobody listens yet: what is wrong with a damaged epoch takes its time to say.
+    const int32_t result = CorvantisEpoch(file.Recording(), number, &epoch.info, nullptr);
     if (result == CORVANTIS_DAMAGED) return std::nullopt;
-    Require(result, problem);
+    if (result != CORVANTIS_SUCCESS) {
+        Require(CorvantisEpoch(file.Recording(), number, &epoch.info, &problem), problem);
+    }
     Require(CorvantisEpochHeader(file.Recording(), number, epoch.header.data(), &problem), problem);
     return epoch;
 }
 
-EpochProblem WhyMissing(const DataFile& file, int64_t number) {
-    const reading::Survey& survey = file.Walk().survey;
-    return {reading::PlaceOf(survey, number), reading::WhyMissing(survey, number)};
+LostEpochs LostFrom(const DataFile& file, int64_t number) {
+    const Survey& survey = file.Walk().survey;
+    const int64_t offset = PlaceOf(survey, number);
+    const int64_t last = offset < 0 ? EndOfGap(survey, number, file.Info().epochs) - 1 : number;
+    return {number, last, offset, WhyMissing(survey, number)};
 }
 
 CorvantisStimulusRecord ParametersOf(const DataFile& file, int64_t epoch, int32_t entry,

@@ -20,12 +20,15 @@ struct EpochRecords {
 // Nothing for an epoch that is damaged or lost. Throws a Failure if the file's bytes do not come.
 std::optional<EpochRecords> ReadEpoch(const DataFile& file, int64_t number);
 
-// Why such an epoch cannot be read, and where it was, or -1.
-struct EpochProblem {
-    int64_t offset = -1;
-    std::string text;
+// Epochs that cannot be read: one whose place is known, or all of a gap, which may be millions.
+struct LostEpochs {
+    int64_t first = 0;
+    int64_t last = 0;
+    int64_t offset = -1;  // where it was [bytes]
+    std::string text;     // why
 };
-EpochProblem WhyMissing(const DataFile& file, int64_t number);
+// That one, and those of its gap behind it.
+LostEpochs LostFrom(const DataFile& file, int64_t number);
 
 // Of an entry, or of a component of its sum.
 CorvantisStimulusRecord ParametersOf(const DataFile& file, int64_t epoch, int32_t entry,

@@ -75,10 +75,10 @@ void PrintEpochLine(const EpochRecords& epoch, const Terminal& terminal) {
                    CommentOf(epoch));
 }
 
-void PrintDamagedLine(const DataFile& file, int64_t number, const Terminal& terminal) {
-    const EpochProblem problem = WhyMissing(file, number);
-    const std::string offset = problem.offset < 0 ? "" : std::to_string(problem.offset);
-    terminal.Print("{:>6} {:>10}  damaged: {}\n", number, offset, problem.text);
+void PrintLostLine(const LostEpochs& lost, const Terminal& terminal) {
+    const std::string offset = lost.offset < 0 ? "" : std::to_string(lost.offset);
+    const std::string upTo = lost.first == lost.last ? "" : fmt::format("up to {} ", lost.last);
+    terminal.Print("{:>6} {:>10}  {}damaged: {}\n", lost.first, offset, upTo, lost.text);
 }
 
 }  // namespace
@@ -94,12 +94,13 @@ void PrintFile(const DataFile& file, const Terminal& terminal) {
 void PrintEpochLines(const DataFile& file, const Terminal& terminal) {
     terminal.Print("\n{:>6} {:>10} {:>8} {:>7} {:>8}  {:<20} {}\n", "epoch", "position", "points",
                    "entries", "µs", "stimuli", "comment");
-    const int64_t count = file.Info().epochs;
-    for (int64_t number = 0; number < count; ++number) {
+    for (int64_t number = 0; number < file.Info().epochs; ++number) {
         if (const auto epoch = ReadEpoch(file, number)) {
             PrintEpochLine(*epoch, terminal);
         } else {
-            PrintDamagedLine(file, number, terminal);
+            const LostEpochs lost = LostFrom(file, number);
+            PrintLostLine(lost, terminal);
+            number = lost.last;
         }
     }
 }

@@ -3,7 +3,6 @@
 
 #include <array>
 #include <cmath>
-#include <optional>
 
 #include "text/Text.h"
 
@@ -101,11 +100,6 @@ Json EntryJson(const DataFile& file, const EpochRecords& epoch, int32_t entry) {
             {"doubt", DoubtJson(state.doubt)}};
 }
 
-Json ProblemJson(const DataFile& file, int64_t number) {
-    const EpochProblem problem = WhyMissing(file, number);
-    return {{"number", number}, {"position", OrNull(problem.offset)}, {"problem", problem.text}};
-}
-
 const char* WeightName(int32_t weight) {
     constexpr std::array<const char*, 3> names = {"note", "doubt", "fault"};
     return names[static_cast<size_t>(weight)];
@@ -133,18 +127,23 @@ Json FailureJson(const std::string& name, const Failure& failure) {
              {{"code", CodeName(failure.code)}, {"text", reading::DisplayText(failure.what())}}}};
 }
 
-Json EpochJson(const DataFile& file, int64_t number) {
-    const std::optional<EpochRecords> epoch = ReadEpoch(file, number);
-    if (!epoch) return ProblemJson(file, number);
+Json LostJson(const LostEpochs& lost) {
+    return {{"number", lost.first},
+            {"lastNumber", lost.last},
+            {"position", OrNull(lost.offset)},
+            {"problem", lost.text}};
+}
+
+Json EpochJson(const DataFile& file, const EpochRecords& epoch) {
     Json notFinite = Json::object(), entries = Json::array();
     const Json values =
-        FieldValues(FieldsOf(CORVANTIS_EPOCH_HEADER), epoch->header.data(), notFinite);
-    for (int32_t entry = 0; entry < epoch->info.entries; ++entry) {
-        entries.push_back(EntryJson(file, *epoch, entry));
+        FieldValues(FieldsOf(CORVANTIS_EPOCH_HEADER), epoch.header.data(), notFinite);
+    for (int32_t entry = 0; entry < epoch.info.entries; ++entry) {
+        entries.push_back(EntryJson(file, epoch, entry));
     }
-    return {{"number", number},       {"position", epoch->info.start},
-            {"problem", nullptr},     {"samples", epoch->info.samples},
-            {"end", epoch->info.end}, {"header", values},
+    return {{"number", epoch.number}, {"position", epoch.info.start},
+            {"problem", nullptr},     {"samples", epoch.info.samples},
+            {"end", epoch.info.end},  {"header", values},
             {"notFinite", notFinite}, {"entries", entries}};
 }
 

@@ -18,7 +18,8 @@ inline constexpr int kSchemaVersion = 1;
 Json RecordingJson(const DataFile& file);
 // Of a file that could not be read to its end, or not at all.
 Json FailureJson(const std::string& name, const Failure& failure);
-Json EpochJson(const DataFile& file, int64_t number);
+Json EpochJson(const DataFile& file, const EpochRecords& epoch);
+Json LostJson(const LostEpochs& lost);
 Json FindingJson(const reading::Finding& finding);
 
 }  // namespace corvantis::tool

@@ -169,6 +169,7 @@ class OutputFile {
     }
 
     void WriteAt(int64_t position, std::span<const uint8_t> bytes) {
+        if (bytes.empty()) return;
         const bool isPlaced = fseeko(to_.Get(), position, SEEK_SET) == 0;
         const size_t written = std::fwrite(bytes.data(), 1, bytes.size(), to_.Get());
         if (!isPlaced || written != bytes.size()) to_.CheckWritten();

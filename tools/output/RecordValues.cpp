@@ -31,7 +31,8 @@ Value Whole(const char* bytes) {
 }
 
 Value ElementOf(const CorvantisField& field, const void* record, int32_t index) {
-    const char* bytes = static_cast<const char*>(record) + field.place + index * field.size;
+    const std::ptrdiff_t place = field.place + std::ptrdiff_t{index} * field.size;
+    const char* bytes = static_cast<const char*>(record) + place;
     switch (field.kind) {
         case CORVANTIS_INT8:
             return Whole<int8_t>(bytes);

@@ -3,9 +3,9 @@
 
 #include <fmt/core.h>
 
-#include <algorithm>
 #include <array>
-#include <cstring>
+#include <utility>
+#include <vector>
 
 #include "files/EpochRecords.h"
 #include "files/Failure.h"
@@ -15,7 +15,10 @@ namespace {
 
 constexpr char kExpected[] = "the waveform that was played";
 
-using Digests = std::array<uint64_t, CORVANTIS_ENTRIES>;
+struct Computed {
+    int64_t number = 0;
+    std::array<uint64_t, CORVANTIS_ENTRIES> digests = {};
+};
 
 // Of two waveforms that differ, hardly ever the same.
 uint64_t DigestOf(const std::vector<int16_t>& samples) {
@@ -45,31 +48,36 @@ class StimulusCheck {
     StimulusCheck(const DataFile& file, const Terminal& terminal)
         : file_(file),
           again_(file.Contents().Name()),
-          digests_(static_cast<size_t>(file.Info().epochs)),
-          progress_(terminal, "computing stimuli", 2 * file.Info().epochs) {}
+          count_(file.Info().epochs),
+          progress_(terminal, "computing stimuli", 2 * count_) {}
 
     Findings Check() {
-        const auto count = static_cast<int64_t>(digests_.size());
-        for (int64_t number = 0; number < count; ++number) Visit(number, &StimulusCheck::Compute);
-        for (int64_t number = count; number-- > 0;) Visit(number, &StimulusCheck::Compare);
+        for (int64_t number = 0; number < count_; ++number) {
+            progress_.Reach(number);
+            if (const auto epoch = ReadEpoch(file_, number)) {
+                Compute(*epoch);
+            } else {
+                number = LostFrom(file_, number).last;
+            }
+        }
+        for (; !computed_.empty(); computed_.pop_back()) {
+            progress_.Reach(2 * count_ - computed_.back().number);
+            Compare(computed_.back());
+        }
         return std::move(findings_);
     }
 
   private:
-    void Visit(int64_t number, void (StimulusCheck::*visit)(const EpochRecords&, int32_t)) {
-        progress_.Reach(done_++);
-        const auto epoch = ReadEpoch(file_, number);
-        for (int32_t entry = 0; epoch && entry < epoch->info.entries; ++entry) {
-            (this->*visit)(*epoch, entry);
+    void Compute(const EpochRecords& epoch) {
+        Computed computed = {.number = epoch.number};
+        for (int32_t entry = 0; entry < epoch.info.entries; ++entry) {
+            computed.digests[static_cast<size_t>(entry)] = ComputeDigest(file_, epoch, entry);
+            Judge(epoch, entry);
         }
+        computed_.push_back(computed);
     }
 
-    uint64_t& DigestFor(const EpochRecords& epoch, int32_t entry) {
-        return digests_[static_cast<size_t>(epoch.number)][static_cast<size_t>(entry)];
-    }
-
-    void Compute(const EpochRecords& epoch, int32_t entry) {
-        DigestFor(epoch, entry) = ComputeDigest(file_, epoch, entry);
+    void Judge(const EpochRecords& epoch, int32_t entry) {
         const StimulusState state = StimulusStateOf(file_, epoch.number, entry);
         if (!state.problem.empty()) {
             Find(epoch, entry, "no waveform: " + state.problem, CORVANTIS_DOUBT);
@@ -81,9 +89,13 @@ class StimulusCheck {
         }
     }
 
-    void Compare(const EpochRecords& epoch, int32_t entry) {
-        if (ComputeDigest(again_, epoch, entry) == DigestFor(epoch, entry)) return;
-        Find(epoch, entry, "another waveform the second time", CORVANTIS_FAULT);
+    void Compare(const Computed& computed) {
+        const auto epoch = ReadEpoch(again_, computed.number);
+        for (int32_t entry = 0; epoch && entry < epoch->info.entries; ++entry) {
+            const uint64_t digest = computed.digests[static_cast<size_t>(entry)];
+            if (ComputeDigest(again_, *epoch, entry) == digest) continue;
+            Find(*epoch, entry, "another waveform the second time", CORVANTIS_FAULT);
+        }
     }
 
     void Find(const EpochRecords& epoch, int32_t entry, const std::string& found,
@@ -97,9 +109,9 @@ class StimulusCheck {
 
     const DataFile& file_;
     const DataFile again_;
-    std::vector<Digests> digests_;
+    const int64_t count_;
     Progress progress_;
-    int64_t done_ = 0;
+    std::vector<Computed> computed_;
     Findings findings_;
 };
 

@@ -28,7 +28,7 @@ Progress::Progress(const Terminal& terminal, std::string what, int64_t total)
 Progress::~Progress() { Clear(); }
 
 void Progress::Reach(int64_t done) {
-    const int64_t percent = std::clamp<int64_t>(done / (total_ / 100 + 1), 0, 100);
+    const int64_t percent = std::clamp<int64_t>(100 * done / total_, 0, 100);
     if (stream_ == nullptr || percent == shown_) return;
     shown_ = percent;
     std::fputs(fmt::format("\r{} {} %", what_, percent).c_str(), stream_);

@@ -157,6 +157,15 @@ void AddRepair(CLI::App& app, Options& options) {
     command->add_flag("--json", options.repair.json, "Results as JSON");
 }
 
+void AddUnits(CLI::App* command, ExportOptions& exported) {
+    auto* raw = command->add_flag("--raw,--counts", exported.raw, "Converter counts");
+    auto* volts = command->add_flag("--volts", exported.volts, "Volts at the converter");
+    auto* units = command->add_flag("--units")->description(
+        "The entries' own units, as without any of these; volts where there are none");
+    raw->excludes(volts)->excludes(units);
+    volts->excludes(units);
+}
+
 void AddExport(CLI::App& app, Options& options) {
     ExportOptions& exported = options.exported;
     CLI::App* command = AddCommand(app, options, "export",
@@ -178,12 +187,7 @@ void AddExport(CLI::App& app, Options& options) {
                      "such as OUT-03.csv; with a slash at its end a folder, in which each FILE "
                      "gets one, for all epochs unless some are named")
         ->type_name("OUT");
-    auto* raw = command->add_flag("--raw,--counts", exported.raw, "Converter counts");
-    auto* volts = command->add_flag("--volts", exported.volts, "Volts at the converter");
-    auto* units = command->add_flag("--units")->description(
-        "The entries' own units, as without any of these; volts where there are none");
-    raw->excludes(volts)->excludes(units);
-    volts->excludes(units);
+    AddUnits(command, exported);
     command->add_flag("--stimulus", exported.stimulus,
                       "Also the computed stimuli; of dynamic clamp the conductances");
     auto* force = command->add_flag("--force", exported.force, "Replace files that exist");

@@ -191,7 +191,7 @@ int RunExport(const ExportOptions& options, const Terminal& terminal) {
     if (AreMany(options.choice) && !IsFolderOutput(options)) {
         throw Failure("export: several files need -o FOLDER/; each gets a folder of its own in it");
     }
-    FormatOf(options);
+    FormatOf(options);  // refuses a name before any file is opened
     const std::vector<FoundFile> files = FindFiles(options.choice.files);
     const std::map<std::string, std::string> places = PlacesOf(files);
     return RunOnFiles(options.choice, files, "", terminal,

@@ -37,7 +37,8 @@ bool IsStandardOutput(const ExportOptions& options) {
 }
 
 bool IsFolderOutput(const ExportOptions& options) {
-    return options.output.ends_with('/') || (!options.output.empty() && IsFolder(options.output));
+    if (IsStandardOutput(options)) return false;
+    return options.output.ends_with('/') || IsFolder(options.output);
 }
 
 std::string FormatOf(const ExportOptions& options) {

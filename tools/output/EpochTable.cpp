@@ -28,7 +28,7 @@ Scale ScaleFor(const DataFile& file, const EpochRecords& epoch, int32_t entry, i
     const bool hasVolts = info.isWord == 0 && scale.unit != "counts";
     if (values == Values::kVolts && hasVolts) {
         scale.gain = scale.factor = 1;
-        scale.unit = "V";
+        scale.unit = std::string(1, 'V');
     }
     return scale;
 }

@@ -17,9 +17,11 @@ using reading::Survey;
 // The first number behind that one of which something else is known.
 int64_t EndOfGap(const Survey& survey, int64_t number, int64_t count) {
     int64_t end = std::min(count, NextNumber(survey, number));
-    for (const reading::Stretch& stray : survey.strays) {
-        if (stray.number && *stray.number > number) end = std::min(end, *stray.number);
-    }
+    const auto numberOf = [&](size_t stray) { return survey.strays[stray].number.value_or(-1); };
+    const auto damaged =
+        std::upper_bound(survey.damaged.begin(), survey.damaged.end(), number,
+                         [&](int64_t wanted, size_t stray) { return wanted < numberOf(stray); });
+    if (damaged != survey.damaged.end()) end = std::min(end, numberOf(*damaged));
     return number < survey.numbers ? std::min(end, survey.numbers) : end;
 }
 

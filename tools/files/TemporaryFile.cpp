@@ -125,11 +125,9 @@ std::filesystem::path FolderOf(const std::string& path) {
 
 // In each folder once.
 void RemoveLeftFiles(const std::filesystem::path& folder) {
-    static std::mutex mutex;
     static std::set<std::pair<dev_t, ino_t>> done;
     struct stat status = {};
     if (stat(folder.c_str(), &status) != 0) return;
-    const std::scoped_lock lock(mutex);
     if (!done.emplace(status.st_dev, status.st_ino).second) return;
     std::error_code none;
     for (std::filesystem::directory_iterator entry(folder, none), end; entry != end;
@@ -137,6 +135,14 @@ void RemoveLeftFiles(const std::filesystem::path& folder) {
         if (!entry->is_regular_file(none) || entry->is_symlink(none)) continue;
         if (entry->path().filename().string().starts_with(kPrefix)) RemoveIfLeft(entry->path());
     }
+}
+
+// What is done before the first file of a process, which a fork may have made, or of a folder.
+void Prepare(const std::string& path) {
+    static std::mutex mutex;
+    const std::scoped_lock lock(mutex);
+    if (owner.exchange(getpid()) != getpid()) CatchInterruptions();
+    RemoveLeftFiles(FolderOf(path));
 }
 
 // Short, since the file's own name may be as long as names can be.
@@ -150,9 +156,7 @@ std::string RandomName(const std::string& path) {
 }  // namespace
 
 TemporaryFile::TemporaryFile(const std::string& path, mode_t mode) {
-    RemoveLeftFiles(FolderOf(path));
-    CatchInterruptions();
-    owner = getpid();
+    Prepare(path);
     while (descriptor_ < 0) {
         const Making making;
         name_ = RandomName(path);

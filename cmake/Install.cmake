@@ -35,6 +35,8 @@ foreach(module ${PKGCONFIG_MODULES})
     install(FILES ${PROJECT_BINARY_DIR}/${module}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 endforeach()
 
+install(FILES docs/recording.schema.json DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/corvantis)
+
 # Where Debian looks for it.
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/corvantis RENAME copyright)
 

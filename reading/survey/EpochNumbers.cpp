@@ -14,12 +14,18 @@ auto FirstFrom(const Survey& survey, int64_t number) {
         [](const EpochPlace& epoch, int64_t wanted) { return epoch.number < wanted; });
 }
 
+// The stretch that begins with the damaged epoch of that number, or with one before it behind which
+// no epoch is there.
 const Stretch* FindStray(const Survey& survey, int64_t number) {
-    const auto found = std::lower_bound(
+    const auto behind = std::upper_bound(
         survey.damaged.begin(), survey.damaged.end(), number,
-        [&](size_t stray, int64_t wanted) { return *survey.strays[stray].number < wanted; });
-    if (found == survey.damaged.end() || survey.strays[*found].number != number) return nullptr;
-    return &survey.strays[*found];
+        [&](int64_t wanted, size_t stray) { return wanted < *survey.strays[stray].number; });
+    if (behind == survey.damaged.begin()) return nullptr;
+    const Stretch& stray = survey.strays[*(behind - 1)];
+    const auto next = FirstFrom(survey, *stray.number);
+    const bool reaches =
+        next == survey.epochs.end() ? number < survey.numbers : next->number > number;
+    return reaches ? &stray : nullptr;
 }
 
 }  // namespace

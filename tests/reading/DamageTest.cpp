@@ -116,6 +116,9 @@ TEST(DamagedFiles, KeepTheNumbersOfTheirEpochs) {
         std::vector<int64_t> missing;
     } cases[] = {
         {with(third + 576, Big32(0x7FFFFFFF)), 5, {2}},
+        {with(Word(file.bytes, table + 4), Bytes(third - Word(file.bytes, table + 4) + 912, 0xFF)),
+         5,
+         {1, 2}},
         {with(third + 605, {99}), 5, {}},  // unknown, but the table says where it ends
         {with(table + 8, Big32(0x12345678)), 5, {}},
         {with(table + 12, Big32(0)), 5, {}},

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "reference/Definitions.h"
+#include "reference/Fused.h"
 
 namespace definition {
 namespace {
@@ -113,7 +114,7 @@ void SpectralNoise(uint16_t* buffer, const ITCNoiseParameters& record, int32_t s
     const float scale = std::sqrt(static_cast<float>(n) / (sum + sum));
     for (int32_t k = 0; k < record.points; ++k) {
         uint16_t& sample = buffer[record.prePoints + k];
-        sample = Sample(std::fma(scale, bins[2 * static_cast<size_t>(k) + 1], Held(sample)));
+        sample = Sample(Fused(scale, bins[2 * static_cast<size_t>(k) + 1], Held(sample)));
     }
 }
 

@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "reference/Definitions.h"
+#include "reference/Fused.h"
 
 namespace definition {
 namespace {
@@ -30,7 +31,7 @@ void Sine(uint16_t* buffer, const ITCSineParameters& record, int32_t samplingInt
     const double w = 6.283184 / (record.period * interval * 1e-6);
     WriteRuns(buffer, record, record.mean, [&](int32_t i) {
         const double phase = i * interval * 1e-6 * w;
-        return Sample(std::fma(record.amplitude, std::sin(phase), record.mean));
+        return Sample(Fused(double(record.amplitude), std::sin(phase), double(record.mean)));
     });
 }
 
@@ -43,7 +44,7 @@ void Ramp(uint16_t* buffer, const ITCRampParameters& record) {
     WriteRuns(buffer, record, record.mean, [&](int32_t i) {
         const float part = static_cast<float>(i) / static_cast<float>(record.points);
         return Sample(
-            std::fma(part, static_cast<float>(record.amplitude), static_cast<float>(record.mean)));
+            Fused(part, static_cast<float>(record.amplitude), static_cast<float>(record.mean)));
     });
 }
 

@@ -4,8 +4,6 @@
 // an external function would be exported.
 #pragma once
 
-#include <cmath>
-
 // Other hosts and compilers have the portable version alone. So have sanitizers, whose own start-up
 // comes after the choice, and builds for one processor, in which there is nothing left to choose.
 #if defined(__x86_64__) && defined(__gnu_linux__) && defined(__GNUC__) && !defined(__clang__) && \
@@ -23,9 +21,9 @@
 
 namespace corvantis {
 
-// Whether the versions in use have an instruction for std::fma, which is a call elsewhere.
+// Whether the versions in use have an instruction for a fused multiplication and addition.
 inline bool HasFusedInstruction() {
-#if defined(FP_FAST_FMAF)
+#if defined(__FP_FAST_FMAF) || defined(__FMA__)
     return true;
 #elif defined(CORVANTIS_HAS_CLONES)
     return __builtin_cpu_supports("x86-64-v3") != 0;

@@ -1,16 +1,17 @@
 // Power gains in batches. A power with a whole exponent is a product, which takes the place of the
-// platform's pow wherever it cannot make a difference:
+// exact power wherever it cannot make a difference:
 //
 // Squaring and multiplying makes the power N of at most 2 N factors and roundings, each of which
 // adds a relative error of 2^-53; up to the order 10,000 that is less than 2.3e-12, beside which
-// the error of pow (with 8 units in the last place, 1.8e-15) vanishes. So product and power differ
+// the rounding of the exact power vanishes. So product and power differ
 // by less than 2^-38 = 3.6e-12 of their value. Rounding is monotonic: where both ends of that
-// interval round to the same single-precision number, the power does too, and elsewhere pow is
-// called. A base is at most 1, so products too small for a double stand for powers too small for a
-// float.
+// interval round to the same single-precision number, the power does too, and elsewhere that is
+// calculated. A base is at most 1, so products too small for a double stand for powers too small
+// for a float.
 #include "ITCWaveforms/PowerGains.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "ITCUtilities/FunctionClones.h"
 

@@ -1,9 +1,10 @@
 // The power gains of the spectral filter, many at a time.
 #pragma once
 
-#include <cmath>
 #include <cstdint>
 #include <span>
+
+#include "ITCUtilities/Maths/Functions.h"
 
 namespace corvantis {
 
@@ -13,9 +14,7 @@ struct FilterFormula {
         const float f = static_cast<float>(i * step / corner);
         return 1.0F / (f * f + 1.0F);
     }
-    float Gain(int32_t i) const {
-        return static_cast<float>(std::pow(double{Base(i)}, static_cast<double>(order)));
-    }
+    float Gain(int32_t i) const { return static_cast<float>(Power(double{Base(i)}, order)); }
     double step;
     int32_t corner;
     int32_t order;

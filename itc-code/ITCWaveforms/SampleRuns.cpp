@@ -2,9 +2,9 @@
 #include "ITCWaveforms/SampleRuns.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "ITCUtilities/FunctionClones.h"
+#include "ITCUtilities/Maths/FusedOperation.h"
 #include "ITCWaveforms/Samples.h"
 
 namespace corvantis {
@@ -33,11 +33,21 @@ CORVANTIS_CLONES void RaiseEach(uint16_t* __restrict samples, const float* __res
     for (size_t i = 0; i < count; ++i) samples[i] = ConvertToSample(levels[i] + Held(samples[i]));
 }
 
+template <bool instruction>
+CORVANTIS_INLINE void RaiseEachScaledBy(uint16_t* __restrict samples, float scale,
+                                        const float* __restrict levels, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        const float held = Held(samples[i]);
+        samples[i] = ConvertToSample(FusedSum<instruction>(scale, levels[2 * i], held));
+    }
+}
+CORVANTIS_CLONES void RaiseEachFused(uint16_t* __restrict samples, float scale,
+                                     const float* __restrict levels, size_t count) {
+    RaiseEachScaledBy<true>(samples, scale, levels, count);
+}
 CORVANTIS_CLONES void RaiseEachScaled(uint16_t* __restrict samples, float scale,
                                       const float* __restrict levels, size_t count) {
-    for (size_t i = 0; i < count; ++i) {
-        samples[i] = ConvertToSample(std::fma(scale, levels[2 * i], Held(samples[i])));
-    }
+    RaiseEachScaledBy<false>(samples, scale, levels, count);
 }
 
 }  // namespace
@@ -71,7 +81,8 @@ void AddLevels(std::span<uint16_t> samples, const float* levels) {
 }
 
 void AddScaledLevels(std::span<uint16_t> samples, float scale, const float* levels) {
-    RaiseEachScaled(samples.data(), scale, levels, samples.size());
+    const auto raise = HasFusedInstruction() ? RaiseEachFused : RaiseEachScaled;
+    raise(samples.data(), scale, levels, samples.size());
 }
 
 }  // namespace corvantis

@@ -2,10 +2,10 @@
 #include "ITCWaveforms/Waveforms.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 
 #include "ITCUtilities/FunctionClones.h"
+#include "ITCUtilities/Maths/FusedOperation.h"
 #include "ITCUtilities/WrappingArithmetic.h"
 #include "ITCWaveforms/Samples.h"
 #include "ITCWaveforms/ShortRamp.h"
@@ -30,11 +30,19 @@ void WritePeriodicRuns(uint16_t* buffer, const Record& record, int32_t holdingLe
     WriteLevel(next + points, record.tailPoints, holdingLevel);
 }
 
-CORVANTIS_CLONES void WriteRamp(uint16_t* samples, int32_t count, const RampFormula& formula) {
+template <bool instruction>
+CORVANTIS_INLINE void WriteRampBy(uint16_t* samples, int32_t count, const RampFormula& formula) {
     const auto [points, amplitude, mean] = formula;
     for (int32_t i = 0; i < count; ++i) {
-        samples[i] = ConvertToSample(std::fma(static_cast<float>(i) / points, amplitude, mean));
+        const float share = static_cast<float>(i) / points;
+        samples[i] = ConvertToSample(FusedSum<instruction>(share, amplitude, mean));
     }
+}
+CORVANTIS_CLONES void WriteFusedRamp(uint16_t* samples, int32_t count, const RampFormula& formula) {
+    WriteRampBy<true>(samples, count, formula);
+}
+CORVANTIS_CLONES void WriteRamp(uint16_t* samples, int32_t count, const RampFormula& formula) {
+    WriteRampBy<false>(samples, count, formula);
 }
 
 }  // namespace
@@ -61,6 +69,8 @@ void CreateWaveform(uint16_t* buffer, const ITCRampParameters& record) {
     uint16_t* next = WriteLevel(buffer, record.prePoints, record.mean);
     if (IsShortRamp(formula)) {
         WriteShortRamp({next, static_cast<size_t>(points)}, formula);
+    } else if (HasFusedInstruction()) {
+        WriteFusedRamp(next, points, formula);
     } else {
         WriteRamp(next, points, formula);
     }

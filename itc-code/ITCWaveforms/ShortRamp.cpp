@@ -17,6 +17,7 @@
 #include <cmath>
 
 #include "ITCUtilities/FunctionClones.h"
+#include "ITCUtilities/Maths/FusedOperation.h"
 #include "ITCWaveforms/Samples.h"
 
 namespace corvantis {
@@ -33,8 +34,8 @@ CORVANTIS_CLONES void Write(uint16_t* samples, int32_t count, const RampFormula&
     const auto low = static_cast<float>(1.0 / double{formula.points} - double{high});
     for (int32_t i = 0; i < count; ++i) {
         const auto point = static_cast<float>(i);
-        const float share = std::fma(point, high, point * low);
-        samples[i] = LevelSample(static_cast<int32_t>(std::fma(share, amplitude, mean)));
+        const float share = FusedSum<true>(point, high, point * low);
+        samples[i] = LevelSample(static_cast<int32_t>(FusedSum<true>(share, amplitude, mean)));
     }
 }
 

@@ -1,9 +1,10 @@
 // The sine stimulus as a formula of the point's number.
 #pragma once
 
-#include <cmath>
 #include <cstdint>
 
+#include "ITCUtilities/Maths/Functions.h"
+#include "ITCUtilities/Maths/FusedOperation.h"
 #include "ITCWaveforms/Samples.h"
 
 namespace corvantis {
@@ -21,7 +22,7 @@ struct SineFormula {
           w(kTwoPi / (period * interval * kSecondsPerMicrosecond)) {}
     double Phase(int32_t i) const { return i * interval * kSecondsPerMicrosecond * w; }
     uint16_t Sample(int32_t i) const {
-        return ConvertToSample(std::fma(amplitude, std::sin(Phase(i)), mean));
+        return ConvertToSample(FusedSum(amplitude, Sine(Phase(i)), mean));
     }
 
     double amplitude;

@@ -6,19 +6,19 @@
 // closer to an integer than the two can be apart, the formula decides.
 //
 // How far apart, in u = 2^-53 and with P the largest phase of points and table: a phase is a
-// product rounded three times, off by 3 u P at most. With sines and cosines good to 2 units in the
-// last place (4 u), the first point of a block is off by 6 u + 3 u P. The table begins with 1 and
-// is doubled nine times by a point of that kind, each time with 3 u for the rounded products and
-// sums: 81 u and, as the phases add up to the table's last, 3 u P. The last turn and the amplitude
-// add 5 u, the formula's own sine 4 u and 3 u P. Together less than 112 u + 16 u P of the
-// amplitude; the sum with the mean is rounded once on either side, for which 4 u of both levels
-// are more than enough.
+// product rounded three times, off by 3 u P at most. With sines and cosines good to 4 u, the first
+// point of a block is off by 6 u + 3 u P. The table begins with 1 and is doubled nine times by a
+// point of that kind, each time with 3 u for the rounded products and sums: 81 u and, as the phases
+// add up to the table's last, 3 u P. The last turn and the amplitude add 5 u, the formula's own
+// sine 1 u and 3 u P. Together less than 112 u + 16 u P of the amplitude; the sum with the mean is
+// rounded once on either side, for which 4 u of both levels are more than enough.
 #include "ITCWaveforms/SineRotation.h"
 
 #include <algorithm>
 #include <cmath>
 
 #include "ITCUtilities/FunctionClones.h"
+#include "ITCUtilities/Maths/Turn.h"
 
 namespace corvantis {
 namespace {
@@ -26,17 +26,10 @@ namespace {
 constexpr int32_t kBlock = 512;
 constexpr int32_t kWorthATable = 48;
 
-struct Turn {
-    double sine;
-    double cosine;
-};
-
 struct TurnTable {
     double sine[kBlock];
     double cosine[kBlock];
 };
-
-Turn TurnBy(double phase) { return {std::sin(phase), std::cos(phase)}; }
 
 CORVANTIS_CLONES void FillTable(TurnTable& table, const SineFormula& formula, int32_t length) {
     table.sine[0] = 0.0;

@@ -1,11 +1,11 @@
 // The twiddle factors of one stage of the Fourier transform.
 #pragma once
 
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 
 #include "ITCUtilities/FunctionClones.h"
+#include "ITCUtilities/Maths/Functions.h"
 
 namespace corvantis {
 
@@ -23,9 +23,9 @@ struct Twiddle {
     // recorded noise was made with; an exact one would change its samples.
     Twiddle(int32_t isign, size_t half) {
         const double theta = 6.283184 / (2.0 * static_cast<double>(half) * isign);
-        const double sine = std::sin(0.5 * theta);
+        const double sine = Sine(0.5 * theta);
         stepReal = -2.0 * sine * sine;
-        stepImaginary = std::sin(theta);
+        stepImaginary = Sine(theta);
     }
     void Advance() { AdvanceTwiddle(real, imaginary, stepReal, stepImaginary); }
     double real = 1.0;

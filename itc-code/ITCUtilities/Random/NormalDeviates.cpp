@@ -26,7 +26,8 @@ float PolarDeviate(SpareDeviate& held, Draw draw) {
         x2 = draw();
         rsq = x1 * x1 + x2 * x2;
     } while (!(rsq < 1.0F && rsq != 0.0F));
-    const float fac = PolarFactor(rsq);
+    float fac = 0.0F;
+    CalculatePolarFactors({&rsq, 1}, {&fac, 1});
     held = {1, fac * x1};
     return fac * x2;
 }

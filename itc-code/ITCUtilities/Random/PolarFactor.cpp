@@ -1,13 +1,12 @@
-// Polar factors in batches. The platform's logarithm takes one number at a time, so an
+// Polar factors in batches. The exact logarithm takes one number at a time, and its time, so an
 // approximation takes its place wherever it cannot make a difference:
 //
 // A number is 2^e * m with m between the square roots of 1/2 and 2, and with s = (m - 1) / (m + 1)
 // the logarithm of m is 2 s (1 + z / 3 + z^2 / 5 + ...), z = s^2 <= 0.02945. The six terms taken
 // leave out less than z^6 / 13 / (1 - z) < 5.2e-11 of it. Added to e ln 2, which is twice as large
 // or 0, the error does not grow; the square root halves it to 2.6e-11, beside which the roundings
-// on the way (some 2e-15) and the formula's own (with a logarithm good to 8 units in the last
-// place, 2e-15) vanish. So formula and approximation differ by less than 2^-35 = 2.9e-11 of their
-// value.
+// on the way (some 2e-15) and the formula's own vanish. So formula and approximation differ by less
+// than 2^-35 = 2.9e-11 of their value.
 //
 // Rounding is monotonic: where both ends of that interval round to the same single-precision
 // number, the formula's result does too. Elsewhere, about once in 1,500, the formula is calculated.

@@ -4,10 +4,12 @@
 #include <cmath>
 #include <span>
 
+#include "ITCUtilities/Maths/Functions.h"
+
 namespace corvantis {
 
 inline float PolarFactor(float square) {
-    return static_cast<float>(std::sqrt(-2.0 * std::log(double{square}) / double{square}));
+    return static_cast<float>(std::sqrt(-2.0 * Logarithm(double{square}) / double{square}));
 }
 
 // How far the approximation below may lie from the formula's result, in parts of it; see there.

@@ -33,8 +33,10 @@ inline SumAndError ExactProduct(double a, double b) {
 inline double SumToOdd(double a, double b) {
     const auto [sum, error] = ExactSum(a, b);
     const auto bits = std::bit_cast<uint64_t>(sum);
-    if (error == 0.0 || std::isnan(error) || bits % 2 != 0) return sum;
-    return std::nextafter(sum, error > 0.0 ? HUGE_VAL : -HUGE_VAL);
+    const bool outwards = (error > 0.0) == (sum > 0.0);
+    const uint64_t neighbour = outwards ? bits + 1 : bits - 1;
+    const bool rounded = error > 0.0 || error < 0.0;
+    return rounded && bits % 2 == 0 ? std::bit_cast<double>(neighbour) : sum;
 }
 
 inline double Fused(double a, double b, double c) {

@@ -180,7 +180,8 @@ void FusedSums(int64_t count) {
         const auto next =
             static_cast<float>(std::ldexp(double{d} * e, static_cast<int>(source() % 60) - 30));
         for (const float f : {Short<float>(static_cast<uint32_t>(source())), -d * e, next, -next})
-            single.Hold(corvantis::FusedByRoundingToOdd(d, e, f), std::fma(d, e, f), double{f});
+            single.Hold(corvantis::FusedByRoundingToOdd(d, e, f), oracle.FusedSingle(d, e, f),
+                        double{f});
     }
     for (const Tally& tally : {whole, single, chosen}) Finish(tally);
 }

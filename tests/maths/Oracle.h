@@ -10,12 +10,12 @@
 
 namespace maths_test {
 
-// One number of MPFR's, with the range and the denormals of a double.
+// Numbers of MPFR's, with the range and the denormals of a double or a float.
 class Oracle {
   public:
     Oracle() {
-        mpfr_set_emin(-1073);
-        mpfr_set_emax(1024);
+        UseRange(-1073, 1024);
+        mpfr_init2(single_, 24);
         mpfr_inits2(53, result_, a_, b_, c_, static_cast<mpfr_ptr>(nullptr));
     }
     double Sine(double x) { return Apply(mpfr_sin, x); }
@@ -30,20 +30,36 @@ class Oracle {
         mpfr_set_d(c_, c, MPFR_RNDN);
         return Rounded(mpfr_fma(result_, a_, b_, c_, MPFR_RNDN));
     }
+    float FusedSingle(float a, float b, float c) {
+        UseRange(-148, 128);
+        mpfr_set_flt(a_, a, MPFR_RNDN);
+        mpfr_set_flt(b_, b, MPFR_RNDN);
+        mpfr_set_flt(c_, c, MPFR_RNDN);
+        Round(single_, mpfr_fma(single_, a_, b_, c_, MPFR_RNDN));
+        UseRange(-1073, 1024);
+        return mpfr_get_flt(single_, MPFR_RNDN);
+    }
 
   private:
+    static void UseRange(int lowest, int highest) {
+        mpfr_set_emin(lowest);
+        mpfr_set_emax(highest);
+    }
     template <class Function>
     double Apply(Function function, double x) {
         mpfr_set_d(a_, x, MPFR_RNDN);
         return Rounded(function(result_, a_, MPFR_RNDN));
     }
+    static void Round(mpfr_ptr number, int direction) {
+        direction = mpfr_check_range(number, direction, MPFR_RNDN);
+        mpfr_subnormalize(number, direction, MPFR_RNDN);
+    }
     double Rounded(int direction) {
-        direction = mpfr_check_range(result_, direction, MPFR_RNDN);
-        mpfr_subnormalize(result_, direction, MPFR_RNDN);
+        Round(result_, direction);
         return mpfr_get_d(result_, MPFR_RNDN);
     }
 
-    mpfr_t result_, a_, b_, c_;
+    mpfr_t result_, single_, a_, b_, c_;
 };
 
 // Any NaN equals any other.

@@ -2,6 +2,7 @@
 #include "ITCUtilities/Maths/FusedOperation.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "ITCUtilities/Maths/Rounding.h"
 

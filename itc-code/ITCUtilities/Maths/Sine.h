@@ -6,14 +6,16 @@
 //   sin r = r - r z (1/3! - z (1/5! - ...)),    cos r = 1 - z (1/2! - z (1/4! - ...)).
 //
 // Error, in units of the last word: the bits of 1 / 2 pi left out make 2^53 / 2^64 and cutting the
-// angle to N words 1; times 8 * pi / 4, with two more for that product and its cut constant, r is
-// off by 9.4. Then z is off by 2 * 0.786 * 9.4 + 1 < 15.8. A place of the series adds 2 for its
+// angle to N words 1; times 8 * pi / 4, with 3 more for that product and its cut constant, r is off
+// by 9.4. Then z is off by 2 * 0.786 * 9.4 + 1 < 15.8. A place of the series adds 3 for its
 // coefficient and product and 15.8 / 2 for z, and takes over 0.617 of the error behind it: less
-// than 9.9 / 0.383 < 26 for the sum of both kinds. Its product with z is off by 0.617 * 26 + 7.9 +
-// 1 < 25: that is all for the cosine but 1 for its complement. With the sine 1 / 6 stands for 1 / 2
-// and makes 12 of 26 and 11 of 25; the sine takes over 9.4 * 1.11 from r and 0.786 * 11 + 1 from
-// the sum, less than 21. What the series leave out comes on top (Rounding.h).
+// than 10.9 / 0.383 < 29 for the sum. Its product with z is off by 0.617 * 29 + 7.9 + 1 < 27: that
+// is all for the cosine but 1 for its complement. For the sine 1 / 6 stands for 1 / 2, which leaves
+// 15 of 29 and 13 of 27; it takes over 9.4 * 1.11 from r and 0.786 * 13 + 1 from the sum, less than
+// 22. What the series leave out comes on top (Rounding.h).
 #pragma once
+
+#include <utility>
 
 #include "ITCUtilities/Maths/Constants.h"
 #include "ITCUtilities/Maths/Rounding.h"
@@ -56,7 +58,8 @@ template <size_t N>
 constexpr size_t LastPower() {
     constexpr double kSmallest = RoundWord(uint64_t{1} << 63, false, 1 - int64_t{kSeriesBits<N>});
     size_t k = 1;
-    for (double term = 0.7854; term >= kSmallest; term *= 0.7854 / static_cast<double>(k)) ++k;
+    double term = 0.7854;
+    while (term >= kSmallest) term *= 0.7854 / static_cast<double>(++k);
     return k - 1;
 }
 

@@ -39,7 +39,7 @@ inline double SumToOdd(double a, double b) {
     return rounded && bits % 2 == 0 ? std::bit_cast<double>(neighbour) : sum;
 }
 
-inline double Fused(double a, double b, double c) {
+inline double FusedBySums(double a, double b, double c) {
     if (!std::isfinite(a) || !std::isfinite(b) || !std::isfinite(c)) return a * b + c;
     const auto [product, low] = ExactProduct(a, b);
     const auto [middle, lowest] = ExactSum(c, low);
@@ -48,8 +48,18 @@ inline double Fused(double a, double b, double c) {
 }
 
 // The product of two floats is exact.
-inline float Fused(float a, float b, float c) {
+inline float FusedBySums(float a, float b, float c) {
     return static_cast<float>(SumToOdd(double{a} * b, c));
+}
+
+// The GNU C library's is exact, and fast where the processor has it.
+template <class Number>
+Number Fused(Number a, Number b, Number c) {
+#if defined(__GLIBC__)
+    return std::fma(a, b, c);
+#else
+    return FusedBySums(a, b, c);
+#endif
 }
 
 }  // namespace definition

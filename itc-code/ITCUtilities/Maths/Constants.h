@@ -7,7 +7,7 @@
 namespace corvantis {
 
 // 1 / 2 pi, behind words of zeros in which an angle's place may lie.
-inline constexpr size_t kZerosOfInverseTurn = 2;
+inline constexpr int32_t kZerosOfInverseTurn = 2;
 inline constexpr Fraction<27> kInverseTurn = {
     0,
     0,

@@ -65,8 +65,8 @@ std::optional<double> PowerInWords(double base, int32_t exponent, uint64_t units
         if (left % 2 != 0) power = ScaledProduct(power, square);
         if (left > 1) square = ScaledProduct(square, square);
     }
-    const auto bits = static_cast<uint64_t>(std::bit_width(parts.significand) -
-                                            std::countr_zero(parts.significand));
+    const uint64_t odd = parts.significand >> std::countr_zero(parts.significand);
+    const auto bits = static_cast<uint64_t>(64 - std::countl_zero(odd));
     const bool exact = bits == 1 || (exponent > 0 && bits * factors <= 64 * N);
     if (exponent < 0) power = Reciprocal(power);
     return RoundedIfCertain(power.fraction, power.exponent,

@@ -38,14 +38,6 @@ void Lower(Term& term, int32_t exponent) {
 
 }  // namespace
 
-#if defined(CORVANTIS_HAS_CLONES)
-[[gnu::target("fma")]]
-#endif
-double
-FusedByInstruction(double a, double b, double c) {
-    return __builtin_fma(a, b, c);
-}
-
 double FusedInWords(double a, double b, double c) {
     // Without anything to add, or nothing but c, one operation rounds all there is.
     if (!std::isfinite(a) || !std::isfinite(b) || a == 0.0 || b == 0.0) return a * b + c;
@@ -65,5 +57,15 @@ double FusedInWords(double a, double b, double c) {
     SubtractFrom(product.fraction, addend.fraction);
     return WithSign(Rounded(product.fraction, exponent), product.negative);
 }
+
+#if defined(CORVANTIS_HAS_CLONES)
+[[gnu::target("fma")]] double FusedByInstruction(double a, double b, double c) {
+    return __builtin_fma(a, b, c);
+}
+#else
+double FusedByInstruction(double a, double b, double c) {
+    return HasFusedInstruction() ? __builtin_fma(a, b, c) : FusedInWords(a, b, c);
+}
+#endif
 
 }  // namespace corvantis

@@ -33,8 +33,8 @@ struct ReducedAngle {
 // Of a magnitude of 2^-27 or more.
 template <size_t N>
 ReducedAngle<N> ReduceAngle(const DoubleParts& x) {
-    const auto place = static_cast<size_t>(x.exponent + 64 * kZerosOfInverseTurn);
-    const size_t word = place / 64, bits = place % 64;
+    const int32_t place = x.exponent + 64 * kZerosOfInverseTurn;
+    const auto word = static_cast<size_t>(place / 64), bits = static_cast<size_t>(place % 64);
     Fraction<N + 1> window;
     for (size_t i = 0; i <= N; ++i) {
         const uint64_t next = kInverseTurn[word + i + 1] >> 1 >> (63 - bits);

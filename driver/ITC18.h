@@ -16,7 +16,11 @@
 
 #include <stdint.h>
 
-#if defined(__GNUC__)
+#if defined(_WIN32) && defined(ITC18_BUILDING)
+#define ITC18_API __declspec(dllexport)
+#elif defined(_WIN32)
+#define ITC18_API __declspec(dllimport)
+#elif defined(__GNUC__)
 #define ITC18_API __attribute__((visibility("default")))
 #else
 #define ITC18_API

@@ -64,13 +64,23 @@
 #include <stddef.h>
 #include <stdint.h>
 #include <stdio.h>
+#if defined(_MSC_VER)
+#include <winsock2.h> /* struct timeval */
+#else
 #include <sys/time.h>
+#endif
 
-#if defined(__GNUC__)
+#ifndef CORVANTIS_API
+#if defined(_WIN32) && defined(CORVANTIS_BUILDING)
 /** Marks a symbol that the shared library exports. */
+#define CORVANTIS_API __declspec(dllexport)
+#elif defined(_WIN32) && !defined(CORVANTIS_STATIC)
+#define CORVANTIS_API __declspec(dllimport)
+#elif defined(__GNUC__)
 #define CORVANTIS_API __attribute__((visibility("default")))
 #else
 #define CORVANTIS_API
+#endif
 #endif
 
 #ifdef __cplusplus

@@ -35,8 +35,12 @@
 #include <stdint.h>
 
 #ifndef CORVANTIS_API
-#if defined(__GNUC__)
+#if defined(_WIN32) && defined(CORVANTIS_BUILDING)
 /** Marks a symbol that the shared library exports. */
+#define CORVANTIS_API __declspec(dllexport)
+#elif defined(_WIN32) && !defined(CORVANTIS_STATIC)
+#define CORVANTIS_API __declspec(dllimport)
+#elif defined(__GNUC__)
 #define CORVANTIS_API __attribute__((visibility("default")))
 #else
 #define CORVANTIS_API

@@ -1,5 +1,7 @@
 // Creating, opening and closing the data file, and what a saved epoch adds to it, byte by byte.
+#if !defined(_WIN32)
 #include <fcntl.h>
+#endif
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -22,25 +24,37 @@ using namespace corvantis_test;
 
 using DataFile = RecordingTest;
 
+#if defined(_WIN32)
+constexpr char kHome[] = "USERPROFILE";
+constexpr char kNoMatch[] = "run[1]";  // a star is in no name there
+void SetVariable(const char* name, const std::string& value) { _putenv_s(name, value.c_str()); }
+bool IsInherited(FILE* /*stream*/) { return false; }  // as files are opened there
+#else
+constexpr char kHome[] = "HOME";
+constexpr char kNoMatch[] = "run*";
+void SetVariable(const char* name, const std::string& value) { setenv(name, value.c_str(), 1); }
+bool IsInherited(FILE* stream) { return fcntl(fileno(stream), F_GETFD) != FD_CLOEXEC; }
+#endif
+
 // The first match of a pattern, or the pattern itself; a tilde only once the file is there.
 TEST_F(DataFile, IsCreatedWithItsHeaderAndOverwrittenOnlyOnRequest) {
-    const std::string home = std::getenv("HOME") == nullptr ? "/" : std::getenv("HOME");
-    setenv("HOME", folder.path.c_str(), 1);
+    const std::string home = std::getenv(kHome) == nullptr ? "/" : std::getenv(kHome);
+    SetVariable(kHome, folder.path.string());
     const Bytes precious = Text("a year of work", 2000), blank = FileHeaderBytes(8, 0, 0);
     for (const char* name : {"b.itc", "c.itc", "a.dat"}) WriteFile(folder.File(name), precious);
     using Case = std::tuple<std::string, int32_t, bool, const char*>;
     for (const auto& [pattern, overwrite, done, name] :
          {Case("~/b.itc", 0, false, "b.itc"), Case("*.itc", 1, true, "b.itc"),
-          Case("?.dat", 0, false, "a.dat"), Case("run*", 0, true, "run*"),
+          Case("?.dat", 0, false, "a.dat"), Case(kNoMatch, 0, true, kNoMatch),
           Case("~/c.itc", 1, true, "c.itc"), Case("~/new.itc", 0, false, "new.itc")}) {
         const std::string full = pattern[0] == '~' ? pattern : folder.File(pattern);
         EXPECT_EQ(ITCCreateFile(full.c_str(), overwrite), done ? 0 : 7) << pattern;
-        EXPECT_EQ(done && fcntl(fileno(ITCOpenFilePtr), F_GETFD) != FD_CLOEXEC, false);
+        EXPECT_FALSE(done && IsInherited(ITCOpenFilePtr));
         EXPECT_EQ(ITCCloseFile(), done ? 0 : -1);
         EXPECT_EQ(FileContent(folder.File(name)) == blank, done) << pattern;
     }
     EXPECT_EQ(FileContent(folder.File("a.dat")), precious);
-    setenv("HOME", home.c_str(), 1);
+    SetVariable(kHome, home);
 }
 
 TEST_F(DataFile, OpensWithItsTableOrNotAtAll) {

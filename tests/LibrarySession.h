@@ -75,8 +75,11 @@ class LibrarySession {
 class TemporaryFolder {
   public:
     TemporaryFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "corvantis-XXXXXX").string();
-        path = mkdtemp(name.data());
+        static int count = 0;
+        const auto base = std::filesystem::temp_directory_path();
+        do {
+            path = base / ("corvantis-" + std::to_string(getpid()) + "-" + std::to_string(++count));
+        } while (!std::filesystem::create_directory(path));
     }
     ~TemporaryFolder() { std::filesystem::remove_all(path); }
     std::string File(const std::string& name) const { return (path / name).string(); }

@@ -1,21 +1,12 @@
 // Finding, creating, opening and closing the data file.
 #include "ITCFileAccess/DataFile.h"
 
-#include <fcntl.h>
-#include <glob.h>
-#if defined(__linux__)
-#include <stdio_ext.h>
-#endif
-#include <sys/stat.h>
-#include <sys/types.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <string>
 
 #include "Corvantis.h"
+#include "ITCFileAccess/PlatformFile.h"
 #include "ITCFileAccess/RecordingLock.h"
 #include "ITCFileIO/ArrayCodec.h"
 #include "ITCInitialize/PositionTable.h"
@@ -23,8 +14,6 @@
 
 namespace corvantis {
 namespace {
-
-static_assert(sizeof(off_t) == 8, "files reach 4 GiB: build with 64-bit file offsets");
 
 struct AppendPlace {
     const FILE* stream = nullptr;
@@ -39,66 +28,13 @@ bool openedWithName = false;
 AppendPlace appendPlace;
 int32_t storedEpochs = 0;
 
-// The first match of a pattern, or the pattern itself. A "~" is thus expanded only for a file that
-// exists: creating a new file through one fails, as callers know.
-class PathLookup {
-  public:
-    explicit PathLookup(const char* pattern)
-        : pattern_(pattern), found_(glob(pattern, GLOB_TILDE, nullptr, &matches_) == 0) {}
-    PathLookup(const PathLookup&) = delete;
-    PathLookup& operator=(const PathLookup&) = delete;
-    ~PathLookup() { globfree(&matches_); }
-    const char* Path() const { return found_ ? matches_.gl_pathv[0] : pattern_; }
-
-  private:
-    const char* pattern_;
-    glob_t matches_ = {};
-    bool found_;
-};
-
-// A pipe would block the caller for ever, a directory or device holds no recording.
-bool MayHoldData(const char* path) {
-    struct stat status = {};
-    return stat(path, &status) != 0 || S_ISREG(status.st_mode);
-}
-
-struct Access {
-    const char* mode;
-    int flags;
-};
-constexpr Access kReading = {"rb", O_RDONLY};
-constexpr Access kReplacing = {"w+b", O_RDWR | O_CREAT};
-// Of two programs that start in the same moment, one gets the file.
-constexpr Access kCreating = {"w+b", O_RDWR | O_CREAT | O_EXCL};
-
-// Emptied only when it is known that no other program records it.
-bool Prepare(int descriptor, const Access& access) {
-    if (access.flags == O_RDONLY) return true;
-    return LockForRecording(descriptor) && ftruncate(descriptor, 0) == 0;
-}
-
-// A program that the application starts does not get the descriptor.
-FILE* OpenStreamOn(const char* path, const Access& access) {
-    if (!MayHoldData(path)) return nullptr;
-    const int descriptor = open(path, access.flags | O_CLOEXEC, 0666);
-    if (descriptor < 0) return nullptr;
-    FILE* const stream = Prepare(descriptor, access) ? fdopen(descriptor, access.mode) : nullptr;
-    if (stream == nullptr) close(descriptor);
-    return stream;
-}
-
-int64_t Names(FILE* stream) {
-    struct stat status = {};
-    return fstat(fileno(stream), &status) == 0 ? static_cast<int64_t>(status.st_nlink) : 0;
-}
-
-bool OpenPath(const char* path, const Access& access) {
+bool Open(const char* pattern, Access access) {
     ReleaseRecordingLock();
-    ITCOpenFilePtr = OpenStreamOn(path, access);
+    ITCOpenFilePtr = OpenFirstMatch(pattern, access);
     closedStream = nullptr;
     openedStream = ITCOpenFilePtr;
     storedEpochs = 0;
-    openedWithName = ITCOpenFilePtr != nullptr && Names(ITCOpenFilePtr) > 0;
+    openedWithName = ITCOpenFilePtr != nullptr && FileNames(ITCOpenFilePtr) > 0;
     appendPlace = {};
     return ITCOpenFilePtr != nullptr;
 }
@@ -116,8 +52,8 @@ int32_t ReadPositionTable(FILE* stream, int32_t numEpochs, int64_t position) {
     return read && entries == numEpochs ? ITC_SUCCESS : ITC_FILE_ERROR;
 }
 
-bool OpenPattern(const char* pattern, const Access& access) {
-    return pattern != nullptr && HasFileHeader() && OpenPath(PathLookup(pattern).Path(), access);
+bool OpenPattern(const char* pattern, Access access) {
+    return pattern != nullptr && HasFileHeader() && Open(pattern, access);
 }
 
 int32_t ReadHeaderAndTable() {
@@ -137,11 +73,6 @@ bool SeekTo(FILE* stream, int64_t position) { return fseeko(stream, position, SE
 bool SkipForward(FILE* stream, int64_t count) { return fseeko(stream, count, SEEK_CUR) == 0; }
 int64_t CurrentPosition(FILE* stream) { return ftello(stream); }
 
-int64_t FileSize(FILE* stream) {
-    struct stat status = {};
-    return stream != nullptr && fstat(fileno(stream), &status) == 0 ? int64_t{status.st_size} : -1;
-}
-
 int64_t RemainingBytes(FILE* stream) {
     const int64_t position = CurrentPosition(stream);
     return position < 0 ? -1 : FileSize(stream) - position;
@@ -159,7 +90,7 @@ bool ReturnToAppendPosition(FILE* stream) {
 }
 
 bool IsUnlinked(FILE* stream) {
-    return stream == openedStream && openedWithName && Names(stream) == 0;
+    return stream == openedStream && openedWithName && FileNames(stream) == 0;
 }
 
 int32_t StoredEpochs(FILE* stream) {
@@ -170,7 +101,7 @@ bool Flush(FILE* stream) {
     const char* wanted = std::getenv("CORVANTIS_SYNC");
     const bool isWanted =
         wanted != nullptr && std::strcmp(wanted, "") != 0 && std::strcmp(wanted, "0") != 0;
-    return std::fflush(stream) == 0 && (!isWanted || fdatasync(fileno(stream)) == 0);
+    return std::fflush(stream) == 0 && (!isWanted || ForceToDisk(stream));
 }
 
 bool StoreFileHeader(FILE* stream) {
@@ -187,23 +118,14 @@ void RestoreFileHeader(FILE* stream) {
     std::fflush(stream);
 }
 
-bool CutTo(FILE* stream, int64_t size) {
-    return FileSize(stream) <= size || ftruncate(fileno(stream), size) == 0;
-}
-
-void DiscardUnwritten(FILE* stream) {
-#if defined(__linux__)
-    __fpurge(stream);
-#else
-    fpurge(stream);
-#endif
-}
+bool CutTo(FILE* stream, int64_t size) { return FileSize(stream) <= size || CutFile(stream, size); }
 
 }  // namespace corvantis
 
 int32_t ITCCreateFile(const char* pattern, int32_t overwrite) {
     using namespace corvantis;
-    if (!OpenPattern(pattern, overwrite == 0 ? kCreating : kReplacing)) return ITC_FILE_ERROR;
+    if (!OpenPattern(pattern, overwrite == 0 ? Access::kCreating : Access::kReplacing))
+        return ITC_FILE_ERROR;
     FillBlankFileHeader();
     // Flushed at once: a disk without room is known before the first epoch, not after it.
     if (!StoreFileHeader(ITCOpenFilePtr)) {
@@ -216,14 +138,14 @@ int32_t ITCCreateFile(const char* pattern, int32_t overwrite) {
 
 int32_t ITCOpenFile(const char* pattern) {
     using namespace corvantis;
-    return OpenPattern(pattern, kReading) ? ReadHeaderAndTable() : ITC_FILE_ERROR;
+    return OpenPattern(pattern, Access::kReading) ? ReadHeaderAndTable() : ITC_FILE_ERROR;
 }
 
 // The file is emptied, deliberately: whoever relies on its failing finds an empty file. It stays
 // open, and an epoch that is saved into it leaves the header its room.
 int32_t ITCOpenFileForEdit(const char* pattern) {
     using namespace corvantis;
-    if (!OpenPattern(pattern, kReplacing)) return ITC_FILE_ERROR;
+    if (!OpenPattern(pattern, Access::kReplacing)) return ITC_FILE_ERROR;
     RememberAppendPosition(ITCOpenFilePtr, kFirstEpochPosition);
     RememberMove();
     return ReadHeaderAndTable();

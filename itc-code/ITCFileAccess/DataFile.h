@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "ITCFileAccess/PlatformFile.h"
+
 namespace corvantis {
 
 // The open stream, or null if none was opened or it has been closed.
@@ -15,7 +17,6 @@ bool SkipForward(FILE* stream, int64_t count);
 int64_t CurrentPosition(FILE* stream);
 // Bytes from the current position to the end of the file, which may be none; -1 on failure.
 int64_t RemainingBytes(FILE* stream);
-int64_t FileSize(FILE* stream);
 
 // Where the next epoch belongs, from creating the file or saving an epoch. Reading and failed
 // writes move the stream away from there; saving asks for the way back, which a file opened for
@@ -37,8 +38,6 @@ bool StoreFileHeader(FILE* stream);
 // After that has failed: the count that was stored last again, with the current table position.
 void RestoreFileHeader(FILE* stream);
 
-// Forget what was written but could not reach the file, or it would follow whenever there is room.
-void DiscardUnwritten(FILE* stream);
 bool CutTo(FILE* stream, int64_t size);
 
 }  // namespace corvantis

@@ -3,7 +3,7 @@
 #include "interface/Boundary.h"
 #include "interface/Target.h"
 #include "stimuli/Computation.h"
-#include "stimuli/GnuRandom.h"
+#include "ITCUtilities/Random/GnuRandom.h"
 #include "units/Scale.h"
 
 namespace corvantis::reading {

@@ -23,7 +23,8 @@ void FillHeader() {
 }  // namespace
 
 void ReportDataFiles(Report& report) {
-    const std::string given = report.folder / "given.itc", written = report.folder / "written.itc";
+    const std::string given = (report.folder / "given.itc").string();
+    const std::string written = (report.folder / "written.itc").string();
     std::vector<uint8_t> files;
     std::vector<uint16_t> samples;
     std::vector<float> conductances(corvantis_fuzz::kPoints, -85.3F);

@@ -1,18 +1,20 @@
 // The parts of the reading layer that stand in for the platform's, against the platform's.
 #include <gtest/gtest.h>
+#if __has_include(<iconv.h>)
 #include <iconv.h>
+#endif
 
 #include <cstdlib>
 #include <string>
 
-#include "stimuli/GnuRandom.h"
+#include "ITCUtilities/Random/GnuRandom.h"
 #include "text/Text.h"
 
 namespace {
 
 TEST(GnuRandom, DrawsAsTheGnuLibraryDoes) {
 #if defined(__GLIBC__)
-    corvantis::reading::GnuRandom own;
+    corvantis::GnuRandom own;
     uint32_t seed = 0;
     for (int round = 0; round < 20'000; ++round) {
         srand(seed);
@@ -25,6 +27,7 @@ TEST(GnuRandom, DrawsAsTheGnuLibraryDoes) {
 
 TEST(DisplayText, TakesForMacRomanWhatIsNoUtf8) {
     EXPECT_EQ(corvantis::reading::DisplayText("\xC2\xB5V \xE2\x80\xAE\x1B["), "µV   [");
+#if __has_include(<iconv.h>)
     iconv_t converter = iconv_open("UTF-8", "MACINTOSH");
     if (converter == reinterpret_cast<iconv_t>(-1))
         GTEST_SKIP() << "a C library without its tables";
@@ -37,6 +40,7 @@ TEST(DisplayText, TakesForMacRomanWhatIsNoUtf8) {
         EXPECT_EQ(corvantis::reading::DisplayText({in, sizeof in}), out) << byte;
     }
     iconv_close(converter);
+#endif
 }
 
 }  // namespace

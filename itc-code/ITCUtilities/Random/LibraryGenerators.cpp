@@ -4,10 +4,12 @@
 #include <cstdlib>
 
 #include "Corvantis.h"
+#include "ITCUtilities/Random/GnuRandom.h"
 
 namespace corvantis {
 namespace {
 
+#if defined(__GLIBC__)
 // The platform's generator, which applications seed and draw from as well.
 class PlatformRandom : public OldGenerator {
   public:
@@ -15,8 +17,12 @@ class PlatformRandom : public OldGenerator {
     int32_t Draw() override { return std::rand(); }
 };
 
-constinit PlatformRandom platform;
-constinit NoiseGenerators generators(platform);
+constinit PlatformRandom older;
+#else
+// Another platform's numbers are others, and may be fewer than noise asks for.
+GnuRandom older;
+#endif
+constinit NoiseGenerators generators(older);
 
 uint32_t next = 1;
 

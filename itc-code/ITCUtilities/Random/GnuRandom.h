@@ -6,7 +6,7 @@
 
 #include "ITCUtilities/Random/NoiseGenerators.h"
 
-namespace corvantis::reading {
+namespace corvantis {
 
 // An additive generator: each word is the sum of those 3 and 31 before it, of which all but the
 // lowest bit is given out (Knuth, The Art of Computer Programming 2, 3.2.2).
@@ -25,4 +25,4 @@ class GnuRandom final : public OldGenerator {
     size_t next_ = 0;
 };
 
-}  // namespace corvantis::reading
+}  // namespace corvantis

@@ -1,7 +1,7 @@
 // Seeding and stepping the additive generator.
-#include "stimuli/GnuRandom.h"
+#include "ITCUtilities/Random/GnuRandom.h"
 
-namespace corvantis::reading {
+namespace corvantis {
 namespace {
 
 constexpr int64_t kMultiplier = 16807;  // of the generator that the words are seeded by
@@ -29,4 +29,4 @@ void GnuRandom::SeedWords(uint32_t seed) {
     for (int i = 0; i < kWarmUp; ++i) Draw();
 }
 
-}  // namespace corvantis::reading
+}  // namespace corvantis

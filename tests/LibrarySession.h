@@ -81,7 +81,11 @@ class TemporaryFolder {
             path = base / ("corvantis-" + std::to_string(getpid()) + "-" + std::to_string(++count));
         } while (!std::filesystem::create_directory(path));
     }
-    ~TemporaryFolder() { std::filesystem::remove_all(path); }
+    // What is still open there stays, on systems that do not let go of open files.
+    ~TemporaryFolder() {
+        std::error_code error;
+        std::filesystem::remove_all(path, error);
+    }
     std::string File(const std::string& name) const { return (path / name).string(); }
 
     std::filesystem::path path;

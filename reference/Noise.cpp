@@ -1,10 +1,10 @@
 // The noise waveforms, for records whose runs are not negative.
 #include <cmath>
-#include <cstdlib>
 #include <vector>
 
 #include "reference/Definitions.h"
 #include "reference/Fused.h"
+#include "reference/OldNumbers.h"
 
 namespace definition {
 namespace {
@@ -81,7 +81,7 @@ void SmoothedNoise(uint16_t* buffer, const ITCNoiseParameters& record) {
     const int32_t reach = (record.smoothingPoints - 1) / 2;
     const int32_t end = record.prePoints + record.points;
     const int32_t total = end + record.tailPoints;
-    std::srand(static_cast<unsigned>(record.seed));
+    SeedOldNumbers(static_cast<uint32_t>(record.seed));
     std::vector<float> work(static_cast<size_t>(total));
     Hold(buffer, record);
     for (float& value : work) {

@@ -1,8 +1,8 @@
 // The generators, step by step. Additions beyond 31 bits wrap.
 #include <cmath>
-#include <cstdlib>
 
 #include "reference/Definitions.h"
+#include "reference/OldNumbers.h"
 
 namespace definition {
 namespace {
@@ -78,7 +78,7 @@ float NormalDeviate(int32_t* word) {
 
 float OldNormalDeviate() {
     return Polar(oldSpare,
-                 [] { return static_cast<float>(2.0 * std::rand() / 2147483647.0 - 1.0); });
+                 [] { return static_cast<float>(2.0 * NextOldNumber() / 2147483647.0 - 1.0); });
 }
 
 void DropSpareDeviates() { spare.held = oldSpare.held = false; }

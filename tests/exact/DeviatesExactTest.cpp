@@ -31,6 +31,7 @@ TEST_F(ExactTest, DeviatesFromAnyWord) {
     ExpectDigest(0x6cd995c01a6b73ef);
 }
 
+#if defined(__GLIBC__)  // elsewhere the library draws from a generator of its own
 TEST_F(ExactTest, NormalDeviatesOfThePlatformsNumbers) {
     std::vector<float> values, expected;
     std::srand(42);
@@ -42,6 +43,7 @@ TEST_F(ExactTest, NormalDeviatesOfThePlatformsNumbers) {
     ExpectSame(values, expected);
     ExpectDigest(0xb666cb1d7c75c579);
 }
+#endif
 
 TEST_F(ExactTest, ThePolarFactorsGuardIsEnoughAndLessOfItIsNot) {
     std::vector<float> squares, expected;

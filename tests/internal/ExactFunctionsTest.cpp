@@ -105,6 +105,7 @@ TEST(ExactFunctions, Limits) {
 }
 
 // Beside the C library's, which are good to a few units in the last place.
+#if defined(__GLIBC__)  // others' sines may be off where angles are large
 TEST(ExactFunctions, TurnsAreWithinTheirBound) {
     std::mt19937_64 source(1);
     for (int round = 0; round < 200000; ++round) {
@@ -115,6 +116,7 @@ TEST(ExactFunctions, TurnsAreWithinTheirBound) {
         ASSERT_LT(std::abs(turn.cosine - std::cos(x)), 0x1p-51) << x;
     }
 }
+#endif
 
 TEST(ExactFunctions, FusedSums) {
     using corvantis::FusedInWords;

@@ -1,9 +1,9 @@
 // Recomputed stimuli, by ranges, into the caller's memory.
 #include "stimuli/Stimuli.h"
+#include "ITCUtilities/Random/GnuRandom.h"
 #include "interface/Boundary.h"
 #include "interface/Target.h"
 #include "stimuli/Computation.h"
-#include "ITCUtilities/Random/GnuRandom.h"
 #include "units/Scale.h"
 
 namespace corvantis::reading {

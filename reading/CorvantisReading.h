@@ -53,12 +53,12 @@ extern "C" {
 
 /** Result codes; those that libCorvantis has too are the same numbers. */
 typedef enum CorvantisResult {
-    CORVANTIS_SUCCESS = 0,
+    CORVANTIS_SUCCESS = 0, /**< done */
     /** A stimulus that cannot be computed: the file does not hold what it needs, or its lengths do
      * not fit the epoch. */
     CORVANTIS_NO_STIMULUS = 2,
-    CORVANTIS_OUT_OF_MEMORY = 5,
-    CORVANTIS_BAD_ARGUMENT = 6,
+    CORVANTIS_OUT_OF_MEMORY = 5, /**< there is no memory for it */
+    CORVANTIS_BAD_ARGUMENT = 6,  /**< a null pointer, or what is asked for is not there */
     /** The file cannot be opened or read, or ends too early. */
     CORVANTIS_FILE_ERROR = 7,
     /** The file was made by a newer version. */
@@ -236,7 +236,10 @@ typedef struct CorvantisField {
 } CorvantisField;
 
 /** Records that are no stimulus; the others go by their type code, 1 to 14. */
-enum { CORVANTIS_FILE_HEADER = -1, CORVANTIS_EPOCH_HEADER = 0 };
+enum {
+    CORVANTIS_FILE_HEADER = -1, /**< the header of the file */
+    CORVANTIS_EPOCH_HEADER = 0  /**< the header of an epoch */
+};
 
 /**
  * The fields of a record, in the order of the file.
@@ -307,13 +310,13 @@ CORVANTIS_API int32_t CorvantisColumns(const CorvantisRecording* recording, int6
 
 /** Where an epoch lies, and what there is to be had of it. */
 typedef struct CorvantisEpochInfo {
-    int64_t start;            /**< of its header [bytes] */
-    int64_t samples;          /**< of its samples [bytes] */
-    int64_t end;              /**< behind its samples [bytes] */
-    int32_t points;           /**< of each entry [samples] */
-    int32_t entries;          /**< 0 to 4 */
-    int32_t samplingInterval; /**< one pass of the sequence [µs] */
-    int32_t stimulusTypes[CORVANTIS_ENTRIES];
+    int64_t start;                            /**< of its header [bytes] */
+    int64_t samples;                          /**< of its samples [bytes] */
+    int64_t end;                              /**< behind its samples [bytes] */
+    int32_t points;                           /**< of each entry [samples] */
+    int32_t entries;                          /**< 0 to 4 */
+    int32_t samplingInterval;                 /**< one pass of the sequence [µs] */
+    int32_t stimulusTypes[CORVANTIS_ENTRIES]; /**< of each entry; 0 behind the last one */
     /** Input of each entry: 0 to 7, 8 for the digital port, -1 for none or an unknown one. */
     int32_t inputs[CORVANTIS_ENTRIES];
     /** Output of each entry: 0 to 3, 4 for the digital port, -1 for none or an unknown one. */
@@ -401,7 +404,10 @@ CORVANTIS_API int32_t CorvantisManyCounts(const CorvantisRecording* recording, i
                                           uint8_t* missing, CorvantisProblem* problem);
 
 /** The two conductances of a dynamic clamp. */
-enum { CORVANTIS_EXCITATORY = 0, CORVANTIS_INHIBITORY = 1 };
+enum {
+    CORVANTIS_EXCITATORY = 0, /**< the first array in the file */
+    CORVANTIS_INHIBITORY = 1  /**< the second */
+};
 
 /**
  * Conductances that a dynamic clamp was given, in nS.
@@ -486,12 +492,12 @@ enum {
  * port, whose samples are 16 lines, taken as a number from 0 to 65535.
  */
 typedef struct CorvantisScaleInfo {
-    double countsPerVolt;
-    double gain;       /**< of a response [V/unit], else 1 */
-    double factor;     /**< of a stimulus [units/V], else 1 */
-    int32_t isWord;    /**< 1 for the digital port */
-    char unit[60];     /**< of the values */
-    char formula[192]; /**< with this entry's numbers, for people */
+    double countsPerVolt; /**< of the converter, 1 where samples stay counts */
+    double gain;          /**< of a response [V/unit], else 1 */
+    double factor;        /**< of a stimulus [units/V], else 1 */
+    int32_t isWord;       /**< 1 for the digital port */
+    char unit[60];        /**< of the values */
+    char formula[192];    /**< with this entry's numbers, for people */
 } CorvantisScaleInfo;
 
 /**

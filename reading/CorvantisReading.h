@@ -317,9 +317,9 @@ typedef struct CorvantisEpochInfo {
     int32_t entries;                          /**< 0 to 4 */
     int32_t samplingInterval;                 /**< one pass of the sequence [µs] */
     int32_t stimulusTypes[CORVANTIS_ENTRIES]; /**< of each entry; 0 behind the last one */
-    /** Input of each entry: 0 to 7, 8 for the digital port, -1 for none or an unknown one. */
+    /** Input of each entry: 0 to 7, 8 for the digital port; -1 behind the last entry. */
     int32_t inputs[CORVANTIS_ENTRIES];
-    /** Output of each entry: 0 to 3, 4 for the digital port, -1 for none or an unknown one. */
+    /** Output of each entry: 0 to 3, 4 for the digital port; -1 behind the last entry. */
     int32_t outputs[CORVANTIS_ENTRIES];
 } CorvantisEpochInfo;
 

@@ -4,14 +4,6 @@
 #include <cstdlib>
 
 #include "ITCInitialize/SlotBlocks.h"
-#include "ITCUtilities/Memory.h"
-
-namespace corvantis {
-
-void* AllocateBlock(size_t size) { return ITCMalloc(1, size); }
-void ReleaseBlock(void* block) { ITCFree(block); }
-
-}  // namespace corvantis
 
 void* ITCMalloc(size_t /*count*/, size_t size) { return std::malloc(size); }
 

@@ -167,8 +167,8 @@ typedef struct CorvantisRecordingInfo {
 CORVANTIS_API int32_t CorvantisInfo(const CorvantisRecording* recording,
                                     CorvantisRecordingInfo* info);
 /**
- * How many epochs the recording has, those included that are damaged or lost but counted. May grow
- * when a recording that looked sound turns out damaged and is walked, and by #CorvantisRefresh.
+ * How many epochs the recording has, those included that are damaged or lost but counted. Constant
+ * but for #CorvantisRefresh.
  * @param[in] recording the recording
  * @return their number; 0 for null
  */

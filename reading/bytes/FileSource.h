@@ -7,8 +7,7 @@
 
 namespace corvantis::reading {
 
-// Why there is none is said in words, with the number of the system's error, 0 for a file of
-// another kind than a regular one.
+// Without a source it says why, in words.
 struct OpenedFile {
     bool isOpen = false;
     ByteSource source;

@@ -25,9 +25,16 @@ extern "C" int fflush(FILE* stream) {
     if (afterFlush) afterFlush();
     return result;
 }
-extern "C" int ftruncate64(int descriptor, off64_t size) {
+#if defined(__GLIBC__)
+#define CUT_FILE ftruncate64
+#else
+#define CUT_FILE ftruncate
+#endif
+#define NAME_OF_(function) #function
+#define NAME_OF(function) NAME_OF_(function)
+extern "C" int CUT_FILE(int descriptor, int64_t size) {
     static const auto cut =
-        reinterpret_cast<int (*)(int, off64_t)>(dlsym(RTLD_NEXT, "ftruncate64"));
+        reinterpret_cast<int (*)(int, int64_t)>(dlsym(RTLD_NEXT, NAME_OF(CUT_FILE)));
     return cutFails ? -1 : cut(descriptor, size);
 }
 

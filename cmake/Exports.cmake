@@ -1,0 +1,16 @@
+# What a shared library shows of itself: its interface, and nothing of the compiler's run time or of
+# templates of the C++ library. The visibility of the sources does most of it.
+include(CheckLinkerFlag)
+if(NOT WIN32 AND NOT APPLE)
+    check_linker_flag(CXX -Wl,--exclude-libs,ALL LINKER_HIDES_ARCHIVES)
+endif()
+
+# The map is a version script; formats without such have visibility alone.
+function(export_interface library map)
+    if(WIN32 OR APPLE)
+        return()
+    endif()
+    target_link_options(${library} PRIVATE -Wl,--version-script=${map}
+        $<$<BOOL:${LINKER_HIDES_ARCHIVES}>:-Wl,--exclude-libs,ALL>
+        $<$<NOT:$<BOOL:${CORVANTIS_SANITIZE}>>:-Wl,--no-undefined>)
+endfunction()

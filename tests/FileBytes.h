@@ -88,6 +88,7 @@ inline Bytes EpochHeaderBytes(uint32_t interval, uint32_t points, const Bytes& t
 
 using Stream = std::unique_ptr<FILE, int (*)(FILE*)>;
 
+#if !defined(__wasi__)  // which has no temporary files
 // A temporary file on disk, so that seeking behaves as in a data file, positioned at its start.
 inline Stream StreamOver(const Bytes& bytes = {}) {
     Stream stream(std::tmpfile(), fclose);
@@ -95,6 +96,7 @@ inline Stream StreamOver(const Bytes& bytes = {}) {
     rewind(stream.get());
     return stream;
 }
+#endif
 
 inline Bytes Content(FILE* stream) {
     Bytes bytes;

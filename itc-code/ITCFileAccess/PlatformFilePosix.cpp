@@ -1,7 +1,7 @@
 // The data file on systems with POSIX calls.
 #include <fcntl.h>
 #include <glob.h>
-#if defined(__linux__)
+#if __has_include(<stdio_ext.h>)
 #include <stdio_ext.h>
 #endif
 #include <sys/stat.h>
@@ -16,12 +16,18 @@ namespace {
 
 static_assert(sizeof(off_t) == 8, "files reach 4 GiB: build with 64-bit file offsets");
 
+#if defined(GLOB_TILDE)
+constexpr int kLookupFlags = GLOB_TILDE;
+#else
+constexpr int kLookupFlags = 0;
+#endif
+
 // The first match of a pattern, or the pattern itself. A "~" is thus expanded only for a file that
 // exists: creating a new file through one fails, as callers know.
 class PathLookup {
   public:
     explicit PathLookup(const char* pattern)
-        : pattern_(pattern), found_(glob(pattern, GLOB_TILDE, nullptr, &matches_) == 0) {}
+        : pattern_(pattern), found_(glob(pattern, kLookupFlags, nullptr, &matches_) == 0) {}
     PathLookup(const PathLookup&) = delete;
     PathLookup& operator=(const PathLookup&) = delete;
     ~PathLookup() { globfree(&matches_); }
@@ -89,7 +95,7 @@ bool ForceToDisk(FILE* stream) {
 }
 
 void DiscardUnwritten(FILE* stream) {
-#if defined(__linux__)
+#if __has_include(<stdio_ext.h>)
     __fpurge(stream);
 #else
     fpurge(stream);

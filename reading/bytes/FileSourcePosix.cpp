@@ -33,7 +33,7 @@ int64_t ReadAt(void* context, int64_t offset, void* bytes, int64_t count) {
 
 void Close(void* context) { close(DescriptorOf(context)); }
 
-int64_t NextData(void* context, int64_t offset) {
+int64_t NextData([[maybe_unused]] void* context, int64_t offset) {
 #if defined(SEEK_DATA)
     const off_t data = lseek(DescriptorOf(context), offset, SEEK_DATA);
     if (data >= 0) return data;

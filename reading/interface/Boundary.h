@@ -14,7 +14,7 @@ inline Reporter ReporterOf(const CorvantisRecording* recording, CorvantisProblem
 }
 
 template <class Operation>
-int32_t Guarded(const Reporter& reporter, Operation operation) {
+int32_t Guarded([[maybe_unused]] const Reporter& reporter, Operation operation) {
 #if defined(__cpp_exceptions)
     try {
         return operation();

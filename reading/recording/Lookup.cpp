@@ -110,7 +110,7 @@ int32_t Contents::Find(const FileView& view, int64_t number, Depth depth, EpochR
 
 const Walked* Contents::Walk(const Reporter& reporter) const {
     if (const Walked* walked = isWalked_.load(std::memory_order_acquire)) return walked;
-    const std::scoped_lock lock(mutex_);
+    const Lock lock(mutex_);
     if (walked_) return walked_.get();
     const FileView view = View();
     auto walked = std::make_unique<Walked>();

@@ -60,7 +60,7 @@ std::vector<NoiseEpoch> Contents::NoiseOfAll(const Reporter& reporter, bool& isC
 
 const NoiseHistory* Contents::History(const Reporter& reporter) const {
     if (const NoiseHistory* known = hasHistory_.load(std::memory_order_acquire)) return known;
-    const std::scoped_lock lock(historyMutex_);
+    const Lock lock(historyMutex_);
     if (history_) return history_.get();
     bool isComplete = false;
     std::vector<NoiseEpoch> epochs = NoiseOfAll(reporter, isComplete);

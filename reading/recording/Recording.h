@@ -4,10 +4,10 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
+#include "ITCUtilities/Mutex.h"
 #include "bytes/FileView.h"
 #include "epochs/EpochLayout.h"
 #include "recording/Problem.h"
@@ -92,10 +92,10 @@ class Contents {
     int64_t tablePosition_ = 0;
     std::unique_ptr<Remembered> starts_;   // of epochs, by the table
     std::unique_ptr<Remembered> digests_;  // of headers that were read
-    mutable std::mutex mutex_;
+    mutable Mutex mutex_;
     mutable std::unique_ptr<Walked> walked_;
     mutable std::atomic<const Walked*> isWalked_ = nullptr;
-    mutable std::mutex historyMutex_;
+    mutable Mutex historyMutex_;
     mutable std::unique_ptr<NoiseHistory> history_;
     mutable std::atomic<const NoiseHistory*> hasHistory_ = nullptr;
 };

@@ -145,7 +145,7 @@ bool NoiseHistory::Recall(size_t index, const Needs& needs, NoiseGenerators& gen
     if (needs.normal && !Unpack(spares_[index], generators.spare)) return false;
     if (needs.old && !Unpack(oldSpares_[index], generators.oldSpare)) return false;
     if (!needs.uniform) return true;
-    const std::scoped_lock lock(mutex_);
+    const Lock lock(mutex_);
     const auto state = states_.find(index);
     if (state == states_.end()) return false;
     generators.uniform = *state->second;
@@ -176,7 +176,7 @@ void NoiseHistory::Keep(size_t index, size_t anchor, const NoiseGenerators& gene
     keep(behind.old, drawsOld, generators.oldSpare, oldSpares_);
     const bool isDrawn = drawsNormal || draws(AreUniform);
     if (!isDrawn || !NeedsOf(index + 1).uniform || behind.uniform.anchor < anchor) return;
-    const std::scoped_lock lock(mutex_);
+    const Lock lock(mutex_);
     if (states_.size() >= kMostStates || states_.contains(index + 1)) return;
     states_.emplace(index + 1, std::make_unique<LongPeriodState>(generators.uniform));
 }

@@ -10,12 +10,12 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
+#include "ITCUtilities/Mutex.h"
 #include "ITCUtilities/Random/NoiseGenerators.h"
 #include "epochs/EpochLayout.h"
 
@@ -86,7 +86,7 @@ class NoiseHistory {
     // The deviate that is held before each epoch, 0 where it is not known yet.
     mutable std::vector<std::atomic<uint32_t>> spares_;
     mutable std::vector<std::atomic<uint32_t>> oldSpares_;
-    mutable std::mutex mutex_;
+    mutable Mutex mutex_;
     mutable std::unordered_map<size_t, std::unique_ptr<LongPeriodState>> states_;
 };
 

@@ -2,9 +2,9 @@
 #include "ITCUtilities/Fourier/KeptTwiddles.h"
 
 #include <bit>
-#include <mutex>
 
 #include "ITCUtilities/Fourier/Twiddle.h"
+#include "ITCUtilities/Mutex.h"
 
 namespace corvantis {
 namespace {
@@ -45,9 +45,9 @@ const BlockTwiddles& KeptBlockTwiddles(bool forward) {
 }
 
 const StageStarts& KeptStageStarts(bool forward, size_t half) {
-    static std::mutex mutex;
+    static Mutex mutex;
     static KeptStage kept[2][kMostStages];
-    const std::lock_guard<std::mutex> guard(mutex);
+    const Lock guard(mutex);
     const size_t number = static_cast<size_t>(std::countr_zero(half)) % kMostStages;
     KeptStage& stage = kept[forward ? 1 : 0][number];
     if (!stage.isCalculated) stage = {true, StageStarts(forward ? 1 : -1, half)};

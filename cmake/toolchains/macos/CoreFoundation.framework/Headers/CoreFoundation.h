@@ -27,8 +27,7 @@ CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text
 CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef allocator, CFStringRef path,
                                        CFURLPathStyle style, Boolean isDirectory);
 CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle style);
-Boolean CFStringGetCString(CFStringRef text, char* buffer, CFIndex size,
-                           CFStringEncoding encoding);
+Boolean CFStringGetCString(CFStringRef text, char* buffer, CFIndex size, CFStringEncoding encoding);
 void CFRelease(CFTypeRef object);
 
 #ifdef __cplusplus

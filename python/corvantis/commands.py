@@ -166,6 +166,10 @@ def _run(work: Callable[[argparse.Namespace], None], options: argparse.Namespace
             warnings.showwarning = say
             _check_output(options)
             work(options)
+    except ModuleNotFoundError as error:
+        print(f"corvantis {name}: {error.name} is not installed; it comes with corvantis[plot]",
+              file=sys.stderr)
+        return UNUSABLE
     except (CorvantisError, OSError, ValueError) as error:
         print(f"corvantis {name}: {error}", file=sys.stderr)
         return UNUSABLE

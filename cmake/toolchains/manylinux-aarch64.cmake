@@ -1,0 +1,11 @@
+# 64-bit ARM Linux with glibc 2.17 or newer: what wheels for Python are built for. Programs run in
+# user-mode qemu, on Debian's C library.
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR aarch64)
+set(ZIG_TARGET aarch64-linux-gnu.2.17)
+# Without names and debugging information, which a wheel has no use for.
+set(CMAKE_SHARED_LINKER_FLAGS_INIT "-s")
+set(CMAKE_STRIP true CACHE STRING "")
+include(${CMAKE_CURRENT_LIST_DIR}/zig.cmake)
+set(CMAKE_CROSSCOMPILING_EMULATOR "qemu-aarch64;-L;/usr/aarch64-linux-gnu" CACHE STRING
+    "Runs the programs")

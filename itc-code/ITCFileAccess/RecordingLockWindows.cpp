@@ -1,22 +1,13 @@
-// Locking the file that is recorded, on Windows: a byte far behind all data, since what is locked
-// there cannot be read by others.
+// Locking the file that is recorded, on Windows.
 #include <io.h>
 
 #include "ITCFileAccess/RecordingLock.h"
-#include "ITCUtilities/WidePath.h"
+#include "ITCUtilities/LockPlace.h"
 
 namespace corvantis {
 namespace {
 
-constexpr DWORD kFarBehind = 0x40000000;  // the upper half of the offset
-
 HANDLE lockedFile = INVALID_HANDLE_VALUE;
-
-OVERLAPPED LockPlace() {
-    OVERLAPPED place = {};
-    place.OffsetHigh = kFarBehind;
-    return place;
-}
 
 }  // namespace
 

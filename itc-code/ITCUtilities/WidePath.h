@@ -24,6 +24,17 @@ inline std::wstring WidePath(std::string_view path) {
     return wide;
 }
 
+// A half of a pair alone, which file names may hold, becomes the character that stands for none.
+inline std::string NarrowText(std::wstring_view wide) {
+    const int size = static_cast<int>(wide.size());
+    const auto convert = [&](char* to, int room) {
+        return WideCharToMultiByte(CP_UTF8, 0, wide.data(), size, to, room, nullptr, nullptr);
+    };
+    std::string text(static_cast<size_t>(convert(nullptr, 0)), '\0');
+    convert(text.data(), static_cast<int>(text.size()));
+    return text;
+}
+
 }  // namespace corvantis
 
 #endif

@@ -1,9 +1,9 @@
 // Reading at offsets through a handle, which any number of threads can share, on Windows.
 #include <algorithm>
 #include <string>
-#include <system_error>
 
 #include "ITCUtilities/WidePath.h"
+#include "ITCUtilities/WindowsMessage.h"
 #include "bytes/FileSource.h"
 
 namespace corvantis::reading {
@@ -28,13 +28,6 @@ int64_t ReadAt(void* context, int64_t offset, void* bytes, int64_t count) {
 
 void Close(void* context) { CloseHandle(context); }
 
-std::string Why(DWORD error) {
-    if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND) {
-        return "No such file or directory";
-    }
-    return std::system_category().message(static_cast<int>(error));
-}
-
 }  // namespace
 
 OpenedFile OpenFile(const char* path) {
@@ -49,7 +42,7 @@ OpenedFile OpenFile(const char* path) {
                                     FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                     OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE) {
-        opened.refusal = Why(GetLastError());
+        opened.refusal = WindowsMessage(GetLastError());
     } else if (GetFileType(file) != FILE_TYPE_DISK) {
         opened.refusal = "is not a regular file";
         CloseHandle(file);

@@ -218,6 +218,7 @@ int RunCommandLine(int argc, char** argv, Terminal& terminal) {
     CLI::App app(kDescription, "corvantis");
     Options options;
     app.formatter(std::make_shared<HelpFormatter>());
+    app.allow_windows_style_options(false);  // a slash begins a path
     app.set_help_all_flag("--help-all", "Help of all sub-commands");
     app.set_version_flag("--version", "corvantis " CORVANTIS_VERSION);
     app.footer(std::string(kExamplesHeading) + kExamples);

@@ -1,8 +1,6 @@
 // Choosing epochs, and writing their tables in runs of points.
 #include "commands/Export.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <map>
 #include <memory>
@@ -148,15 +146,15 @@ class Exporter {
     }
 
     void WriteToResults(const EpochTable& table) const {
-        if (format_ == "npy" && isatty(fileno(terminal_.results)) != 0) {
+        if (format_ == "npy" && IsScreen(terminal_.results.Stream())) {
             throw Failure("export: an array is no text for a terminal; use -o OUT");
         }
-        Write(table, terminal_.results);
+        Write(table, terminal_.results.Stream());
     }
 
     // Whatever has its name is complete.
     void WriteToFile(const EpochTable& table, const std::string& path) const {
-        if (file_.IsSame(path)) throw Failure(path, "is the data file itself");
+        if (file_.State().IsSame(path)) throw Failure(path, "is the data file itself");
         if (options_.resume && Exists(path)) return;
         NewFile output(path, options_.force);
         Write(table, output.Get());

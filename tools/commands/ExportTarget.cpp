@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "files/Failure.h"
+#include "files/Path.h"
 
 namespace corvantis::tool {
 namespace {
@@ -22,12 +23,12 @@ std::string Numbered(const std::string& stem, int64_t epoch, int64_t epochs,
 
 std::string PathInFolder(const ExportOptions& options, const FoundFile& found, int64_t epoch,
                          int64_t epochs) {
-    const fs::path folder = fs::path(options.output) / found.relative;
+    const fs::path folder = PathOf(options.output) / PathOf(found.relative);
     std::error_code error;
     fs::create_directories(folder, error);
-    if (error) throw Failure(folder.string(), error.message());
-    return (folder / Numbered("epoch", epoch, epochs, fmt::format(".{}", FormatOf(options))))
-        .string();
+    if (error) throw Failure(TextOf(folder), ReasonOf(error));
+    return TextOf(folder /
+                  Numbered("epoch", epoch, epochs, fmt::format(".{}", FormatOf(options))));
 }
 
 }  // namespace
@@ -38,13 +39,13 @@ bool IsStandardOutput(const ExportOptions& options) {
 
 bool IsFolderOutput(const ExportOptions& options) {
     if (IsStandardOutput(options)) return false;
-    return options.output.ends_with('/') || IsFolder(options.output);
+    return TextOf(PathOf(options.output)).ends_with('/') || IsFolder(options.output);
 }
 
 std::string FormatOf(const ExportOptions& options) {
     if (!options.format.empty()) return options.format;
     if (IsStandardOutput(options) || IsFolderOutput(options)) return "csv";
-    std::string ending = fs::path(options.output).extension().string();
+    std::string ending = TextOf(PathOf(options.output).extension());
     std::transform(ending.begin(), ending.end(), ending.begin(), [](char c) {
         return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
     });
@@ -57,10 +58,10 @@ std::string FormatOf(const ExportOptions& options) {
 std::string TablePath(const ExportOptions& options, const FoundFile& found, int64_t epoch,
                       int64_t epochs) {
     if (IsFolderOutput(options)) return PathInFolder(options, found, epoch, epochs);
-    const fs::path whole(options.output);
+    const fs::path whole = PathOf(options.output);
     const std::string name =
-        Numbered(whole.stem().string(), epoch, epochs, whole.extension().string());
-    return (whole.parent_path() / name).string();
+        Numbered(TextOf(whole.stem()), epoch, epochs, TextOf(whole.extension()));
+    return TextOf(whole.parent_path() / PathOf(name));
 }
 
 }  // namespace corvantis::tool

@@ -3,7 +3,8 @@
 
 namespace corvantis::tool {
 
-// Replaces this process. Returns only to throw a Failure, if there is no such program.
-void RunExternalCommand(int argc, char** argv);
+// Its exit code, where it does not take the place of this process. Throws a Failure if there is no
+// such program.
+int RunExternalCommand(int argc, char** argv);
 
 }  // namespace corvantis::tool

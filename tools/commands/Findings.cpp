@@ -9,7 +9,7 @@ namespace corvantis::tool {
 
 Findings FindingsOf(const DataFile& file) {
     Findings findings = file.Walk().findings;
-    if (file.IsBeingRecorded()) {
+    if (file.State().IsBeingRecorded()) {
         findings.insert(findings.begin(),
                         {0, -1, "file", "a program that is recording it",
                          "a recording that is closed, or a save may be under way", CORVANTIS_NOTE});

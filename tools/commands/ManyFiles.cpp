@@ -2,10 +2,8 @@
 #include "commands/ManyFiles.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
-#include <new>
 #include <thread>
+#include <utility>
 
 #include "commands/OrderedRuns.h"
 #include "files/TemporaryFile.h"
@@ -15,38 +13,10 @@
 namespace corvantis::tool {
 namespace {
 
-// A stream into memory.
-class Spool {
-  public:
-    Spool() : stream_(open_memstream(&bytes_, &size_)) {
-        if (stream_ == nullptr) throw std::bad_alloc();
-    }
-    Spool(const Spool&) = delete;
-    Spool& operator=(const Spool&) = delete;
-    ~Spool() {
-        std::fclose(stream_);
-        std::free(bytes_);
-    }
-
-    FILE* Stream() const { return stream_; }
-    bool IsEmpty() const {
-        std::fflush(stream_);
-        return size_ == 0;
-    }
-    void CopyTo(FILE* other) const {
-        if (!IsEmpty()) std::fwrite(bytes_, 1, size_, other);
-    }
-
-  private:
-    char* bytes_ = nullptr;
-    size_t size_ = 0;
-    FILE* stream_;
-};
-
 struct Spooled {
     Outcome outcome;
-    std::unique_ptr<Spool> results;
-    std::unique_ptr<Spool> messages;
+    std::string results;
+    std::string messages;
 };
 
 class Summary {
@@ -107,8 +77,8 @@ Outcome RunOnFile(const FoundFile& found, bool json, const Terminal& terminal,
 }
 
 Spooled RunSpooled(const FoundFile& found, bool json, bool quiet, const FileWork& work) {
-    Spooled run{{}, std::make_unique<Spool>(), std::make_unique<Spool>()};
-    const Terminal terminal{run.results->Stream(), run.messages->Stream(), quiet};
+    Spooled run;
+    const Terminal terminal{run.results, run.messages, quiet};
     run.outcome = RunOnFile(found, json, terminal, work);
     return run;
 }
@@ -130,12 +100,12 @@ void RunAll(const FileChoice& choice, const std::vector<FoundFile>& files, const
         progress.Reach(static_cast<int64_t>(i));
         const Spooled run = runs.Take();
         summary.Add(run.outcome);
-        if (!run.results->IsEmpty() || !run.messages->IsEmpty()) progress.Clear();
-        if (!run.results->IsEmpty() && !std::exchange(isFirst, false)) {
+        if (!run.results.empty() || !run.messages.empty()) progress.Clear();
+        if (!run.results.empty() && !std::exchange(isFirst, false)) {
             terminal.Print("{}", separator);
         }
-        run.results->CopyTo(terminal.results);
-        run.messages->CopyTo(terminal.messages);
+        terminal.results.Write(run.results);
+        terminal.messages.Write(run.messages);
     }
 }
 

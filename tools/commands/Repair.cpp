@@ -297,15 +297,15 @@ Json ToJson(const DataFile& file, const Account& account, const RepairOptions& o
 
 int RunRepair(const RepairOptions& options, const Terminal& terminal) {
     const DataFile file(options.file);
-    if (file.IsSame(options.output)) {
+    if (file.State().IsSame(options.output)) {
         throw Failure(options.output, "is the file to repair; name another one");
     }
-    if (file.IsBeingRecorded()) {
+    if (file.State().IsBeingRecorded()) {
         terminal.Say("{}: is being recorded; repaired is what it holds at this moment\n",
                      file.Name());
     }
-    NewFile repaired(options.output, options.force, 0600);
-    repaired.TakeRights(file.Status());
+    NewFile repaired(options.output, options.force, Readers::kOwner);
+    repaired.TakeRights(file.State());
     OutputFile output(file, repaired, terminal);
     const Account account = WriteRepaired(file, options, output);
     if (options.json) {

@@ -1,13 +1,11 @@
-// An open recording, and what its path has beyond it: a name, an owner, perhaps a recording
-// program.
+// An open recording with the name of its file, and what the system knows of that.
 #pragma once
-
-#include <sys/stat.h>
 
 #include <memory>
 #include <string>
 
 #include "CorvantisReading.h"
+#include "files/FileState.h"
 #include "recording/Recording.h"
 
 namespace corvantis::tool {
@@ -16,9 +14,6 @@ class DataFile {
   public:
     // Throws a Failure for anything that is no recording.
     explicit DataFile(const std::string& path);
-    DataFile(const DataFile&) = delete;
-    DataFile& operator=(const DataFile&) = delete;
-    ~DataFile();
 
     // Fit for a screen.
     const std::string& Name() const { return name_; }
@@ -28,10 +23,7 @@ class DataFile {
     // The walk through all of it. Throws a Failure if its bytes do not come.
     const reading::Walked& Walk() const;
 
-    bool IsSame(const std::string& path) const;
-    // Whether another program holds it open for recording.
-    bool IsBeingRecorded() const;
-    struct stat Status() const;
+    const FileState& State() const { return state_; }
 
   private:
     struct Close {
@@ -39,7 +31,7 @@ class DataFile {
     };
     std::string name_;
     std::unique_ptr<CorvantisRecording, Close> recording_;
-    int descriptor_ = -1;
+    FileState state_;
 };
 
 }  // namespace corvantis::tool

@@ -5,6 +5,9 @@
 #include <filesystem>
 #include <system_error>
 
+#include "files/FileState.h"
+#include "files/Path.h"
+
 namespace corvantis::tool {
 namespace {
 
@@ -15,7 +18,7 @@ std::vector<fs::directory_entry> EntriesOf(const fs::path& folder, std::error_co
     std::vector<fs::directory_entry> entries;
     for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
          entry.increment(error)) {
-        if (!entry->path().filename().string().starts_with('.')) entries.push_back(*entry);
+        if (!TextOf(entry->path().filename()).starts_with('.')) entries.push_back(*entry);
     }
     std::sort(entries.begin(), entries.end());
     return entries;
@@ -26,29 +29,29 @@ void AddFolder(const fs::path& folder, const fs::path& below, std::vector<FoundF
     for (const fs::directory_entry& entry : EntriesOf(folder, error)) {
         std::error_code none;
         const fs::path relative = below / entry.path().filename();
-        if (entry.is_directory(none) && !entry.is_symlink(none)) {
+        if (entry.is_directory(none) && !IsLink(TextOf(entry.path()))) {
             AddFolder(entry.path(), relative, files);
         } else if (entry.is_regular_file(none)) {
-            files.push_back({entry.path().string(), relative.string(), false});
+            files.push_back({TextOf(entry.path()), TextOf(relative), false});
         }
     }
-    if (error) files.push_back({folder.string(), below.string(), true, error.message()});
+    if (error) files.push_back({TextOf(folder), TextOf(below), true, ReasonOf(error)});
 }
 
 }  // namespace
 
 bool IsFolder(const std::string& path) {
     std::error_code none;
-    return fs::is_directory(path, none);
+    return fs::is_directory(PathOf(path), none);
 }
 
 std::vector<FoundFile> FindFiles(const std::vector<std::string>& arguments) {
     std::vector<FoundFile> files;
     for (const std::string& argument : arguments) {
         if (IsFolder(argument)) {
-            AddFolder(argument, {}, files);
+            AddFolder(PathOf(argument), {}, files);
         } else {
-            files.push_back({argument, fs::path(argument).filename().string()});
+            files.push_back({argument, TextOf(PathOf(argument).filename())});
         }
     }
     return files;

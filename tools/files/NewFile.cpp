@@ -1,62 +1,50 @@
 // Writing under a temporary name and renaming.
 #include "files/NewFile.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cstdlib>
-#include <memory>
+#include <filesystem>
 
 #include "files/Failure.h"
+#include "files/Path.h"
 
 namespace corvantis::tool {
 namespace {
 
-constexpr char kExists[] = "exists already (--force replaces it)";
+namespace fs = std::filesystem;
 
-bool IsLink(const std::string& path) {
-    struct stat status = {};
-    return lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
-}
+constexpr char kExists[] = "exists already (--force replaces it)";
 
 // What a link leads to is replaced, and not the link.
 std::string TargetOf(const std::string& path) {
     if (!IsLink(path)) return path;
-    const std::unique_ptr<char, decltype(&std::free)> target(realpath(path.c_str(), nullptr),
-                                                             &std::free);
-    if (target == nullptr) throw SystemFailure(path);
-    return target.get();
+    std::error_code error;
+    const fs::path target = fs::canonical(PathOf(path), error);
+    if (error) throw Failure(path, ReasonOf(error));
+    if (IsLink(TextOf(target))) throw Failure(path, "is a link; name what it leads to");
+    return TextOf(target);
 }
 
 // Devices and pipes would be replaced by a file, for every program that uses them.
 void RefuseUnlessFile(const std::string& path) {
-    struct stat status = {};
-    if (stat(path.c_str(), &status) != 0) return;
-    if (S_ISDIR(status.st_mode)) throw Failure(path, "is a directory");
-    if (!S_ISREG(status.st_mode)) throw Failure(path, "is not a regular file");
+    std::error_code none;
+    const fs::file_status status = fs::status(PathOf(path), none);
+    if (!fs::exists(status)) return;
+    if (fs::is_directory(status)) throw Failure(path, "is a directory");
+    if (!fs::is_regular_file(status)) throw Failure(path, "is not a regular file");
 }
 
 }  // namespace
 
 bool Exists(const std::string& path) {
-    struct stat status = {};
-    return lstat(path.c_str(), &status) == 0;
+    std::error_code none;
+    return fs::exists(fs::symlink_status(PathOf(path), none));
 }
 
-NewFile::NewFile(const std::string& path, bool replace, mode_t mode)
+NewFile::NewFile(const std::string& path, bool replace, Readers readers)
     : path_(TargetOf(path)), replace_(replace) {
     RefuseUnlessFile(path_);
     if (!replace_ && Exists(path_)) throw Failure(path_, kExists);
-    temporary_ = std::make_unique<TemporaryFile>(path_, mode);
+    temporary_ = std::make_unique<TemporaryFile>(path_, readers);
     stream_.reset(fdopen(temporary_->Descriptor(), "w+b"));
-}
-
-void NewFile::TakeRights(const struct stat& other) {
-    const int descriptor = fileno(stream_.get());
-    // Rights of another group would be another group's.
-    const bool isSameGroup = fchown(descriptor, static_cast<uid_t>(-1), other.st_gid) == 0;
-    const mode_t mode = other.st_mode & (isSameGroup ? 0777U : 0707U);
-    if (fchmod(descriptor, mode) != 0) throw SystemFailure(path_);
 }
 
 void NewFile::CheckWritten() const {
@@ -67,15 +55,7 @@ void NewFile::CheckWritten() const {
 
 void NewFile::Commit() {
     CheckWritten();
-    if (fsync(fileno(stream_.get())) != 0) throw SystemFailure(path_);
-    const std::string& temporary = temporary_->Name();
-    if (!replace_) {
-        // A link, unlike a rename, never replaces a file that has come up meanwhile.
-        if (link(temporary.c_str(), path_.c_str()) == 0) return;
-        if (errno == EEXIST || Exists(path_)) throw Failure(path_, kExists);
-    }
-    if (rename(temporary.c_str(), path_.c_str()) != 0) throw SystemFailure(path_);
-    temporary_->GiveUp();
+    if (!temporary_->TakePath(replace_)) throw Failure(path_, kExists);
 }
 
 }  // namespace corvantis::tool

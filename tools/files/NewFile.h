@@ -1,8 +1,6 @@
 // A file that appears under its name only when it is complete.
 #pragma once
 
-#include <sys/stat.h>
-
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -15,9 +13,9 @@ class NewFile {
   public:
     // Opens a temporary file beside the path. Throws a Failure, also if the path exists and may not
     // be replaced, or is no regular file.
-    NewFile(const std::string& path, bool replace, mode_t mode = 0666);
+    NewFile(const std::string& path, bool replace, Readers readers = Readers::kUsual);
     // Nobody may do with the file what they may not with the other one.
-    void TakeRights(const struct stat& other);
+    void TakeRights(const FileState& other) { temporary_->TakeRights(other); }
 
     FILE* Get() const { return stream_.get(); }
     // Forces the bytes to the disk and gives the file its name. Throws a Failure.

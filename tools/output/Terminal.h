@@ -6,34 +6,53 @@
 #include <cstdint>
 #include <cstdio>
 #include <string>
+#include <string_view>
 
 namespace corvantis::tool {
 
+// A stream, or a text in memory that stands for one.
+class Output {
+  public:
+    Output(FILE* stream) : stream_(stream) {}
+    Output(std::string& text) : text_(&text) {}
+
+    void Write(std::string_view text) const {
+        if (text_ != nullptr) {
+            text_->append(text);
+        } else {
+            std::fwrite(text.data(), 1, text.size(), stream_);
+        }
+    }
+    FILE* Stream() const { return stream_; }  // null for a text
+
+  private:
+    FILE* stream_ = nullptr;
+    std::string* text_ = nullptr;
+};
+
 struct Terminal {
-    FILE* results = nullptr;
-    FILE* messages = nullptr;
+    Output results;
+    Output messages;
     bool quiet = false;  // no progress, and nothing that only says that all is well
 
-    // Neither throws, unlike fmt's own. Lost results stay in the stream as its error, for the end;
+    // Neither throws on a stream, unlike fmt's own. Lost results stay in the stream as its error, for the end;
     // a lost message changes neither results nor exit code.
     template <class... Values>
     void Print(fmt::format_string<Values...> format, const Values&... values) const {
-        Write(results, fmt::vformat(format, fmt::make_format_args(values...)));
+        results.Write(fmt::vformat(format, fmt::make_format_args(values...)));
     }
     template <class... Values>
     void Say(fmt::format_string<Values...> format, const Values&... values) const {
-        Write(messages, "corvantis: " + fmt::vformat(format, fmt::make_format_args(values...)));
-    }
-
-  private:
-    static void Write(FILE* stream, const std::string& text) {
-        std::fwrite(text.data(), 1, text.size(), stream);
+        messages.Write("corvantis: " + fmt::vformat(format, fmt::make_format_args(values...)));
     }
 };
 
-// Keeps files that are opened later from becoming standard streams that are closed. Throws a
-// Failure if standard output is, since every result would be lost.
-void SecureStandardStreams();
+// Standard streams take bytes as they are, and files that are opened later do not become those that
+// are closed. Throws a Failure if standard output is, since every result would be lost.
+void PrepareStandardStreams();
+
+// Whether people read it as it comes; not of a file, nor without a stream.
+bool IsScreen(FILE* stream);
 
 // A percentage that is rewritten in place, on a terminal only, and gone at the end.
 class Progress {

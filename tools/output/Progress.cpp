@@ -1,27 +1,14 @@
-// Standard streams, and progress.
-#include "output/Terminal.h"
-
-#include <fcntl.h>
-#include <unistd.h>
-
+// Progress on a terminal.
 #include <algorithm>
 #include <utility>
 
-#include "files/Failure.h"
+#include "output/Terminal.h"
 
 namespace corvantis::tool {
 
-// Otherwise a new file could become descriptor 2 and receive the messages.
-void SecureStandardStreams() {
-    if (fcntl(STDOUT_FILENO, F_GETFD) < 0) throw SystemFailure("standard output");
-    int descriptor = 0;
-    while (descriptor >= 0 && descriptor <= STDERR_FILENO) descriptor = open("/dev/null", O_RDWR);
-    if (descriptor > STDERR_FILENO) close(descriptor);
-}
-
 Progress::Progress(const Terminal& terminal, std::string what, int64_t total)
-    : stream_(terminal.quiet || isatty(fileno(terminal.messages)) == 0 ? nullptr
-                                                                       : terminal.messages),
+    : stream_(terminal.quiet || !IsScreen(terminal.messages.Stream()) ? nullptr
+                                                                      : terminal.messages.Stream()),
       what_(std::move(what)),
       total_(std::max<int64_t>(total, 1)) {}
 

@@ -22,7 +22,7 @@ std::string BesideThisProgram(const std::string& program, const char* calledAs) 
 
 }  // namespace
 
-void RunExternalCommand(int argc, char** argv) {
+int RunExternalCommand(int argc, char** argv) {
     const std::string name = argv[1];
     std::string program = "corvantis-" + name;
     // A slash would leave the path, and run what was never meant as a sub-command.

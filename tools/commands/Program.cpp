@@ -1,4 +1,6 @@
-// The program corvantis: sub-commands of its own, and those of the path.
+// Sub-commands of the tool's own, and those of the path.
+#include "commands/Program.h"
+
 #include <cstdio>
 #include <exception>
 
@@ -10,9 +12,9 @@
 namespace corvantis::tool {
 namespace {
 
-int RunProgram(int argc, char** argv) {
-    if (NamesExternalCommand(argc, argv)) RunExternalCommand(argc, argv);
-    SecureStandardStreams();
+int Run(int argc, char** argv) {
+    if (NamesExternalCommand(argc, argv)) return RunExternalCommand(argc, argv);
+    PrepareStandardStreams();
     Terminal terminal{stdout, stderr};
     const int code = RunCommandLine(argc, argv, terminal);
     const bool isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
@@ -21,14 +23,14 @@ int RunProgram(int argc, char** argv) {
 }
 
 }  // namespace
-}  // namespace corvantis::tool
 
-int main(int argc, char** argv) {
+int RunProgram(int argc, char** argv) {
     try {
-        return corvantis::tool::RunProgram(argc, argv);
+        return Run(argc, argv);
     } catch (const std::exception& failure) {
-        corvantis::tool::Terminal{nullptr, stderr}.Say(
-            "{}\n", corvantis::reading::DisplayText(failure.what()));
-        return corvantis::tool::kUnusable;
+        Terminal{nullptr, stderr}.Say("{}\n", reading::DisplayText(failure.what()));
+        return kUnusable;
     }
 }
+
+}  // namespace corvantis::tool

@@ -4,7 +4,6 @@
 #include "files/TemporaryFile.h"
 
 #include <fcntl.h>
-#include <fmt/core.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -13,19 +12,15 @@
 #include <array>
 #include <atomic>
 #include <csignal>
-#include <filesystem>
 #include <iterator>
 #include <mutex>
-#include <random>
-#include <set>
 #include <utility>
 
 #include "files/Failure.h"
+#include "files/TemporaryName.h"
 
 namespace corvantis::tool {
 namespace {
-
-constexpr char kPrefix[] = ".corvantis-";
 
 // The names that a signal removes, of the process that made them.
 std::array<std::atomic<const char*>, kMostTemporaryFiles> unfinished;
@@ -118,48 +113,22 @@ void RemoveIfLeft(const std::string& name) {
     close(descriptor);
 }
 
-std::filesystem::path FolderOf(const std::string& path) {
-    const std::filesystem::path folder = std::filesystem::path(path).parent_path();
-    return folder.empty() ? "." : folder;
-}
-
-// In each folder once.
-void RemoveLeftFiles(const std::filesystem::path& folder) {
-    static std::set<std::pair<dev_t, ino_t>> done;
-    struct stat status = {};
-    if (stat(folder.c_str(), &status) != 0) return;
-    if (!done.emplace(status.st_dev, status.st_ino).second) return;
-    std::error_code none;
-    for (std::filesystem::directory_iterator entry(folder, none), end; entry != end;
-         entry.increment(none)) {
-        if (!entry->is_regular_file(none) || entry->is_symlink(none)) continue;
-        if (entry->path().filename().string().starts_with(kPrefix)) RemoveIfLeft(entry->path());
-    }
-}
-
 // What is done before the first file of a process, which a fork may have made, or of a folder.
 void Prepare(const std::string& path) {
     static std::mutex mutex;
     const std::scoped_lock lock(mutex);
     if (owner.exchange(getpid()) != getpid()) CatchInterruptions();
-    RemoveLeftFiles(FolderOf(path));
-}
-
-// Short, since the file's own name may be as long as names can be.
-std::string RandomName(const std::string& path) {
-    static thread_local std::mt19937_64 random{std::random_device{}()};
-    const size_t slash = path.rfind('/');
-    const std::string folder = slash == std::string::npos ? "" : path.substr(0, slash + 1);
-    return fmt::format("{}{}{:012x}", folder, kPrefix, random() >> 16);
+    for (const std::string& name : TemporaryFilesBeside(path)) RemoveIfLeft(name);
 }
 
 }  // namespace
 
-TemporaryFile::TemporaryFile(const std::string& path, mode_t mode) {
+TemporaryFile::TemporaryFile(const std::string& path, Readers readers) : path_(path) {
+    const mode_t mode = readers == Readers::kOwner ? 0600 : 0666;
     Prepare(path);
     while (descriptor_ < 0) {
         const Making making;
-        name_ = RandomName(path);
+        name_ = TemporaryName(path);
         slot_ = TakeSlot(name_.c_str());
         descriptor_ = open(name_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode);
         if (descriptor_ >= 0 && !IsLockedByOthers(descriptor_) && HasName(descriptor_, name_)) {
@@ -174,13 +143,32 @@ TemporaryFile::TemporaryFile(const std::string& path, mode_t mode) {
 }
 
 TemporaryFile::~TemporaryFile() {
-    if (!name_.empty()) unlink(name_.c_str());
-    GiveUp();
+    if (name_.empty()) return;
+    unlink(name_.c_str());
+    unfinished[slot_] = nullptr;
 }
 
-void TemporaryFile::GiveUp() {
-    if (!name_.empty()) unfinished[slot_] = nullptr;
+void TemporaryFile::TakeRights(const FileState& other) {
+    struct stat status = {};
+    if (fstat(static_cast<int>(other.Handle()), &status) != 0) throw SystemFailure(path_);
+    // Rights of another group would be another group's.
+    const bool isSameGroup = fchown(descriptor_, static_cast<uid_t>(-1), status.st_gid) == 0;
+    const mode_t mode = status.st_mode & (isSameGroup ? 0777U : 0707U);
+    if (fchmod(descriptor_, mode) != 0) throw SystemFailure(path_);
+}
+
+bool TemporaryFile::TakePath(bool replace) {
+    if (fsync(descriptor_) != 0) throw SystemFailure(path_);
+    if (!replace) {
+        // A link, unlike a rename, never replaces a file that has come up meanwhile.
+        if (link(name_.c_str(), path_.c_str()) == 0) return true;
+        struct stat status = {};
+        if (errno == EEXIST || lstat(path_.c_str(), &status) == 0) return false;
+    }
+    if (rename(name_.c_str(), path_.c_str()) != 0) throw SystemFailure(path_);
+    unfinished[slot_] = nullptr;
     name_.clear();
+    return true;
 }
 
 }  // namespace corvantis::tool

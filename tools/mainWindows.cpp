@@ -1,0 +1,19 @@
+// The program corvantis on Windows, whose arguments come in 16-bit characters.
+#include <string>
+#include <vector>
+
+#include "ITCUtilities/WidePath.h"
+#include "commands/Program.h"
+
+// No shell there expands wildcards: the C run time does.
+extern "C" int _dowildcard;
+int _dowildcard = -1;
+
+extern "C" int wmain(int argc, wchar_t** argv) {
+    std::vector<std::string> texts;
+    for (int i = 0; i < argc; ++i) texts.push_back(corvantis::NarrowText(argv[i]));
+    std::vector<char*> arguments;
+    for (std::string& text : texts) arguments.push_back(text.data());
+    arguments.push_back(nullptr);
+    return corvantis::tool::RunProgram(argc, arguments.data());
+}

@@ -37,6 +37,11 @@ endforeach()
 
 install(FILES docs/recording.schema.json DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/corvantis)
 
+if(WIN32)
+    include(cmake/WindowsPackage.cmake)
+    return()
+endif()
+
 # Where Debian looks for it.
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/corvantis RENAME copyright)
 

@@ -15,7 +15,7 @@ from pathlib import Path
 from .errors import CorvantisError
 from .interface import FILE_ERROR, FUNCTIONS, OTHER_RESULTS
 
-SONAME = {"win32": "libCorvantisReading.dll", "darwin": "libCorvantisReading.1.dylib",
+SONAME = {"win32": "CorvantisReading.dll", "darwin": "libCorvantisReading.1.dylib",
           }.get(sys.platform, "libCorvantisReading.so.1")
 VARIABLE = "CORVANTIS_READING_LIBRARY"
 

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <initializer_list>
 #include <iterator>
@@ -105,14 +106,19 @@ inline Bytes Content(FILE* stream) {
     return bytes;
 }
 
+// Names are UTF-8, where they are not bytes.
+inline std::filesystem::path PathOf(const std::string& name) {
+    return std::u8string(name.begin(), name.end());
+}
+
 inline Bytes FileContent(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file(PathOf(path), std::ios::binary);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 inline void WriteFile(const std::string& path, const Bytes& bytes) {
     const std::string content(bytes.begin(), bytes.end());
-    std::ofstream(path, std::ios::binary) << content;
+    std::ofstream(PathOf(path), std::ios::binary) << content;
 }
 
 // The same numbers on every host.

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -51,18 +50,6 @@ inline ToolRun RunTool(const std::string& line) {
     const int code =
         corvantis::tool::RunCommandLine(static_cast<int>(argv.size()), argv.data(), terminal);
     return {code, TextOf(results.get()), TextOf(messages.get())};
-}
-
-// A shell's command line, in which $C is the program; only standard output is kept.
-inline ToolRun RunShell(const std::string& command) {
-    ToolRun run;
-    FILE* pipe = popen(("C=" CORVANTIS_PROGRAM "; " + command).c_str(), "r");
-    if (pipe == nullptr) return run;
-    for (int c = fgetc(pipe); c != EOF; c = fgetc(pipe))
-        run.results.push_back(static_cast<char>(c));
-    const int status = pclose(pipe);
-    run.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return run;
 }
 
 // A part of what a command says of its first recording, as JSON.

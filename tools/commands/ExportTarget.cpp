@@ -27,8 +27,7 @@ std::string PathInFolder(const ExportOptions& options, const FoundFile& found, i
     std::error_code error;
     fs::create_directories(folder, error);
     if (error) throw Failure(TextOf(folder), ReasonOf(error));
-    return TextOf(folder /
-                  Numbered("epoch", epoch, epochs, fmt::format(".{}", FormatOf(options))));
+    return TextOf(folder / Numbered("epoch", epoch, epochs, fmt::format(".{}", FormatOf(options))));
 }
 
 }  // namespace

@@ -20,8 +20,8 @@ std::wstring FolderOfThisProgram() {
 // current folder: never asked for.
 std::wstring Find(const std::wstring& folders, const std::wstring& program) {
     std::wstring path(kLongestPath, L'\0');
-    const DWORD size = SearchPathW(folders.c_str(), program.c_str(), L".exe", kLongestPath,
-                                   path.data(), nullptr);
+    const DWORD size =
+        SearchPathW(folders.c_str(), program.c_str(), L".exe", kLongestPath, path.data(), nullptr);
     path.resize(size < kLongestPath ? size : 0);
     return path;
 }

@@ -35,8 +35,8 @@ struct Terminal {
     Output messages;
     bool quiet = false;  // no progress, and nothing that only says that all is well
 
-    // Neither throws on a stream, unlike fmt's own. Lost results stay in the stream as its error, for the end;
-    // a lost message changes neither results nor exit code.
+    // Neither throws on a stream, unlike fmt's own. Lost results stay in the stream as its error,
+    // for the end; a lost message changes neither results nor exit code.
     template <class... Values>
     void Print(fmt::format_string<Values...> format, const Values&... values) const {
         results.Write(fmt::vformat(format, fmt::make_format_args(values...)));

@@ -1,0 +1,6 @@
+/* What the public header takes from Microsoft's file of this name. */
+#pragma once
+struct timeval {
+    long tv_sec;
+    long tv_usec;
+};

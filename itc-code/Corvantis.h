@@ -772,8 +772,8 @@ CORVANTIS_API void ITCfft(int32_t isign, uint32_t nn, float* data);
  * after another was opened those of that. Positions that are missing then are where the new file
  * ends. Until it is closed or left behind the file is locked, where the system has such locks, and
  * other programs cannot create or empty it; programs that the application starts do not get it.
- * @param[in] pattern path; "~" and wildcards are expanded as by the shell when they match a file,
- * the first match is used, and the text itself is used when nothing matches
+ * @param[in] pattern path, on Windows in UTF-8; "~" and wildcards are expanded as by the shell when
+ * they match a file, the first match is used, and the text itself is used when nothing matches
  * @param[in] overwrite not 0: replace an existing file
  * @return #ITC_SUCCESS; #ITC_FILE_ERROR, also if the file exists and may not be replaced, or if
  * another program records it

@@ -23,7 +23,8 @@ class TemporaryFile {
     ~TemporaryFile();
 
     int Descriptor() const { return descriptor_; }  // for its user to close
-    // Nobody may do with the file what they may not with the other one. Throws a Failure.
+    // Nobody may do with the file what they may not with the other one, of readers kOwner. Throws a
+    // Failure.
     void TakeRights(const FileState& other);
     // Forces the bytes to the disk and gives the file its path. False if there is a file of that
     // path, which then stays unless it may be replaced. Throws a Failure.

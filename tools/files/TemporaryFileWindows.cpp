@@ -37,21 +37,29 @@ void Prepare(const std::string& path) {
 }
 
 // Others may rename it, as this program does, and read it as soon as it has its name.
-HANDLE Create(const std::string& name) {
-    return CreateFileW(WidePath(name).c_str(), GENERIC_READ | GENERIC_WRITE | DELETE | WRITE_DAC,
+HANDLE Create(const std::string& name, DWORD more) {
+    return CreateFileW(WidePath(name).c_str(), GENERIC_READ | GENERIC_WRITE | DELETE | more,
                        FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, CREATE_NEW,
                        FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+// Of shared folders some let nobody set rights.
+HANDLE CreateFor(Readers readers, const std::string& name) {
+    if (readers == Readers::kUsual) return Create(name, 0);
+    const HANDLE file = Create(name, WRITE_DAC);
+    const bool isRefused = file == INVALID_HANDLE_VALUE && GetLastError() == ERROR_ACCESS_DENIED;
+    return isRefused ? Create(name, 0) : file;
 }
 
 }  // namespace
 
 // Until it takes over the rights of another, nobody can open it at all.
-TemporaryFile::TemporaryFile(const std::string& path, Readers /*readers*/) : path_(path) {
+TemporaryFile::TemporaryFile(const std::string& path, Readers readers) : path_(path) {
     Prepare(path);
     HANDLE file = INVALID_HANDLE_VALUE;
     while (file == INVALID_HANDLE_VALUE) {
         name_ = TemporaryName(path);
-        file = Create(name_);
+        file = CreateFor(readers, name_);
         if (file == INVALID_HANDLE_VALUE && GetLastError() != ERROR_FILE_EXISTS) {
             throw WindowsFailure(path);
         }
@@ -67,15 +75,15 @@ TemporaryFile::~TemporaryFile() {
     if (!name_.empty()) DeleteFileW(WidePath(name_).c_str());
 }
 
+// Where there are no rights, or none can be set, the folder's hold.
 void TemporaryFile::TakeRights(const FileState& other) {
     constexpr SECURITY_INFORMATION kRights = DACL_SECURITY_INFORMATION;
     const auto from = reinterpret_cast<HANDLE>(other.Handle());
     DWORD size = 0;
     GetKernelObjectSecurity(from, kRights, nullptr, 0, &size);
     std::vector<uint8_t> rights(size);
-    if (!GetKernelObjectSecurity(from, kRights, rights.data(), size, &size) ||
-        !SetKernelObjectSecurity(HandleOf(descriptor_), kRights, rights.data())) {
-        throw WindowsFailure(path_);
+    if (GetKernelObjectSecurity(from, kRights, rights.data(), size, &size)) {
+        SetKernelObjectSecurity(HandleOf(descriptor_), kRights, rights.data());
     }
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdint>
 #include <cstdio>
@@ -90,9 +91,21 @@ inline Bytes EpochHeaderBytes(uint32_t interval, uint32_t points, const Bytes& t
 using Stream = std::unique_ptr<FILE, int (*)(FILE*)>;
 
 #if !defined(__wasi__)  // which has no temporary files
+// Programs that run side by side on Windows can draw the same name with tmpfile.
+inline FILE* OpenTemporary() {
+#if defined(_WIN32)
+    static int count = 0;
+    const std::string name = std::to_string(getpid()) + "-" + std::to_string(++count) + ".tmp";
+    const auto path = std::filesystem::temp_directory_path() / ("corvantis-" + name);
+    return _wfopen(path.c_str(), L"w+bTD");  // deleted when it is closed
+#else
+    return std::tmpfile();
+#endif
+}
+
 // A temporary file on disk, so that seeking behaves as in a data file, positioned at its start.
 inline Stream StreamOver(const Bytes& bytes = {}) {
-    Stream stream(std::tmpfile(), fclose);
+    Stream stream(OpenTemporary(), fclose);
     if (!bytes.empty()) fwrite(bytes.data(), 1, bytes.size(), stream.get());
     rewind(stream.get());
     return stream;

@@ -51,7 +51,7 @@ bool EndsProgram(int signal) {
 
 // A signal that is ignored, as nohup has it, or handled, stays so.
 void CatchInterruptions() {
-    for (int signal = 1; signal <= SIGRTMAX; ++signal) {
+    for (int signal = 1; signal < NSIG; ++signal) {
         struct sigaction action = {};
         if (!EndsProgram(signal) || sigaction(signal, nullptr, &action) != 0) continue;
         if (action.sa_handler != SIG_DFL) continue;

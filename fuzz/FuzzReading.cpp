@@ -62,6 +62,10 @@ void ReadParameters(const CorvantisRecording* recording, int64_t epoch,
         for (const int32_t direction : {CORVANTIS_RESPONSE, CORVANTIS_STIMULUS}) {
             CorvantisScale(recording, epoch, entry, direction, &scale, nullptr);
         }
+        std::array<char, 400> json;
+        int64_t length = 0;
+        CorvantisStimulusJson(recording, epoch, entry, json.data(), std::ssize(json), &length,
+                              nullptr);
         std::array<float, 8> conductances;
         CorvantisConductance(recording, epoch, entry, CORVANTIS_INHIBITORY, 0,
                              std::min(info.points, 8), conductances.data(), nullptr);

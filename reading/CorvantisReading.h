@@ -321,6 +321,9 @@ typedef struct CorvantisEpochInfo {
     int32_t inputs[CORVANTIS_ENTRIES];
     /** Output of each entry: 0 to 3, 4 for the digital port; -1 behind the last entry. */
     int32_t outputs[CORVANTIS_ENTRIES];
+    /** From one entry to the next within a point, which begins with the first: the sampling
+     * interval by the entries, cut to a whole number; 0 without entries [µs]. */
+    int32_t entryInterval;
 } CorvantisEpochInfo;
 
 /**
@@ -476,7 +479,32 @@ CORVANTIS_API int32_t CorvantisStimulusValues(const CorvantisRecording* recordin
                                               double* values, int64_t stride, CorvantisDoubt* doubt,
                                               CorvantisProblem* problem);
 
+/**
+ * The parameters of a stimulus as JSON, in the form of `stimulus` in docs/recording.schema.json:
+ * type, name, parameters by their fields' names, those that are levels in units too, components.
+ * @param[in] recording the recording
+ * @param[in] epoch its number
+ * @param[in] entry sequence entry
+ * @param[out] text room for it, UTF-8 with a 0 behind; null if `capacity` is 0
+ * @param[in] capacity of the room [bytes]
+ * @param[out] length of the whole text without the 0 [bytes], also where the room is too small
+ * @param[out] problem what went wrong, or null
+ * @return #CORVANTIS_SUCCESS, #CORVANTIS_DAMAGED or one of convention 3: #CORVANTIS_BAD_ARGUMENT if
+ * the room is too small, and is left alone
+ */
+CORVANTIS_API int32_t CorvantisStimulusJson(const CorvantisRecording* recording, int64_t epoch,
+                                            int32_t entry, char* text, int64_t capacity,
+                                            int64_t* length, CorvantisProblem* problem);
+
 /* ---- Units ------------------------------------------------------------------------------ */
+
+/** What a unit measures, of those that electrophysiology rests on. */
+typedef enum CorvantisQuantity {
+    CORVANTIS_OTHER = 0,     /**< anything else, and whatever is not in the entry's own unit */
+    CORVANTIS_POTENTIAL = 1, /**< volts, such as mV */
+    CORVANTIS_CURRENT = 2,   /**< amperes, such as pA */
+    CORVANTIS_ADMITTANCE = 3 /**< siemens, such as nS */
+} CorvantisQuantity;
 
 /** Which way an entry's samples go. */
 enum {
@@ -498,6 +526,8 @@ typedef struct CorvantisScaleInfo {
     int32_t isWord;       /**< 1 for the digital port */
     char unit[60];        /**< of the values */
     char formula[192];    /**< with this entry's numbers, for people */
+    int32_t quantity;     /**< a #CorvantisQuantity: what the entry's own unit measures */
+    double si;            /**< volts, amperes or siemens in one of `unit`; 1 for anything else */
 } CorvantisScaleInfo;
 
 /**

@@ -14,7 +14,7 @@ from .interface import (ALL_ENTRIES, DAMAGED, DIGITAL_INPUT, DIGITAL_OUTPUT, EPO
 from .lazy import lazy
 from .records import Record, fields_of, header
 from .samples import Neighbours, fill, room
-from .stimuli import Stimulus, read_stimulus, with_conductances
+from .stimuli import Stimulus, read_json, read_stimulus, with_conductances
 from .units import Counts, Samples, Scale, Units, read_scale
 
 if TYPE_CHECKING:
@@ -138,6 +138,12 @@ class Epoch:
         """Length of the epoch [s]."""
         return self.points * self._interval / 1e6
 
+    @property
+    def entry_delays(self) -> list[float]:
+        """When each entry's first point follows the epoch's start [s]: the entries of a point are
+        taken one after the other."""
+        return [entry * self._info.entryInterval / 1e6 for entry in range(self.entries)]
+
     @lazy
     def time(self) -> Samples:
         """Time of each point from the epoch's start, shape (points,) [s]; empty without entries."""
@@ -226,8 +232,12 @@ class Epoch:
         Raises:
             CorvantisError: with code 2 where the stimulus cannot be computed at all.
         """
+        return self.entry_doubt(ALL_ENTRIES)
+
+    def entry_doubt(self, entry: int) -> Doubt | None:
+        """As `doubt`, of one sequence entry."""
         handle, doubt = self.recording.handle, DoubtRecord()
-        handle.call(handle.library.CorvantisStimulus, self.number, ALL_ENTRIES, 0, 0, None, 0,
+        handle.call(handle.library.CorvantisStimulus, self.number, entry, 0, 0, None, 0,
                     ctypes.addressof(doubt))
         if doubt.reason == DoubtReason.NONE:
             return None
@@ -247,6 +257,11 @@ class Epoch:
         """Stimulus record of each sequence entry, with components and conductances."""
         return tuple(with_conductances(self.recording.handle, self.number, entry, self.points, each)
                      for entry, each in enumerate(self.parameters))
+
+    def stimulus_json(self, entry: int) -> str:
+        """The parameters of an entry's stimulus as JSON, levels in units too, in the form of
+        `stimulus` in docs/recording.schema.json."""
+        return read_json(self.recording.handle, self.number, entry)
 
     @property
     def input_channels(self) -> list[int]:

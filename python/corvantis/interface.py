@@ -11,7 +11,7 @@ ALL_ENTRIES = OWN_RECORD = -1
 FILE_HEADER, EPOCH_HEADER = -1, 0
 INT8, UINT16, INT32, UINT32, FLOAT, TEXT = range(6)
 EXCITATORY, INHIBITORY = 0, 1
-RESPONSE, STIMULUS = 0, 1
+RESPONSE, STIMULUS, CONDUCTANCE = 0, 1, 2
 DIGITAL_INPUT, DIGITAL_OUTPUT = 8, 4
 
 
@@ -32,6 +32,15 @@ class DoubtReason(IntEnum):
     BEHIND_UNKNOWN = 3      #: its noise goes on behind an epoch that cannot be computed
     OLD_GENERATOR = 4       #: its noise came from the recording machine's own generator
     FOLLOWED_CELL = 5       #: what was played followed the cell
+
+
+class Quantity(IntEnum):
+    """What an entry's own unit measures."""
+
+    OTHER = 0       #: anything else, and whatever is not in the entry's own unit
+    POTENTIAL = 1   #: volts
+    CURRENT = 2     #: amperes
+    ADMITTANCE = 3  #: siemens
 
 
 class Problem(ctypes.Structure):
@@ -91,7 +100,7 @@ class EpochInfo(ctypes.Structure):
     _fields_ = [("start", c_int64), ("samples", c_int64), ("end", c_int64), ("points", c_int32),
                 ("entries", c_int32), ("samplingInterval", c_int32),
                 ("stimulusTypes", c_int32 * ENTRIES), ("inputs", c_int32 * ENTRIES),
-                ("outputs", c_int32 * ENTRIES)]
+                ("outputs", c_int32 * ENTRIES), ("entryInterval", c_int32)]
 
 
 class StimulusRecord(ctypes.Structure):
@@ -111,7 +120,8 @@ class ScaleInfo(ctypes.Structure):
     """From counts to units."""
 
     _fields_ = [("countsPerVolt", c_double), ("gain", c_double), ("factor", c_double),
-                ("isWord", c_int32), ("unit", c_char * 60), ("formula", c_char * 192)]
+                ("isWord", c_int32), ("unit", c_char * 60), ("formula", c_char * 192),
+                ("quantity", c_int32), ("si", c_double)]
 
 
 _SAMPLES = (c_void_p, c_int64, c_int32, c_int64, c_int64, c_void_p, c_int64)
@@ -141,6 +151,7 @@ FUNCTIONS: dict[str, tuple[type, ...]] = {
     "CorvantisStimulus": (*_SAMPLES, c_void_p, c_void_p),
     "CorvantisStimulusValues": (*_SAMPLES, c_void_p, c_void_p),
     "CorvantisScale": (c_void_p, c_int64, c_int32, c_int32, c_void_p, c_void_p),
+    "CorvantisStimulusJson": (c_void_p, c_int64, c_int32, c_void_p, c_int64, c_void_p, c_void_p),
     "CorvantisText": (c_char_p, c_int32, c_void_p, c_int32),
 }
 OTHER_RESULTS: dict[str, type | None] = {"CorvantisEpochs": c_int64, "CorvantisClose": None}

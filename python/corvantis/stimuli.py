@@ -134,6 +134,15 @@ def read_stimulus(handle: Handle, epoch: int, entry: int,
     return made
 
 
+def read_json(handle: Handle, epoch: int, entry: int) -> str:
+    """The parameters of a sequence entry's stimulus as JSON."""
+    length, function = ctypes.c_int64(), handle.library.CorvantisStimulusJson
+    handle.ask(function, epoch, entry, None, 0, ctypes.addressof(length), None)
+    room = ctypes.create_string_buffer(length.value + 1)
+    handle.call(function, epoch, entry, room, len(room), ctypes.addressof(length))
+    return room.value.decode()
+
+
 def with_conductances(handle: Handle, epoch: int, entry: int, points: int,
                       stimulus: Stimulus) -> Stimulus:
     """A dynamic clamp with its conductances; any other stimulus as it is."""

@@ -8,7 +8,7 @@ import numpy as np
 from numpy.typing import NDArray
 
 from .handle import Handle
-from .interface import ScaleInfo
+from .interface import Quantity, ScaleInfo
 
 Samples = NDArray[np.float64]
 Counts = NDArray[np.int16]
@@ -22,6 +22,8 @@ class Scale:
         unit: unit of the values, "V" where the amplifier's factor is unusable or has no unit,
             "counts" where even the converter's scale is, "word" for the digital port.
         formula: the calculation in words, with the numbers of this entry and what is missing.
+        quantity: what the entry's own unit measures.
+        si: volts, amperes or siemens in one of the unit; 1 for any other quantity.
     """
 
     unit: str
@@ -30,6 +32,13 @@ class Scale:
     gain: float = 1.0
     factor: float = 1.0
     is_word: bool = False
+    quantity: Quantity = Quantity.OTHER
+    si: float = 1.0
+
+    @property
+    def si_per_count(self) -> float:
+        """Volts, amperes or siemens in one count; of any other quantity the unit itself."""
+        return self.si * self.factor / self.counts_per_volt / self.gain
 
     def __call__(self, counts: Counts | int) -> Samples:
         """Values [unit] of counts, in the same shape."""
@@ -52,4 +61,4 @@ def read_scale(handle: Handle, epoch: int, entry: int, direction: int) -> Scale:
     info = ScaleInfo()
     handle.call(handle.library.CorvantisScale, epoch, entry, direction, ctypes.addressof(info))
     return Scale(info.unit.decode(), info.formula.decode(), info.countsPerVolt, info.gain,
-                 info.factor, bool(info.isWord))
+                 info.factor, bool(info.isWord), Quantity(info.quantity), info.si)

@@ -4,6 +4,7 @@
 #include "ITCFileIO/SequenceWords.h"
 #include "interface/Boundary.h"
 #include "stimuli/Stimuli.h"
+#include "stimuli/StimulusJson.h"
 #include "units/Scale.h"
 
 namespace corvantis::reading {
@@ -30,7 +31,8 @@ void DescribeEpoch(const EpochReading& reading, CorvantisEpochInfo& info) {
             header.samplingInterval,
             {},
             {},
-            {}};
+            {},
+            place.entries > 0 ? header.samplingInterval / place.entries : 0};
     for (int32_t entry = 0; entry < CORVANTIS_ENTRIES; ++entry) {
         const bool isThere = entry < place.entries;
         const uint32_t word = header.channelSequence[entry];
@@ -96,6 +98,31 @@ int32_t CorvantisParameters(const CorvantisRecording* recording, int64_t epoch, 
                      });
 }
 
+int32_t CorvantisStimulusJson(const CorvantisRecording* recording, int64_t epoch, int32_t entry,
+                              char* text, int64_t capacity, int64_t* length,
+                              CorvantisProblem* problem) {
+    return WithEpoch(
+        recording, epoch, Depth::kRecords, problem,
+        [&](const Contents& contents, const FileView&, const EpochReading& reading,
+            const Reporter& reporter) -> int32_t {
+            const Stimulus* stimulus = Choose(reading.content, entry, -1);
+            if (length == nullptr || stimulus == nullptr) {
+                return reporter.ReportEpoch(CORVANTIS_BAD_ARGUMENT, epoch, -1,
+                                            Say("has no entry ", entry));
+            }
+            const Scale scale = StimulusScale(contents.Moment().header, reading.content.header,
+                                              static_cast<size_t>(entry));
+            const std::string json = StimulusJson(*stimulus, scale);
+            *length = static_cast<int64_t>(json.size());
+            if (text == nullptr || *length >= capacity) {
+                return reporter.ReportEpoch(CORVANTIS_BAD_ARGUMENT, epoch, -1,
+                                            Say("needs room for ", *length + 1, " bytes of JSON"));
+            }
+            std::memcpy(text, json.c_str(), json.size() + 1);
+            return CORVANTIS_SUCCESS;
+        });
+}
+
 int32_t CorvantisScale(const CorvantisRecording* recording, int64_t epoch, int32_t entry,
                        int32_t direction, CorvantisScaleInfo* scale, CorvantisProblem* problem) {
     return WithEpoch(
@@ -111,7 +138,9 @@ int32_t CorvantisScale(const CorvantisRecording* recording, int64_t epoch, int32
             }
             const Scale from = ScaleOf(contents.Moment().header, reading.content.header,
                                        static_cast<size_t>(entry), direction);
-            *scale = {from.countsPerVolt, from.gain, from.factor, from.isWord ? 1 : 0, {}, {}};
+            *scale = {
+                from.countsPerVolt,    from.gain,      from.factor, from.isWord ? 1 : 0, {}, {},
+                from.meaning.quantity, from.meaning.si};
             StoreText(from.unit, scale->unit);
             StoreText(from.formula, scale->formula);
             return CORVANTIS_SUCCESS;

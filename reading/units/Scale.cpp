@@ -59,7 +59,8 @@ Scale ResponseScale(const ITCFileHeader& file, const ITCEpochHeader& epoch, size
     return {.unit = unit,
             .formula = Say("counts / ", scale.value, " / ", gain.value, " in ", unit),
             .countsPerVolt = double{scale.value},
-            .gain = double{gain.value}};
+            .gain = double{gain.value},
+            .meaning = MeaningOf(unit)};
 }
 
 Scale StimulusScale(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t entry) {
@@ -71,10 +72,13 @@ Scale StimulusScale(const ITCFileHeader& file, const ITCEpochHeader& epoch, size
     return {.unit = unit,
             .formula = Say("counts / ", scale.value, " * ", factor.value, " in ", unit),
             .countsPerVolt = double{scale.value},
-            .factor = double{factor.value}};
+            .factor = double{factor.value},
+            .meaning = MeaningOf(unit)};
 }
 
-Scale ConductanceScale() { return {.unit = "nS", .formula = "as stored, in nS"}; }
+Scale ConductanceScale() {
+    return {.unit = "nS", .formula = "as stored, in nS", .meaning = MeaningOf("nS")};
+}
 
 Scale ScaleOf(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t entry,
               int32_t direction) {

@@ -13,6 +13,7 @@
 
 #include "Corvantis.h"
 #include "CorvantisReading.h"
+#include "units/UnitMeaning.h"
 
 namespace corvantis::reading {
 
@@ -23,6 +24,7 @@ struct Scale {
     double gain = 1.0;
     double factor = 1.0;
     bool isWord = false;
+    UnitMeaning meaning = {};  // only of an entry's own unit
 };
 
 Scale ResponseScale(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t entry);

@@ -74,6 +74,17 @@ CorvantisScaleInfo ScaleOf(const DataFile& file, int64_t epoch, int32_t entry, i
     return scale;
 }
 
+std::string StimulusJsonOf(const DataFile& file, int64_t epoch, int32_t entry) {
+    int64_t length = 0;
+    CorvantisProblem problem = {};
+    CorvantisStimulusJson(file.Recording(), epoch, entry, nullptr, 0, &length, &problem);
+    std::string text(static_cast<size_t>(length), '\0');
+    Require(CorvantisStimulusJson(file.Recording(), epoch, entry, text.data(), length + 1, &length,
+                                  &problem),
+            problem);
+    return text;
+}
+
 StimulusState StimulusStateOf(const DataFile& file, int64_t epoch, int32_t entry) {
     StimulusState state;
     const EpochContent content = ContentOf(file, epoch);

@@ -36,6 +36,9 @@ CorvantisStimulusRecord ParametersOf(const DataFile& file, int64_t epoch, int32_
 
 CorvantisScaleInfo ScaleOf(const DataFile& file, int64_t epoch, int32_t entry, int32_t direction);
 
+// As the library says it.
+std::string StimulusJsonOf(const DataFile& file, int64_t epoch, int32_t entry);
+
 // What is to be said of an entry's computed stimulus.
 struct StimulusState {
     std::string problem;  // why it cannot be computed; empty if it can

@@ -2,7 +2,6 @@
 #include "output/RecordingJson.h"
 
 #include <array>
-#include <cmath>
 
 #include "text/Text.h"
 
@@ -10,7 +9,6 @@ namespace corvantis::tool {
 namespace {
 
 Json OrNull(int64_t value) { return value < 0 ? Json() : Json(value); }
-Json OrNull(double value) { return std::isfinite(value) ? Json(value) : Json(); }
 
 // 8 is the digital port of the inputs, 4 that of the outputs.
 Json ChannelJson(int32_t channel, int32_t digital) {
@@ -53,41 +51,6 @@ const char* CodeName(int32_t code) {
     }
 }
 
-// Parameters that are levels, in the entry's units, by the same names.
-Json LevelsJson(std::span<const CorvantisField> fields, const void* record,
-                const CorvantisScaleInfo& scale) {
-    Json levels = Json::object();
-    for (const CorvantisField& field : fields) {
-        if (!IsLevel(field) || scale.isWord == 1) continue;
-        levels[field.name] = OrNull(InUnits(LevelOf(field, record), scale));
-    }
-    return levels;
-}
-
-Json StimulusJson(const CorvantisStimulusRecord& stimulus, const CorvantisScaleInfo& scale) {
-    const auto fields = stimulus.isThere == 1 && stimulus.type != ITC_STIMULUS_SUMMED
-                            ? FieldsOf(stimulus.type)
-                            : std::span<const CorvantisField>();
-    Json notFinite = Json::object();
-    const Json values = FieldValues(fields, stimulus.record, notFinite);
-    return {{"type", stimulus.type},
-            {"name", TypeName(stimulus.type)},
-            {"isStored", stimulus.isThere == 1},
-            {"parameters", values},
-            {"notFinite", notFinite},
-            {"levels", LevelsJson(fields, stimulus.record, scale)},
-            {"components", Json::array()}};
-}
-
-Json SumJson(const DataFile& file, int64_t epoch, int32_t entry, const CorvantisScaleInfo& scale) {
-    const CorvantisStimulusRecord stimulus = ParametersOf(file, epoch, entry);
-    Json json = StimulusJson(stimulus, scale);
-    for (int32_t k = 0; k < stimulus.components; ++k) {
-        json["components"].push_back(StimulusJson(ParametersOf(file, epoch, entry, k), scale));
-    }
-    return json;
-}
-
 Json EntryJson(const DataFile& file, const EpochRecords& epoch, int32_t entry) {
     const CorvantisScaleInfo scale = ScaleOf(file, epoch.number, entry, CORVANTIS_STIMULUS);
     const StimulusState state = StimulusStateOf(file, epoch.number, entry);
@@ -95,7 +58,7 @@ Json EntryJson(const DataFile& file, const EpochRecords& epoch, int32_t entry) {
             {"output", ChannelJson(epoch.info.outputs[entry], 4)},
             {"responseScale", ScaleJson(ScaleOf(file, epoch.number, entry, CORVANTIS_RESPONSE))},
             {"stimulusScale", ScaleJson(scale)},
-            {"stimulus", SumJson(file, epoch.number, entry, scale)},
+            {"stimulus", Json::parse(StimulusJsonOf(file, epoch.number, entry))},
             {"problem", state.problem.empty() ? Json() : Json(state.problem)},
             {"doubt", DoubtJson(state.doubt)}};
 }

@@ -233,6 +233,7 @@ typedef struct CorvantisField {
     int32_t size;        /**< of one element; a text is one element [bytes] */
     int32_t count;       /**< elements; of four, one for each sequence entry or output */
     int32_t place;       /**< in the record [bytes] */
+    int32_t isByEntry;   /**< 1 if its elements go by the entries of the channel sequence */
 } CorvantisField;
 
 /** Records that are no stimulus; the others go by their type code, 1 to 14. */

@@ -16,7 +16,13 @@ struct FieldText {
     const char* unit;
     const char* meaning;
     bool isUnsigned = false;  // although the field is declared with a sign
+    bool isByEntry = false;   // its elements go by the entries of the channel sequence
 };
+
+// What there is of each sequence entry.
+constexpr FieldText ByEntry(const char* name, const char* unit, const char* meaning) {
+    return {name, unit, meaning, false, true};
+}
 
 inline constexpr char kCodes[] = "DAC codes";
 inline constexpr char kSamples[] = "samples";
@@ -52,28 +58,30 @@ constexpr void Describe(auto& visit, OneOf<ITCFileHeader> auto& r) {
 constexpr void Describe(auto& visit, OneOf<ITCEpochHeader> auto& r) {
     visit(r.epochTime, {"epochTime", kNoUnit, "time of the epoch, as the application counts"});
     visit(r.epochComment, {"epochComment", kNoUnit, "comment on the epoch, terminated within"});
-    visit(r.ampGain, {"ampGain", "V/unit", "amplifier gain of each entry's input"});
-    visit(r.ampValue, {"ampValue", kNoUnit, "second amplifier value of each entry"});
-    visit(r.convFactor, {"convFactor", "units/V", "conversion factor of each entry's output"});
-    visit(r.ampCode, {"ampCode", kNoUnit, "amplifier code of each entry"});
+    visit(r.ampGain, ByEntry("ampGain", "V/unit", "amplifier gain of each entry's input"));
+    visit(r.ampValue, ByEntry("ampValue", kNoUnit, "second amplifier value of each entry"));
+    visit(r.convFactor,
+          ByEntry("convFactor", "units/V", "conversion factor of each entry's output"));
+    visit(r.ampCode, ByEntry("ampCode", kNoUnit, "amplifier code of each entry"));
     visit(r.acqSettingB, {"acqSettingB", kNoUnit, "second acquisition setting"});
     visit.Zeros(3);
     visit(r.samplingInterval, {"samplingInterval", "µs", "one pass of the sequence"});
     visit(r.epochPoints, {"epochPoints", kSamples, "points of each sequence entry"});
     visit(r.sequenceLength, {"sequenceLength", "entries", "length of the channel sequence"});
-    visit(r.channelSequence, {"channelSequence", kNoUnit, "device word of each sequence entry"});
+    visit(r.channelSequence,
+          ByEntry("channelSequence", kNoUnit, "device word of each sequence entry"));
     visit(r.spareChannelBytes, {"spareChannelBytes", kNoUnit, "never set by the library"});
     visit(r.acqSettingA, {"acqSettingA", kNoUnit, "first acquisition setting"});
-    visit(r.stimType, {"stimType", kNoUnit, "stimulus type of each entry"});
-    visit(r.outputUnits, {"outputUnits", kNoUnit, "unit name of each entry's stimulus"});
-    visit(r.inputUnits, {"inputUnits", kNoUnit, "unit name of each entry's response"});
-    visit(r.ampMode, {"ampMode", kNoUnit, "amplifier mode of each entry"});
+    visit(r.stimType, ByEntry("stimType", kNoUnit, "stimulus type of each entry"));
+    visit(r.outputUnits, ByEntry("outputUnits", kNoUnit, "unit name of each entry's stimulus"));
+    visit(r.inputUnits, ByEntry("inputUnits", kNoUnit, "unit name of each entry's response"));
+    visit(r.ampMode, ByEntry("ampMode", kNoUnit, "amplifier mode of each entry"));
     visit.Zeros(3);
-    visit(r.meanOutput, {"meanOutput", kCodes, "mean output level of each entry"});
+    visit(r.meanOutput, ByEntry("meanOutput", kCodes, "mean output level of each entry"));
     visit(r.temperature, {"temperature", "°C", "temperature"});
     visit(r.digitalOutput, {"digitalOutput", kNoUnit, "digital output word"});
     visit(r.wavelength, {"wavelength", "nm", "wavelength"});
-    visit(r.ndf, {"ndf", kNoUnit, "neutral density filter of each entry"});
+    visit(r.ndf, ByEntry("ndf", kNoUnit, "neutral density filter of each entry"));
     visit(r.ledSetting, {"ledSetting", kNoUnit, "setting of each LED"});
     visit(r.userValue, {"userValue", kNoUnit, "free values of the experimenter"});
     visit(r.pointsLatency, {"pointsLatency", kSamples, "dynamic-clamp latency"});

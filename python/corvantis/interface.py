@@ -78,7 +78,7 @@ class FieldRecord(ctypes.Structure):
     """One field of a record."""
 
     _fields_ = [("name", c_char_p), ("unit", c_char_p), ("meaning", c_char_p), ("kind", c_int32),
-                ("size", c_int32), ("count", c_int32), ("place", c_int32)]
+                ("size", c_int32), ("count", c_int32), ("place", c_int32), ("isByEntry", c_int32)]
 
 
 class TypeInfo(ctypes.Structure):

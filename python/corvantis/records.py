@@ -32,6 +32,7 @@ class Field:
     Attributes:
         unit: such as "mV"; empty for a number as it stands.
         kind, size, count, place: as in the C interface.
+        by_entry: whether its elements go by the entries of the channel sequence.
         address: of the library's own description.
     """
 
@@ -42,6 +43,7 @@ class Field:
     size: int
     count: int
     place: int
+    by_entry: bool
     address: int
 
     @property
@@ -76,7 +78,7 @@ def fields_of(record: int) -> Mapping[str, Field]:
     library().CorvantisFields(record, ctypes.addressof(first), ctypes.addressof(count))
     return {each.name.decode(): Field(each.name.decode(), each.unit.decode(),
                                       each.meaning.decode(), each.kind, each.size, each.count,
-                                      each.place, ctypes.addressof(each))
+                                      each.place, bool(each.isByEntry), ctypes.addressof(each))
             for each in first[:count.value]}
 
 

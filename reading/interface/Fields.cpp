@@ -26,7 +26,8 @@ Fields Exported(std::span<const Field> fields) {
     for (const Field& field : fields) {
         exported.push_back({field.text.name, field.text.unit, field.text.meaning,
                             static_cast<int32_t>(field.kind), static_cast<int32_t>(field.size),
-                            static_cast<int32_t>(field.count), static_cast<int32_t>(field.place)});
+                            static_cast<int32_t>(field.count), static_cast<int32_t>(field.place),
+                            field.text.isByEntry ? 1 : 0});
     }
     return exported;
 }

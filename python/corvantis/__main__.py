@@ -1,9 +1,9 @@
 """`python3 -m corvantis COMMAND ...`."""
 import sys
 
-from .commands import families, plot
+from .commands import families, nwb, plot
 
-COMMANDS = {"plot": plot, "families": families}
+COMMANDS = {"plot": plot, "families": families, "nwb": nwb}
 
 
 def main() -> int:

@@ -112,6 +112,7 @@ def _deliver(figure: Figure, output: str | None) -> None:
 
 def _plot(options: argparse.Namespace) -> None:
     from .plotting import CLEAR_OVER_EACH_OTHER, plot_epochs
+    _check_output(options)
     with open_recording(options.file) as recording:
         epochs = _epochs(recording, options)
         if len(epochs) > CLEAR_OVER_EACH_OTHER and not options.stack:
@@ -124,6 +125,7 @@ def _plot(options: argparse.Namespace) -> None:
 def _families(options: argparse.Namespace) -> None:
     from .families import as_text, find_family, plot_family
     from .plotting import write_whole
+    _check_output(options)
     with open_recording(options.file) as recording:
         family = find_family(_epochs(recording, options), options.channel, options.threshold)
         print("\n".join(as_text(family)))
@@ -159,12 +161,11 @@ def _run(work: Callable[[argparse.Namespace], None], options: argparse.Namespace
     def say(message: Warning | str, *_: object, **__: object) -> None:
         print(f"corvantis {name}: {message}", file=sys.stderr)
 
-    options.damaged = False
+    options.damaged = options.failed = False
     try:
         with _ended_by_signals(), warnings.catch_warnings():
             warnings.simplefilter("always", CorvantisWarning)
             warnings.showwarning = say
-            _check_output(options)
             work(options)
     except ModuleNotFoundError as error:
         print(f"corvantis {name}: {error.name} is not installed; it comes with corvantis[plot]",
@@ -172,6 +173,8 @@ def _run(work: Callable[[argparse.Namespace], None], options: argparse.Namespace
         return UNUSABLE
     except (CorvantisError, OSError, ValueError) as error:
         print(f"corvantis {name}: {error}", file=sys.stderr)
+        return UNUSABLE
+    if options.failed:
         return UNUSABLE
     return DAMAGED if options.damaged else 0
 
@@ -182,6 +185,20 @@ def plot(arguments: Sequence[str] | None = None) -> int:
                         "figure to write, by its ending as png, svg or pdf (a window)")
     parser.add_argument("--stack", action="store_true", help="responses one below the other")
     return _run(_plot, parser.parse_args(arguments), "plot")
+
+
+def nwb(arguments: Sequence[str] | None = None) -> int:
+    """`corvantis nwb`: write recordings as NWB files for archives."""
+    try:
+        from .nwb.command import describe, work
+    except ModuleNotFoundError as error:
+        if (error.name or "").startswith("corvantis"):
+            raise
+        print(f"corvantis nwb: there is no {error.name}: pip install 'corvantis[nwb]'",
+              file=sys.stderr)
+        return UNUSABLE
+    given = sys.argv[1:] if arguments is None else arguments
+    return _run(work, describe(given), "nwb")
 
 
 def families(arguments: Sequence[str] | None = None) -> int:

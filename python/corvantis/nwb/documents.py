@@ -15,7 +15,7 @@ class MetadataError(ValueError):
     """Metadata that is missing or not as it should be: file, line, what was found and expected."""
 
 
-class _Loader(yaml.SafeLoader):
+class _Loader(yaml.SafeLoader):  # type: ignore[misc]
     """Dates, yes and no, and numbers as identifiers stay what was written: the schema says what
     a value is to be."""
 
@@ -39,12 +39,15 @@ class Document:
         self.value = value
         self._lines = lines or {}
 
+    def line(self, place: Sequence[str | int]) -> int | None:
+        """The line of a value, or of the nearest one that holds it."""
+        above = (self._lines.get(tuple(place[:length])) for length in range(len(place), 0, -1))
+        return next((line for line in above if line is not None), None)
+
     def where(self, place: Sequence[str | int]) -> str:
-        """File and line of a value, or of the nearest one that holds it."""
-        for length in range(len(place), -1, -1):
-            if (line := self._lines.get(tuple(place[:length]))) is not None:
-                return f"{self.name}, line {line}"
-        return self.name
+        """File and line of a value."""
+        line = self.line(place)
+        return self.name if line is None else f"{self.name}, line {line}"
 
 
 def _walk(name: str, node: yaml.Node, place: Place) -> Iterator[tuple[Place, int]]:

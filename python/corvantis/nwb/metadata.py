@@ -3,6 +3,7 @@ from __future__ import annotations
 
 import json
 import math
+import re
 from collections.abc import Iterator, Mapping
 from datetime import datetime
 from fnmatch import fnmatchcase
@@ -19,7 +20,6 @@ from .documents import Document, MetadataError, load_document
 
 SECONDS = {"s": 1.0, "ms": 1e-3, "us": 1e-6, "min": 60.0, "h": 3600.0}
 UNKNOWN = "unknown"
-#: Where the resolved values of two entries are put together, not exchanged.
 Given = Union["Metadata", Mapping[str, Any], str, Path]
 
 
@@ -43,12 +43,12 @@ def zoned(text: str) -> datetime:
     return moment
 
 
-_formats = jsonschema.FormatChecker(formats=())
-
-
-@_formats.checks("zoned-date-time", raises=ValueError)
 def _is_zoned(value: object) -> bool:
     return not isinstance(value, str) or bool(zoned(value))
+
+
+_formats = jsonschema.FormatChecker(formats=())
+_formats.checks("zoned-date-time", raises=ValueError)(_is_zoned)
 
 
 # ---- Errors ---------------------------------------------------------------------------------
@@ -91,7 +91,7 @@ def _one(document: Document, error: Any) -> Iterator[str]:
         known = known or [each.strip("^$") for each in error.schema.get("patternProperties", ())]
         patterns = error.schema.get("patternProperties", ())
         for key in error.instance:
-            if key not in known and not any(jsonschema_matches(each, key) for each in patterns):
+            if key not in known and not any(re.search(each, key) for each in patterns):
                 yield (f"{document.where([*place, key])}: {name}: found the key {key}, "
                        f"expected one of {', '.join(known)}")
     elif error.validator == "required":
@@ -102,12 +102,6 @@ def _one(document: Document, error: Any) -> Iterator[str]:
                f"expected {_expected(error)}")
 
 
-def jsonschema_matches(pattern: str, key: str) -> bool:
-    """Whether a key is one of a pattern's."""
-    import re
-    return re.search(pattern, key) is not None
-
-
 def check(document: Document) -> None:
     """Hold a document against the schema.
 
@@ -115,8 +109,8 @@ def check(document: Document) -> None:
         MetadataError: with a line for each thing that is not as it should be.
     """
     validator = jsonschema.Draft202012Validator(schema(), format_checker=_formats)
-    errors = sorted(validator.iter_errors(document.value), key=lambda each: list(
-        map(str, each.absolute_path)))
+    errors = sorted(validator.iter_errors(document.value),
+                    key=lambda each: document.line(list(each.absolute_path)) or 0)
     lines = [line for error in errors for line in _one(document, error)]
     if lines:
         raise MetadataError("\n".join(dict.fromkeys(lines)))

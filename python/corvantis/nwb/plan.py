@@ -153,14 +153,15 @@ class _Entry:
         epoch, width = self.epoch, len(str(max(len(self.plan.recording.epochs) - 1, 0)))
         patch = kind != PLAIN
         unit = SI_UNITS.get(scale.quantity, scale.unit)
-        return Series(**{
+        fields: dict[str, Any] = {
             "name": f"epoch_{epoch.number:0{width}}_entry_{self.entry}_{name}", "group": group,
             "kind": kind, "epoch": epoch.number, "entry": self.entry, "read": read,
             "points": epoch.points, "unit": unit, "conversion": scale.si_per_count,
             "resolution": -1.0 if scale.is_word else abs(scale.si_per_count),
             "rate": epoch.sampling_rate, "start": self.start, "comments": self._comments(),
             "electrode": self.electrode if patch else None,
-            "stimulus_description": self.words if patch else None, **more})
+            "stimulus_description": self.words if patch else None}
+        return Series(**{**fields, **more})
 
     def response(self) -> Series:
         """What was acquired."""
@@ -197,9 +198,9 @@ class _Entry:
             values, reversal = getattr(stimulus, name), getattr(stimulus, f"{name}Reversal")
             yield self._series(
                 f"{name}_conductance", STIMULUS, PLAIN, Scale("nS", ""), partial(np.array, values),
-                values=partial(np.multiply, values, NANO), unit="siemens", conversion=NANO, resolution=-1.0,
-                description=f"{name} conductance of the dynamic clamp, reversal potential "
-                            f"{reversal:g} mV")
+                values=partial(np.multiply, values, NANO), unit="siemens", conversion=NANO,
+                resolution=-1.0, description=f"{name} conductance of the dynamic clamp, reversal "
+                                             f"potential {reversal:g} mV")
 
     def values(self) -> dict[str, Any]:
         """The entry's columns but for references."""

@@ -35,7 +35,9 @@ def _flow(value: Any) -> str:
 
 
 def _about(part: Mapping[str, Any]) -> str:
-    example = f" Such as {_flow(part['examples'][0])}." if "examples" in part else ""
+    """What a key is for; what is not needed shows its example where its value goes."""
+    shown = "examples" in part and "needed" in part
+    example = f" Such as {_flow(part['examples'][0])}." if shown else ""
     text = f"{part.get('description', '')}.".lstrip(".").strip()
     text = text[:1].upper() + text[1:]
     return f"{text}{example} {NEEDED.get(part.get('needed', ''), '')}".strip()
@@ -47,7 +49,7 @@ def _lines(parts: Mapping[str, Any], indent: str = "") -> Iterator[str]:
         needed = "needed" in part or name == "cell_id"
         if not indent:
             yield ""
-        about = _about(part)
+        about = _about({**part, "needed": part.get("needed", "DANDI")} if needed else part)
         yield from _comment(about, indent) if about else ()
         inner = part.get("properties")
         if inner and any("needed" in _whole(each) or key == "cell_id"

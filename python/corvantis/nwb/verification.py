@@ -112,10 +112,10 @@ def _references(where: str, column: Any, rows: Sequence[tuple[int, int, Series]]
     for index, (start, count, series) in enumerate(rows):
         found = column[index]
         place = f"{where}, row {index}"
+        nothing = found[0] is None      # so pynwb reads -1, -1
         yield from _differs(f"{place}: start and count",
-                            [found[0], found[1]] if found.isvalid() else list(NONE),
-                            [start, count])
-        if (start, count) != NONE and found.isvalid():
+                            list(NONE) if nothing else [found[0], found[1]], [start, count])
+        if (start, count) != NONE and not nothing:
             yield from _differs(f"{place}: series", found[2].name, series.name)
             if found[0] + found[1] > len(found[2].data):
                 yield f"{place}: found {found[1]} points, expected {len(found[2].data)} at most"
@@ -140,7 +140,8 @@ def _recordings(file: NWBFile, rows: Sequence[Row]) -> Iterator[str]:
     if len(table.id) != len(rows):
         return
     for (name, expected), category in zip(references(rows).items(), ("stimuli", "responses")):
-        yield from _references(f"{category}/{name}", table.category_tables[category][name], expected)
+        column = table.category_tables[category][name]
+        yield from _references(f"{category}/{name}", column, expected)
     electrodes = table.category_tables["electrodes"]["electrode"]
     for index, row in enumerate(rows):
         yield from _differs(f"electrodes, row {index}", electrodes[index].name,
@@ -165,7 +166,8 @@ def _tables(file: NWBFile, plan: Plan) -> Iterator[str]:
         return
     yield from _recordings(file, plan.recorded)
     _, simultaneous, sequential, repeated, conditions = parts
-    yield from _columns("simultaneous_recordings", simultaneous, list(map(epoch_values, plan.epochs)))
+    yield from _columns("simultaneous_recordings", simultaneous,
+                        list(map(epoch_values, plan.epochs)))
     yield from _regions("simultaneous_recordings", simultaneous, "recordings", _in_runs(
         [len(plan.rows[epoch.number]) for epoch in plan.epochs]))
     yield from _columns("sequential_recordings", sequential, [

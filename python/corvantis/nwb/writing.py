@@ -5,7 +5,7 @@ import hashlib
 import json
 import math
 import os
-from collections.abc import Iterator, Mapping, Sequence
+from collections.abc import Callable, Iterator, Mapping, Sequence
 from contextlib import contextmanager
 from dataclasses import dataclass
 from datetime import datetime, timezone
@@ -42,11 +42,13 @@ REFERENCES = {"stimulus": f"{RECORDINGS}/stimuli/stimulus",
 
 @dataclass(frozen=True)
 class Written:
-    """What was written: how many epochs and series, and what a person should know of it."""
+    """What was written: how many epochs and series, whether damaged epochs were left out, and what
+    a person should know of it."""
 
     path: Path
     epochs: int
     series: int
+    damaged: bool
     warnings: tuple[str, ...]
 
 
@@ -214,7 +216,8 @@ def write_file(recording: Recording, path: str | Path, metadata: FileMetadata,
 
 
 def write(recording: Recording | str | Path, path: str | Path, metadata: Given,
-          epochs: Sequence[int] | None = None, command: str = "corvantis.nwb.write") -> Written:
+          epochs: Sequence[int] | None = None, command: str = "corvantis.nwb.write",
+          check: Callable[[str, Recording], None] | None = None) -> Written:
     """Write a recording as an NWB file, whole or not at all.
 
     Args:
@@ -224,6 +227,8 @@ def write(recording: Recording | str | Path, path: str | Path, metadata: Given,
             `corvantis.nwb.metadata_of` gave.
         epochs: numbers of the epochs; all without them.
         command: what the file says that it was made by.
+        check: is called with the file's path before it takes its place, and what it raises keeps it
+            from that.
 
     Raises:
         MetadataError: if the metadata are wrong, or lack what NWB cannot do without.
@@ -234,4 +239,7 @@ def write(recording: Recording | str | Path, path: str | Path, metadata: Given,
         notes = provenance(source, sha256(source.path), resolved, epochs, command)
         plan = write_file(source, temporary, resolved, notes)
         source._check(source._opened)
-    return Written(Path(path), len(plan.epochs), len(plan.series), tuple(plan.warnings))
+        if check is not None:
+            check(temporary, source)
+    return Written(Path(path), len(plan.epochs), len(plan.series), bool(plan.damaged),
+                   tuple(plan.warnings))

@@ -47,8 +47,8 @@ install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/corvantis REN
 
 # For the system's own Python; a wheel carries the library inside instead.
 install(DIRECTORY python/corvantis DESTINATION lib/python3/dist-packages
-        FILES_MATCHING PATTERN "*.py" PATTERN "py.typed" PATTERN "__pycache__" EXCLUDE)
-install(PROGRAMS python/bin/corvantis-plot python/bin/corvantis-families
+        FILES_MATCHING PATTERN "*.py" PATTERN "*.json" PATTERN "py.typed" PATTERN "__pycache__" EXCLUDE)
+install(PROGRAMS python/bin/corvantis-plot python/bin/corvantis-families python/bin/corvantis-nwb
         DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 set(CPACK_GENERATOR DEB)

@@ -184,6 +184,22 @@ def history(rig, seed, version=8):
         rig.epoch(played, "0123"[:len(played)], points=401)
 
 
+def clamps(rig):
+    """Every kind of entry that an archive tells apart, at intervals and lengths of its own."""
+    conductances = (np.linspace(start, 4, 120, dtype=np.float32) for start in (0, 9))
+    rig.epoch([pulse(1600, 400)], interval=50, points=400, epochTime=1.5, temperature=32.0,
+              epochComment=b"current", userValue=[20.0, 0.25], ampMode=[1], **CLAMP)
+    rig.epoch([pulse(800, 300)], "3", "2", interval=100, points=300, epochTime=2.25, ampMode=[2],
+              ampGain=[0.001], convFactor=[20], inputUnits=[b"pA"], outputUnits=[b"mV"])
+    rig.epoch([stimuli.DynamicClamp(0.0, -80.0, *conductances)], points=120, epochTime=3.0,
+              **CLAMP)
+    rig.epoch([stimuli.Spatial(80)], points=80, epochTime=4.0, outputUnits=[b""], ampMode=[0])
+    rig.epoch([pulse(320), pulse(7), pulse(64)], "04D", "01D", interval=100, epochTime=5.0,
+              ampGain=[0.01, 0.5], convFactor=[400, 1], inputUnits=[b"mV", b"deg"],
+              outputUnits=[b"pA", b"V"], ampMode=[1, 0])
+    rig.epoch([pulse(50)], epochTime=6.0, inputUnits=[b""], outputUnits=[b""])
+
+
 def odd(rig):
     """Epochs without points or entries, without usable factors, with texts that are not plain."""
     rig.epoch([pulse(0, 0)], points=0)

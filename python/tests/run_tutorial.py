@@ -6,6 +6,7 @@ They run beside the wheel and the recording, `demo.dat`, and know what blocks be
 `text` block must be what the one before it prints, and every picture look like that in IMAGES,
 where `update` puts it instead.
 """
+import os
 import re
 import shutil
 import subprocess
@@ -22,9 +23,19 @@ MOST_DIFFERENCE = 2.0   # mean over all dots [of 255]; fonts and lines vary betw
 QUIETLY = "import contextlib, io\nwith contextlib.redirect_stdout(io.StringIO()):\n    pass\n"
 
 
+def with_packages(folder):
+    """Lets programs and packages of another environment be found, as if they had been installed."""
+    other = os.environ.get("TUTORIAL_ENVIRONMENT")
+    if other is None:
+        return {}
+    packages = next(Path(other).glob("lib/python3*/site-packages"))
+    return {"PATH": f"{folder}/corvantis-env/bin:{other}/bin:/usr/bin:/bin",
+            "PYTHONPATH": str(packages), "DANDI_NO_ET": "1", "NO_ET": "1"}
+
+
 def run_blocks(page, folder):
     environment = {"HOME": folder, "LANG": "C.UTF-8", "MPLBACKEND": "agg", "PIP_NO_INDEX": "1",
-                   "PATH": f"{folder}/corvantis-env/bin:/usr/bin:/bin"}
+                   "PATH": f"{folder}/corvantis-env/bin:/usr/bin:/bin", **with_packages(folder)}
     earlier, printed = "", ""
     for language, code in BLOCK.findall(page):
         if language == "text":

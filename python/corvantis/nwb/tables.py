@@ -30,6 +30,8 @@ ABOUT = {
     "output": "channel that the stimulus went to",
     "stimulus_in_words": "the stimulus, levels in the entry's unit; in full as JSON in the "
                          "comments of the series",
+    "response": "name of the series in acquisition",
+    "stimulus": "name of the series in stimulus; empty if there is none",
     "stimulus_doubt": "why what was played may differ from the recomputed stimulus; empty without "
                       "a doubt",
     "stimulus_problem": "why there is no stimulus; empty if there is one",
@@ -106,6 +108,12 @@ def epoch_values(epoch: Epoch) -> dict[str, Any]:
                                       fields_of(EPOCH_HEADER).items() if not each.by_entry}}
 
 
+def other_values(row: Row) -> dict[str, Any]:
+    """The columns of an entry that no electrode recorded; its series stand there by name."""
+    return {**row.values, "response": row.response.name,
+            "stimulus": "" if row.stimulus is None else row.stimulus.name}
+
+
 def runs(plan: Plan) -> list[tuple[str, int]]:
     """Runs of epochs of one protocol: its name, and how many there are."""
     def setting(epoch: Epoch) -> tuple[Any, ...]:
@@ -132,9 +140,7 @@ def add_tables(file: NWBFile, plan: Plan, objects: Mapping[str, Any],
     if plan.others:
         file.add_acquisition(DynamicTable(
             name=OTHERS, description="entries of the channel sequence that no electrode recorded",
-            columns=[*_columns([row.values for row in plan.others]),
-                     _reference_column("stimulus", STIMULUS_COLUMN, plan.others, objects),
-                     _reference_column("response", RESPONSE_COLUMN, plan.others, objects)]))
+            columns=_columns([other_values(row) for row in plan.others])))
     if not plan.recorded:
         return
     recordings = _recordings(plan.recorded, objects, electrodes)

@@ -16,11 +16,12 @@ from ..recording import Recording
 from ..records import fields_of
 from .metadata import FileMetadata, Given, metadata_of
 from .plan import Plan, Row, Series, make_plan
-from .tables import NONE, OTHERS, TYPES, epoch_values, references, repetitions, runs
+from .tables import (NONE, OTHERS, TYPES, epoch_values, other_values, references, repetitions,
+                     runs)
 from .writing import WHOLE_TEXTS, notes_of, opened, sha256
 
 ROUNDING = 1e-12    # relative, of a product in double precision
-SERIES = ("unit", "conversion", "resolution", "rate", "description", "comments", "gain",
+SERIES = ("conversion", "resolution", "rate", "description", "comments", "gain",
           "stimulus_description")
 
 
@@ -65,6 +66,8 @@ def _samples(where: str, found: Any, series: Series) -> Iterator[str]:
 def _one_series(found: Any, series: Series) -> Iterator[str]:
     where = f"{series.group}/{series.name}"
     yield from _differs(f"{where}: type", type(found).__name__, series.kind)
+    # pynwb takes the unit of clamp series for granted, whatever stands there.
+    yield from _differs(f"{where}: unit", found.data.attrs.get("unit"), series.unit)
     for name in SERIES:
         yield from _differs(f"{where}: {name}", getattr(found, name, None), getattr(series, name))
     yield from _differs(f"{where}: starting time", found.starting_time, series.start)
@@ -151,9 +154,7 @@ def _recordings(file: NWBFile, rows: Sequence[Row]) -> Iterator[str]:
 def _tables(file: NWBFile, plan: Plan) -> Iterator[str]:
     others = file.acquisition.get(OTHERS)
     if plan.others and others is not None:
-        yield from _columns(OTHERS, others, [row.values for row in plan.others])
-        for name, expected in references(plan.others).items():
-            yield from _references(f"{OTHERS}/{name}", others[name], expected)
+        yield from _columns(OTHERS, others, list(map(other_values, plan.others)))
     elif plan.others or others is not None:
         yield f"{OTHERS}: found {others and len(others)} rows, expected {len(plan.others)}"
     if not plan.recorded:

@@ -24,7 +24,7 @@ from ..recording import Recording, open_recording
 from .metadata import FileMetadata, Given, metadata_of, zoned
 from .plan import STIMULUS, Plan, Series, make_plan
 from .series import as_object, form, path_in_file, write_like
-from .tables import OTHERS, add_tables, references
+from .tables import add_tables, references
 from .temporary import replacing
 
 WHOLE_TEXTS = ("experimenter", "institution", "lab", "keywords", "experiment_description",
@@ -171,9 +171,6 @@ def _complete(path: str, plan: Plan, patterns: Mapping[Any, Series]) -> None:
         for column, values in references(plan.recorded).items():
             if values:
                 _refer(file, REFERENCES[column], values)
-        for column, values in references(plan.others).items():
-            if values:
-                _refer(file, f"acquisition/{OTHERS}/{column}", values)
         if plan.recorded:
             _put_in_order(file)
 

@@ -138,7 +138,8 @@ def add_tables(file: NWBFile, plan: Plan, objects: Mapping[str, Any],
         electrodes: pynwb's electrodes by input.
     """
     if plan.others:
-        file.add_acquisition(DynamicTable(
+        # Readers take for a series whatever stands in `acquisition`.
+        file.add_analysis(DynamicTable(
             name=OTHERS, description="entries of the channel sequence that no electrode recorded",
             columns=_columns([other_values(row) for row in plan.others])))
     if not plan.recorded:

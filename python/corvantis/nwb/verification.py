@@ -80,8 +80,7 @@ def _one_series(found: Any, series: Series) -> Iterator[str]:
 
 
 def _all_series(file: NWBFile, plan: Plan) -> Iterator[str]:
-    there = {("acquisition", name): each for name, each in file.acquisition.items()
-             if name != OTHERS}
+    there = {("acquisition", name): each for name, each in file.acquisition.items()}
     there.update({("stimulus", name): each for name, each in file.stimulus.items()})
     for series in plan.series:
         found = there.pop((series.group, series.name), None)
@@ -152,7 +151,7 @@ def _recordings(file: NWBFile, rows: Sequence[Row]) -> Iterator[str]:
 
 
 def _tables(file: NWBFile, plan: Plan) -> Iterator[str]:
-    others = file.acquisition.get(OTHERS)
+    others = file.analysis.get(OTHERS)
     if plan.others and others is not None:
         yield from _columns(OTHERS, others, list(map(other_values, plan.others)))
     elif plan.others or others is not None:

@@ -56,7 +56,7 @@ def test_series_are_what_was_recorded_and_played(written, read, logged):
             said = json.loads(series.comments)
             assert (said["epoch"], said["entry"], said["segment"]) == (epoch, entry,
                                                                        f"epoch {epoch}")
-    assert len(file.acquisition) == len(CLAMPS) + 1     # and the table of the other entries
+    assert len(file.acquisition) == len(CLAMPS)
     pulse = json.loads(file.stimulus[name(0, 0, "stimulus")].comments)["stimulus"]
     assert pulse["parameters"]["amplitude"] == 1600 and pulse["levels"]["amplitude"] == 200.0
     assert file.acquisition[name(3, 0, "response")].stimulus_description == "N/A"
@@ -96,7 +96,7 @@ def test_tables(written, read):
         "pulse", "pulse", "dynamic clamp", "spatial", "pulse + pulse + pulse", "pulse"]
     repeated = file.icephys_repetitions["sequential_recordings"]
     assert [list(map(int, repeated[row].index)) for row in range(4)] == [[0, 1, 5], [2], [3], [4]]
-    others = file.acquisition["other_entries"]
+    others = file.analysis["other_entries"]
     assert list(zip(others["epoch"][:], others["entry"][:])) == [(4, 1), (4, 2), (5, 0)]
     assert others["response"][0] == name(4, 1, "response")
 

@@ -66,11 +66,11 @@ def test_single_recordings_and_their_names(lab):
     assert target(special, "cell.5.dat") == PurePosixPath(
         "sub-m12/sub-m12_ses-20261123_slice-1_cell-7_desc-cell-5_icephys.nwb")
     assert special.start.isoformat() == "1999-01-31T12:00:00-05:00"
-    assert plain.lacking() == [] and metadata_of({
-        "session_start_time": lab["session_start_time"], "epoch_time": "unknown",
-        "subject": {"subject_id": "a", "date_of_birth": "2026-11-01T00:00:00Z"}}).of("a").lacking() \
-        == ["electrode", "experimenter", "institution", "keywords", "experiment_description",
-            "subject.species", "subject.sex"]
+    few = {"session_start_time": lab["session_start_time"], "epoch_time": "unknown",
+           "subject": {"subject_id": "a", "date_of_birth": "2026-11-01T00:00:00Z"}}
+    assert plain.lacking() == [] and metadata_of(few).of("a").lacking() == [
+        "electrode", "experimenter", "institution", "keywords", "experiment_description",
+        "subject.species", "subject.sex"]
     with pytest.raises(MetadataError, match="found no session_start_time for x.dat, expected date"):
         metadata_of({"epoch_time": "unknown"}).of("x.dat")
 
@@ -83,7 +83,8 @@ def test_the_template_is_refused_until_it_is_filled_in(tmp_path, lab):
     values = yaml.safe_load(template())
     for key in values:
         assert key in lab, key
-    optional = [line[2:] for line in template().splitlines() if re.match(r"# [a-z_]+: [\[{\"]", line)]
+    optional = [line[2:] for line in template().splitlines()
+                if re.match(r"# [a-z_]+: [\[{\"]", line)]
     assert len(optional) > 8
     for line in optional:
         metadata_of({**lab, **yaml.safe_load(line)})

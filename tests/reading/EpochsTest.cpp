@@ -149,7 +149,14 @@ TEST(ReadEpochs, AreInUnitsByOneRule) {
         uint32_t word;
         const char* expectedUnit;
         double response, stimulus;
-    } cases[] = {{3200, 0.01F, "mV", 0, "mV", 0.5 / double{0.01F}, 0.5 * double{0.01F}},
+        int32_t quantity = CORVANTIS_OTHER;
+        double si = 1.0;
+    } cases[] = {{3200, 0.01F, "mV", 0, "mV", 0.5 / double{0.01F}, 0.5 * double{0.01F},
+                  CORVANTIS_POTENTIAL, 1e-3},
+                 {3200, 2, "\xC2\xB5V", 0, "\xC2\xB5V", 0.25, 1, CORVANTIS_POTENTIAL, 1e-6},
+                 {3200, 2, "fA", 0, "fA", 0.25, 1, CORVANTIS_CURRENT, 1e-15},
+                 {3200, 2, "nS", 0, "nS", 0.25, 1, CORVANTIS_ADMITTANCE, 1e-9},
+                 {3200, 2, "revS", 0, "revS", 0.25, 1},
                  {3200, 0, "mV", 0, "V", 0.5, 0.5},
                  {3200, INFINITY, "mV", 0, "V", 0.5, 0.5},
                  {3200, 400, "", 0, "V", 0.5, 0.5},
@@ -180,10 +187,29 @@ TEST(ReadEpochs, AreInUnitsByOneRule) {
         for (const int32_t direction : {CORVANTIS_RESPONSE, CORVANTIS_STIMULUS}) {
             ASSERT_EQ(CorvantisScale(reading.recording, 0, 0, direction, &scale, nullptr), 0);
             EXPECT_STREQ(scale.unit, each.expectedUnit);
+            EXPECT_EQ(scale.quantity, each.quantity);
+            EXPECT_EQ(scale.si, each.si);
         }
         EXPECT_EQ(response, each.response) << scale.formula;
         EXPECT_EQ(stimulus, each.stimulus) << scale.formula;
     }
+}
+
+TEST(ReadEpochs, GiveParametersAsJsonIntoRoomEnough) {
+    const RecordedFile file = RecordFile({[] { SetUpPulseEpoch(); }});
+    MemorySource source{file.bytes};
+    Reading reading(source);
+    char text[300] = "before";
+    int64_t length = 0;
+    const auto ask = [&](int64_t capacity) {
+        return CorvantisStimulusJson(reading.recording, 0, 0, text, capacity, &length, nullptr);
+    };
+    EXPECT_EQ(ask(20), CORVANTIS_BAD_ARGUMENT);
+    EXPECT_STREQ(text, "before");
+    EXPECT_EQ(ask(length), CORVANTIS_BAD_ARGUMENT);
+    ASSERT_EQ(ask(length + 1), CORVANTIS_SUCCESS);
+    EXPECT_EQ(std::strlen(text), static_cast<size_t>(length));
+    EXPECT_EQ(std::strncmp(text, "{\"type\":3,\"name\":\"pulse\",", 26), 0) << text;
 }
 
 TEST(ReadEpochs, GiveFieldsByNameAsColumns) {

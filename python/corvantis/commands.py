@@ -194,7 +194,7 @@ def nwb(arguments: Sequence[str] | None = None) -> int:
     except ModuleNotFoundError as error:
         if (error.name or "").startswith("corvantis"):
             raise
-        print(f"corvantis nwb: there is no {error.name}: pip install 'corvantis[nwb]'",
+        print(f"corvantis nwb: {error.name} is not installed; it comes with corvantis[nwb]",
               file=sys.stderr)
         return UNUSABLE
     given = sys.argv[1:] if arguments is None else arguments

@@ -120,4 +120,4 @@ def test_without_the_extra_one_line_says_what_to_install(tmp_path):
               "from corvantis.commands import nwb; sys.exit(nwb(['a', '-o', 'b']))"
     ran = subprocess.run([sys.executable, "-c", program], capture_output=True, text=True)
     assert (ran.returncode, ran.stdout) == (2, "")
-    assert ran.stderr == "corvantis nwb: there is no pynwb: pip install 'corvantis[nwb]'\n"
+    assert ran.stderr == "corvantis nwb: pynwb is not installed; it comes with corvantis[nwb]\n"

@@ -70,10 +70,12 @@ def _plain(value: Any) -> Any:
 
 def provenance(recording: Recording, digest: str, metadata: FileMetadata,
                epochs: Sequence[int] | None, command: str) -> dict[str, Any]:
-    """Where a file comes from, as its notes say it; all but the command decide what is in it."""
+    """Where a file comes from, as its notes say it; `same_work` says what of this decides what is
+    in it."""
     return {"original": Path(recording.path).name, "sha256": digest,
             "bytes": os.path.getsize(recording.path), "corvantis": __version__,
-            "epochs": None if epochs is None else list(epochs), "command": command,
+            "epochs": None if epochs is None else sorted(set(map(int, epochs))),
+            "command": command,
             "header": {name: _plain(value) for name, value in vars(recording.header).items()},
             "metadata": metadata.values}
 
@@ -222,7 +224,7 @@ def write(recording: Recording | str | Path, path: str | Path, metadata: Given,
         path: the NWB file, which is replaced if it is there.
         metadata: what a lab knows: a file, a dictionary of the same form, or what
             `corvantis.nwb.metadata_of` gave.
-        epochs: numbers of the epochs; all without them.
+        epochs: numbers of the epochs, which are written in the file's order; all without them.
         command: what the file says that it was made by.
         check: is called with the file's path before it takes its place, and what it raises keeps it
             from that.

@@ -120,7 +120,8 @@ def test_provenance_and_metadata(written, read, recording, lab):
     ("unknown", [math.nan, math.nan])])
 def test_times(recording, tmp_path, read, lab, meaning, starts):
     path = tmp_path / "times.nwb"
-    made = corvantis.nwb.write(recording("clamps"), path, {**lab, "epoch_time": meaning}, [0, 1])
+    made = corvantis.nwb.write(recording("clamps"), path, {**lab, "epoch_time": meaning},
+                               [1, 0, 1])
     assert made.epochs == 2 and corvantis.nwb.verify(path, recording("clamps")) == []
     series = read(path).acquisition
     assert [series[name(epoch, 0, "response")].starting_time for epoch in (0, 1)] == \

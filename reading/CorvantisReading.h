@@ -129,6 +129,7 @@ CORVANTIS_API int32_t CorvantisOpen(const char* path, CorvantisRecording** recor
 CORVANTIS_API int32_t CorvantisOpenSource(const CorvantisSource* source, const char* name,
                                           CorvantisRecording** recording,
                                           CorvantisProblem* problem);
+
 /**
  * Take in the epochs that another program has saved meanwhile. One that is not complete is never
  * shown, whatever moment of a save this meets; a later call shows it.
@@ -157,6 +158,7 @@ typedef struct CorvantisRecordingInfo {
     int64_t tablePosition; /**< where the table of positions is or would be [bytes] */
     int32_t version;       /**< of the format: up to 8, also negative */
     int32_t found;         /**< a #CorvantisFound */
+    uint64_t digest;       /**< of the file header's bytes; the same on every machine */
 } CorvantisRecordingInfo;
 
 /**
@@ -173,6 +175,33 @@ CORVANTIS_API int32_t CorvantisInfo(const CorvantisRecording* recording,
  * @return their number; 0 for null
  */
 CORVANTIS_API int64_t CorvantisEpochs(const CorvantisRecording* recording);
+
+/** Where an epoch was when the recording was open before; all of it from #CorvantisEpochInfo. */
+typedef struct CorvantisPlace {
+    int64_t epoch;   /**< its number */
+    int64_t start;   /**< of its header [bytes] */
+    int64_t end;     /**< behind its samples [bytes] */
+    uint64_t digest; /**< of its header */
+} CorvantisPlace;
+
+/**
+ * Open a recording by what is known of it from before, so that nothing is searched: its header is
+ * read, and of an epoch at a known place that epoch alone. What is known need not be true: it is
+ * compared with what is read, and an epoch that is not what it was is #CORVANTIS_CHANGED. Other
+ * epochs are found as after #CorvantisOpen.
+ * @param[in] name the file, UTF-8; with a source, what messages call it
+ * @param[in] source null for a file; else as of #CorvantisOpenSource
+ * @param[in] known what #CorvantisInfo said
+ * @param[in] places of epochs, by ascending numbers; copied
+ * @param[in] count how many places
+ * @param[out] recording the recording, to be closed; null after a failure
+ * @param[out] problem what went wrong, or null
+ * @return as #CorvantisOpen; #CORVANTIS_CHANGED if size or header are not what was known
+ */
+CORVANTIS_API int32_t CorvantisOpenKnown(const char* name, const CorvantisSource* source,
+                                         const CorvantisRecordingInfo* known,
+                                         const CorvantisPlace* places, int64_t count,
+                                         CorvantisRecording** recording, CorvantisProblem* problem);
 
 /* ---- Findings --------------------------------------------------------------------------- */
 
@@ -325,6 +354,7 @@ typedef struct CorvantisEpochInfo {
     /** From one entry to the next within a point, which begins with the first: the sampling
      * interval by the entries, cut to a whole number; 0 without entries [µs]. */
     int32_t entryInterval;
+    uint64_t digest; /**< of the header's bytes; the same on every machine */
 } CorvantisEpochInfo;
 
 /**
@@ -496,6 +526,56 @@ CORVANTIS_API int32_t CorvantisStimulusValues(const CorvantisRecording* recordin
 CORVANTIS_API int32_t CorvantisStimulusJson(const CorvantisRecording* recording, int64_t epoch,
                                             int32_t entry, char* text, int64_t capacity,
                                             int64_t* length, CorvantisProblem* problem);
+
+/** As #CorvantisStimulusJson, in words such as "pulse 100 pA on -40 pA, 500 ms after 100 ms". */
+CORVANTIS_API int32_t CorvantisStimulusWords(const CorvantisRecording* recording, int64_t epoch,
+                                             int32_t entry, char* text, int64_t capacity,
+                                             int64_t* length, CorvantisProblem* problem);
+
+/** What is said of an epoch in words. */
+typedef enum CorvantisSubject {
+    /** The stimuli as of #CorvantisStimulusWords, those of several entries with " | " between. */
+    CORVANTIS_SAY_STIMULUS = 0,
+    /** The same as JSON: an array with an item an entry, each as of #CorvantisStimulusJson. */
+    CORVANTIS_SAY_JSON = 1,
+    /** Why a stimulus cannot be computed, or may not be what was played; empty without a doubt. */
+    CORVANTIS_SAY_DOUBT = 2,
+    /** What is wrong with a damaged epoch; empty for any other. */
+    CORVANTIS_SAY_DAMAGE = 3
+} CorvantisSubject;
+
+/** A text of each of many epochs, one behind the other. */
+typedef struct CorvantisTexts {
+    int32_t subject;  /**< a #CorvantisSubject */
+    char* text;       /**< room for the texts, UTF-8, without a 0 between them */
+    int64_t capacity; /**< of the room [bytes] */
+    int64_t* ends;    /**< of each epoch: where its text ends [bytes] */
+} CorvantisTexts;
+
+/** As `doubt` of an epoch whose stimulus cannot be computed at all. */
+enum { CORVANTIS_NOT_COMPUTED = -1 };
+
+/**
+ * What there is to say of many epochs, in one pass over the file.
+ * @param[in] recording the recording
+ * @param[in] first the first epoch
+ * @param[in] epochs how many
+ * @param[in] texts what to say, each subject with its room
+ * @param[in] count how many subjects
+ * @param[out] infos of each epoch, zeros for a damaged one; or null
+ * @param[out] doubts of each epoch the highest #CorvantisDoubtReason of any entry, or
+ * #CORVANTIS_NOT_COMPUTED; 0 for a damaged one; or null, which saves looking for them unless they
+ * are a subject
+ * @param[out] missing for each epoch 1 if it is damaged, else 0
+ * @param[out] described how many epochs, from the first on, all texts had room for
+ * @param[out] problem what went wrong, or null
+ * @return #CORVANTIS_SUCCESS, also where the room ended before the epochs, or one of convention 3
+ */
+CORVANTIS_API int32_t CorvantisDescribe(const CorvantisRecording* recording, int64_t first,
+                                        int64_t epochs, const CorvantisTexts* texts, int32_t count,
+                                        CorvantisEpochInfo* infos, int32_t* doubts,
+                                        uint8_t* missing, int64_t* described,
+                                        CorvantisProblem* problem);
 
 /* ---- Units ------------------------------------------------------------------------------ */
 

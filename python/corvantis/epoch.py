@@ -14,7 +14,7 @@ from .interface import (ALL_ENTRIES, DAMAGED, DIGITAL_INPUT, DIGITAL_OUTPUT, EPO
 from .lazy import lazy
 from .records import Record, fields_of, header
 from .samples import Neighbours, fill, room
-from .stimuli import Stimulus, read_json, read_stimulus, with_conductances
+from .stimuli import Stimulus, read_json, read_stimulus, read_words, with_conductances
 from .units import Counts, Samples, Scale, Units, read_scale
 
 if TYPE_CHECKING:
@@ -262,6 +262,12 @@ class Epoch:
         """The parameters of an entry's stimulus as JSON, levels in units too, in the form of
         `stimulus` in docs/recording.schema.json."""
         return read_json(self.recording.handle, self.number, entry)
+
+    @property
+    def stimulus_words(self) -> list[str]:
+        """Each entry's stimulus in words, such as "pulse 100 pA on -40 pA, 500 ms after 100 ms"."""
+        return [read_words(self.recording.handle, self.number, entry)
+                for entry in range(self.entries)]
 
     @property
     def input_channels(self) -> list[int]:

@@ -7,14 +7,22 @@ import os
 import threading
 import time
 from collections.abc import Callable
-from typing import Any, BinaryIO
+from typing import Any, BinaryIO, NamedTuple
 
 from .errors import CorvantisError
-from .interface import FILE_ERROR, EpochInfo, Problem
+from .interface import FILE_ERROR, EpochInfo, Problem, RecordingInfo
 from .library import library
 from .source import Source
 
 Function = Callable[..., int]
+
+
+class Known(NamedTuple):
+    """What an earlier opening found: of the recording, and of epochs by ascending numbers, with the
+    places of the C interface's `CorvantisPlace`."""
+
+    info: RecordingInfo
+    places: Any     # ctypes array of Place
 
 
 class _Problems(threading.local):
@@ -40,7 +48,8 @@ class Handle:
         library: the library's functions.
     """
 
-    def __init__(self, name: str, file: BinaryIO | None = None) -> None:
+    def __init__(self, name: str, file: BinaryIO | None = None,
+                 known: Known | None = None) -> None:
         self._pointer = ctypes.c_void_p()
         self.library = library()
         self._close = self.library.CorvantisClose
@@ -49,15 +58,19 @@ class Handle:
         self._refreshing = False
         self._refreshes = threading.Lock()
         self.source = Source(file) if file is not None else None
-        self._open()
+        self._open(known)
 
-    def _open(self) -> None:
-        room, problem = ctypes.addressof(self._pointer), _problems.address
-        if self.source is None:
-            code = self.library.CorvantisOpen(self._encoded(), room, problem)
+    def _open(self, known: Known | None) -> None:
+        end = ctypes.addressof(self._pointer), _problems.address
+        source = ctypes.addressof(self.source.functions) if self.source is not None else None
+        if known is not None:
+            code = self.library.CorvantisOpenKnown(
+                self._encoded(), source, ctypes.addressof(known.info),
+                ctypes.addressof(known.places), len(known.places), *end)
+        elif source is None:
+            code = self.library.CorvantisOpen(self._encoded(), *end)
         else:
-            code = self.library.CorvantisOpenSource(
-                ctypes.addressof(self.source.functions), self._encoded(), room, problem)
+            code = self.library.CorvantisOpenSource(source, self._encoded(), *end)
         if code:
             raise self._failure(code)
 

@@ -2,7 +2,7 @@
 from __future__ import annotations
 
 import ctypes
-from ctypes import c_char, c_char_p, c_double, c_int32, c_int64, c_uint8, c_void_p
+from ctypes import c_char, c_char_p, c_double, c_int32, c_int64, c_uint8, c_uint64, c_void_p
 from enum import IntEnum
 
 NO_STIMULUS, FILE_ERROR, DAMAGED, CHANGED = 2, 7, 11, 12
@@ -13,6 +13,15 @@ INT8, UINT16, INT32, UINT32, FLOAT, TEXT = range(6)
 EXCITATORY, INHIBITORY = 0, 1
 RESPONSE, STIMULUS, CONDUCTANCE = 0, 1, 2
 DIGITAL_INPUT, DIGITAL_OUTPUT = 8, 4
+
+
+NOT_COMPUTED = -1
+
+
+class Subject(IntEnum):
+    """What is said of an epoch."""
+
+    STIMULUS, JSON, DOUBT, DAMAGE = range(4)
 
 
 class Weight(IntEnum):
@@ -64,7 +73,13 @@ class RecordingInfo(ctypes.Structure):
     """What is known of a recording as a whole."""
 
     _fields_ = [("size", c_int64), ("epochs", c_int64), ("tablePosition", c_int64),
-                ("version", c_int32), ("found", c_int32)]
+                ("version", c_int32), ("found", c_int32), ("digest", c_uint64)]
+
+
+class Place(ctypes.Structure):
+    """Where an epoch was when the recording was open before."""
+
+    _fields_ = [("epoch", c_int64), ("start", c_int64), ("end", c_int64), ("digest", c_uint64)]
 
 
 class FindingRecord(ctypes.Structure):
@@ -100,7 +115,15 @@ class EpochInfo(ctypes.Structure):
     _fields_ = [("start", c_int64), ("samples", c_int64), ("end", c_int64), ("points", c_int32),
                 ("entries", c_int32), ("samplingInterval", c_int32),
                 ("stimulusTypes", c_int32 * ENTRIES), ("inputs", c_int32 * ENTRIES),
-                ("outputs", c_int32 * ENTRIES), ("entryInterval", c_int32)]
+                ("outputs", c_int32 * ENTRIES), ("entryInterval", c_int32),
+                ("digest", c_uint64)]
+
+
+class Texts(ctypes.Structure):
+    """A text of each of many epochs."""
+
+    _fields_ = [("subject", c_int32), ("text", c_void_p), ("capacity", c_int64),
+                ("ends", c_void_p)]
 
 
 class StimulusRecord(ctypes.Structure):
@@ -129,6 +152,7 @@ _SAMPLES = (c_void_p, c_int64, c_int32, c_int64, c_int64, c_void_p, c_int64)
 FUNCTIONS: dict[str, tuple[type, ...]] = {
     "CorvantisOpen": (c_char_p, c_void_p, c_void_p),
     "CorvantisOpenSource": (c_void_p, c_char_p, c_void_p, c_void_p),
+    "CorvantisOpenKnown": (c_char_p, c_void_p, c_void_p, c_void_p, c_int64, c_void_p, c_void_p),
     "CorvantisRefresh": (c_void_p, c_void_p),
     "CorvantisClose": (c_void_p,),
     "CorvantisInfo": (c_void_p, c_void_p),
@@ -152,6 +176,9 @@ FUNCTIONS: dict[str, tuple[type, ...]] = {
     "CorvantisStimulusValues": (*_SAMPLES, c_void_p, c_void_p),
     "CorvantisScale": (c_void_p, c_int64, c_int32, c_int32, c_void_p, c_void_p),
     "CorvantisStimulusJson": (c_void_p, c_int64, c_int32, c_void_p, c_int64, c_void_p, c_void_p),
+    "CorvantisStimulusWords": (c_void_p, c_int64, c_int32, c_void_p, c_int64, c_void_p, c_void_p),
+    "CorvantisDescribe": (c_void_p, c_int64, c_int64, c_void_p, c_int32, c_void_p, c_void_p,
+                          c_void_p, c_void_p, c_void_p),
     "CorvantisText": (c_char_p, c_int32, c_void_p, c_int32),
 }
 OTHER_RESULTS: dict[str, type | None] = {"CorvantisEpochs": c_int64, "CorvantisClose": None}

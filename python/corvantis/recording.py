@@ -12,7 +12,7 @@ from .columns import read_columns
 from .epoch import Epoch
 from .epochs import Epochs
 from .errors import CorvantisError
-from .handle import Handle
+from .handle import Handle, Known
 from .identity import Identity, checksum, local, portable
 from .interface import CHANGED, FILE_HEADER_SIZE, FindingRecord, RecordingInfo, Weight
 from .records import Record, header
@@ -61,8 +61,9 @@ class Recording:
         header: its header.
     """
 
-    def __init__(self, source: Source) -> None:
+    def __init__(self, source: Source, known: Known | None = None) -> None:
         self._file: BinaryIO | None = None
+        self._known = known
         self._closed = False
         if isinstance(source, (str, bytes, os.PathLike)):
             self.path = os.path.abspath(os.fsdecode(source))
@@ -72,7 +73,7 @@ class Recording:
         else:
             raise TypeError(f"neither a path nor a binary file object: {source!r}")
         self._modified = self._modification()
-        self._handle: Handle | None = Handle(self.path, self._file)
+        self._handle: Handle | None = Handle(self.path, self._file, known)
         self._opened = self._identity(0)
         self.header: Record = self._read_header()
         _recordings.add(self)
@@ -97,7 +98,7 @@ class Recording:
         if handle is None:
             if self._closed:
                 raise ValueError(f"{self.path}: the recording is closed")
-            handle = self._handle = Handle(self.path, self._file)
+            handle = self._handle = Handle(self.path, self._file, self._known)
             try:
                 self._check(self._opened)
             except CorvantisError:

@@ -15,7 +15,7 @@ from typing import Any, ClassVar
 import numpy as np
 from numpy.typing import NDArray
 
-from .handle import Handle
+from .handle import Function, Handle
 from .interface import EXCITATORY, INHIBITORY, OWN_RECORD, StimulusRecord, TypeInfo
 from .library import library
 from .records import Record, fields_of, record_class, values_of
@@ -136,7 +136,16 @@ def read_stimulus(handle: Handle, epoch: int, entry: int,
 
 def read_json(handle: Handle, epoch: int, entry: int) -> str:
     """The parameters of a sequence entry's stimulus as JSON."""
-    length, function = ctypes.c_int64(), handle.library.CorvantisStimulusJson
+    return _text(handle, handle.library.CorvantisStimulusJson, epoch, entry)
+
+
+def read_words(handle: Handle, epoch: int, entry: int) -> str:
+    """The stimulus of a sequence entry in words."""
+    return _text(handle, handle.library.CorvantisStimulusWords, epoch, entry)
+
+
+def _text(handle: Handle, function: Function, epoch: int, entry: int) -> str:
+    length = ctypes.c_int64()
     handle.ask(function, epoch, entry, None, 0, ctypes.addressof(length), None)
     room = ctypes.create_string_buffer(length.value + 1)
     handle.call(function, epoch, entry, room, len(room), ctypes.addressof(length))

@@ -51,16 +51,20 @@ int32_t WithEpoch(const CorvantisRecording* recording, int64_t epoch, Depth dept
         });
 }
 
+inline int32_t CheckEpochs(const Contents& contents, int64_t first, int64_t epochs,
+                           const Reporter& reporter) {
+    if (first >= 0 && epochs >= 0 && first <= contents.Count() - epochs) return CORVANTIS_SUCCESS;
+    return reporter.Report(CORVANTIS_BAD_ARGUMENT, -1,
+                           Say("epochs ", first, " and ", epochs, " on of ", contents.Count()));
+}
+
 // For each of a run of epochs read(view, reading, index), or clear(index) where it is damaged or
 // read says that it has not what is wanted (CORVANTIS_BAD_ARGUMENT); without a list of those that
 // are missing, the first one ends the run.
 template <class Read, class Clear>
 int32_t ForEachEpoch(const Contents& contents, int64_t first, int64_t epochs, uint8_t* missing,
                      const Reporter& reporter, Read read, Clear clear) {
-    if (first < 0 || epochs < 0 || first > contents.Count() - epochs) {
-        return reporter.Report(CORVANTIS_BAD_ARGUMENT, -1,
-                               Say("epochs ", first, " and ", epochs, " on of ", contents.Count()));
-    }
+    if (const int32_t wrong = CheckEpochs(contents, first, epochs, reporter)) return wrong;
     const FileView view = contents.View();
     const Reporter quiet("", nullptr);
     EpochReading reading;

@@ -3,8 +3,10 @@
 
 #include "ITCFileIO/SequenceWords.h"
 #include "interface/Boundary.h"
+#include "interface/EpochInfo.h"
 #include "stimuli/Stimuli.h"
 #include "stimuli/StimulusJson.h"
+#include "stimuli/StimulusWords.h"
 #include "units/Scale.h"
 
 namespace corvantis::reading {
@@ -20,19 +22,55 @@ const Stimulus* Choose(const EpochContent& content, int32_t entry, int32_t compo
     return &stimulus.components[static_cast<size_t>(component)];
 }
 
-void DescribeEpoch(const EpochReading& reading, CorvantisEpochInfo& info) {
+struct Room {
+    char* text;
+    int64_t capacity;
+    int64_t* length;
+};
+
+// say(stimulus, scale, sampling interval)
+template <class Saying>
+int32_t SayOfStimulus(const CorvantisRecording* recording, int64_t epoch, int32_t entry,
+                      const Room& room, CorvantisProblem* problem, Saying say) {
+    return WithEpoch(
+        recording, epoch, Depth::kRecords, problem,
+        [&](const Contents& contents, const FileView&, const EpochReading& reading,
+            const Reporter& reporter) -> int32_t {
+            const Stimulus* stimulus = Choose(reading.content, entry, -1);
+            if (room.length == nullptr || stimulus == nullptr) {
+                return reporter.ReportEpoch(CORVANTIS_BAD_ARGUMENT, epoch, -1,
+                                            Say("has no entry ", entry));
+            }
+            const ITCEpochHeader& header = reading.content.header;
+            const Scale scale =
+                StimulusScale(contents.Moment().header, header, static_cast<size_t>(entry));
+            const std::string said = say(*stimulus, scale, header.samplingInterval);
+            *room.length = static_cast<int64_t>(said.size());
+            if (room.text == nullptr || *room.length >= room.capacity) {
+                return reporter.ReportEpoch(CORVANTIS_BAD_ARGUMENT, epoch, -1,
+                                            Say("needs room for ", *room.length + 1, " bytes"));
+            }
+            std::memcpy(room.text, said.c_str(), said.size() + 1);
+            return CORVANTIS_SUCCESS;
+        });
+}
+
+}  // namespace
+
+CorvantisEpochInfo InfoOf(const EpochReading& reading) {
     const EpochPlace& place = reading.place;
     const ITCEpochHeader& header = reading.content.header;
-    info = {place.start,
-            place.samples,
-            place.end,
-            place.points,
-            place.entries,
-            header.samplingInterval,
-            {},
-            {},
-            {},
-            place.entries > 0 ? header.samplingInterval / place.entries : 0};
+    CorvantisEpochInfo info = {place.start,
+                               place.samples,
+                               place.end,
+                               place.points,
+                               place.entries,
+                               header.samplingInterval,
+                               {},
+                               {},
+                               {},
+                               place.entries > 0 ? header.samplingInterval / place.entries : 0,
+                               DigestOf(header)};
     for (int32_t entry = 0; entry < CORVANTIS_ENTRIES; ++entry) {
         const bool isThere = entry < place.entries;
         const uint32_t word = header.channelSequence[entry];
@@ -40,9 +78,9 @@ void DescribeEpoch(const EpochReading& reading, CorvantisEpochInfo& info) {
         info.inputs[entry] = isThere ? InputOf(word) : -1;
         info.outputs[entry] = isThere ? OutputOf(word) : -1;
     }
+    return info;
 }
 
-}  // namespace
 }  // namespace corvantis::reading
 
 using namespace corvantis::reading;
@@ -70,7 +108,7 @@ int32_t CorvantisEpoch(const CorvantisRecording* recording, int64_t epoch, Corva
                      [&](const Contents&, const FileView&, const EpochReading& reading,
                          const Reporter& reporter) -> int32_t {
                          if (info == nullptr) return Missing(reporter);
-                         DescribeEpoch(reading, *info);
+                         *info = InfoOf(reading);
                          return CORVANTIS_SUCCESS;
                      });
 }
@@ -101,26 +139,16 @@ int32_t CorvantisParameters(const CorvantisRecording* recording, int64_t epoch, 
 int32_t CorvantisStimulusJson(const CorvantisRecording* recording, int64_t epoch, int32_t entry,
                               char* text, int64_t capacity, int64_t* length,
                               CorvantisProblem* problem) {
-    return WithEpoch(
-        recording, epoch, Depth::kRecords, problem,
-        [&](const Contents& contents, const FileView&, const EpochReading& reading,
-            const Reporter& reporter) -> int32_t {
-            const Stimulus* stimulus = Choose(reading.content, entry, -1);
-            if (length == nullptr || stimulus == nullptr) {
-                return reporter.ReportEpoch(CORVANTIS_BAD_ARGUMENT, epoch, -1,
-                                            Say("has no entry ", entry));
-            }
-            const Scale scale = StimulusScale(contents.Moment().header, reading.content.header,
-                                              static_cast<size_t>(entry));
-            const std::string json = StimulusJson(*stimulus, scale);
-            *length = static_cast<int64_t>(json.size());
-            if (text == nullptr || *length >= capacity) {
-                return reporter.ReportEpoch(CORVANTIS_BAD_ARGUMENT, epoch, -1,
-                                            Say("needs room for ", *length + 1, " bytes of JSON"));
-            }
-            std::memcpy(text, json.c_str(), json.size() + 1);
-            return CORVANTIS_SUCCESS;
-        });
+    return SayOfStimulus(recording, epoch, entry, {text, capacity, length}, problem,
+                         [](const Stimulus& stimulus, const Scale& scale, int32_t) {
+                             return StimulusJson(stimulus, scale);
+                         });
+}
+
+int32_t CorvantisStimulusWords(const CorvantisRecording* recording, int64_t epoch, int32_t entry,
+                               char* text, int64_t capacity, int64_t* length,
+                               CorvantisProblem* problem) {
+    return SayOfStimulus(recording, epoch, entry, {text, capacity, length}, problem, StimulusWords);
 }
 
 int32_t CorvantisScale(const CorvantisRecording* recording, int64_t epoch, int32_t entry,

@@ -27,25 +27,57 @@ int32_t TakeSnapshot(const ByteSource& source, const Reporter& reporter, Snapsho
     return CORVANTIS_SUCCESS;
 }
 
-int32_t Fill(CorvantisRecording& recording, CorvantisProblem* problem) {
+// By what is known from before, or null.
+int32_t Fill(CorvantisRecording& recording, const Known* known, CorvantisProblem* problem) {
     CorvantisProblem said = {CORVANTIS_FILE_ERROR, 0, -1, {}};
     const Reporter reporter(recording.name, &said);
     Snapshot snapshot;
     int32_t result = TakeSnapshot(recording.source, reporter, snapshot);
     if (result == CORVANTIS_SUCCESS) {
         recording.contents =
-            Contents::Examine(recording.source, recording.name, snapshot, reporter);
+            known == nullptr
+                ? Contents::Examine(recording.source, recording.name, snapshot, reporter)
+                : Contents::Recall(recording.source, recording.name, snapshot, *known, reporter);
         if (!recording.contents) result = said.code;
     }
     if (result != CORVANTIS_SUCCESS && problem != nullptr) *problem = said;
     return result;
 }
 
-int32_t Open(std::unique_ptr<CorvantisRecording> recording, CorvantisRecording** opened,
-             CorvantisProblem* problem) {
-    const int32_t result = Fill(*recording, problem);
+int32_t Open(std::unique_ptr<CorvantisRecording> recording, const Known* known,
+             CorvantisRecording** opened, CorvantisProblem* problem) {
+    const int32_t result = Fill(*recording, known, problem);
     if (result == CORVANTIS_SUCCESS) *opened = recording.release();
     return result;
+}
+
+int32_t OpenPath(const char* path, const Known* known, CorvantisRecording** recording,
+                 CorvantisProblem* problem) {
+    const Reporter reporter(path == nullptr ? "" : path, problem);
+    if (path == nullptr || recording == nullptr) return Missing(reporter);
+    *recording = nullptr;
+    return Guarded(reporter, [&]() -> int32_t {
+        auto opened = std::make_unique<CorvantisRecording>();
+        opened->name = path;
+        const OpenedFile file = OpenFile(path);
+        if (!file.isOpen) return reporter.Report(CORVANTIS_FILE_ERROR, -1, file.refusal);
+        opened->source = file.source;
+        return Open(std::move(opened), known, recording, problem);
+    });
+}
+
+int32_t OpenSource(const CorvantisSource* source, const char* name, const Known* known,
+                   CorvantisRecording** recording, CorvantisProblem* problem) {
+    const Reporter reporter(name == nullptr ? "" : name, problem);
+    const bool isWhole = source != nullptr && source->size != nullptr && source->read != nullptr;
+    if (!isWhole || name == nullptr || recording == nullptr) return Missing(reporter);
+    *recording = nullptr;
+    return Guarded(reporter, [&]() -> int32_t {
+        auto opened = std::make_unique<CorvantisRecording>();
+        opened->name = name;
+        opened->source.source = *source;
+        return Open(std::move(opened), known, recording, problem);
+    });
 }
 
 bool IsUnchanged(const Snapshot& a, const Snapshot& b) {
@@ -79,31 +111,23 @@ int32_t Refresh(CorvantisRecording& recording, const Reporter& reporter) {
 using namespace corvantis::reading;
 
 int32_t CorvantisOpen(const char* path, CorvantisRecording** recording, CorvantisProblem* problem) {
-    const Reporter reporter(path == nullptr ? "" : path, problem);
-    if (path == nullptr || recording == nullptr) return Missing(reporter);
-    *recording = nullptr;
-    return Guarded(reporter, [&]() -> int32_t {
-        auto opened = std::make_unique<CorvantisRecording>();
-        opened->name = path;
-        const OpenedFile file = OpenFile(path);
-        if (!file.isOpen) return reporter.Report(CORVANTIS_FILE_ERROR, -1, file.refusal);
-        opened->source = file.source;
-        return Open(std::move(opened), recording, problem);
-    });
+    return OpenPath(path, nullptr, recording, problem);
 }
 
 int32_t CorvantisOpenSource(const CorvantisSource* source, const char* name,
                             CorvantisRecording** recording, CorvantisProblem* problem) {
+    return OpenSource(source, name, nullptr, recording, problem);
+}
+
+int32_t CorvantisOpenKnown(const char* name, const CorvantisSource* source,
+                           const CorvantisRecordingInfo* known, const CorvantisPlace* places,
+                           int64_t count, CorvantisRecording** recording,
+                           CorvantisProblem* problem) {
     const Reporter reporter(name == nullptr ? "" : name, problem);
-    const bool isWhole = source != nullptr && source->size != nullptr && source->read != nullptr;
-    if (!isWhole || name == nullptr || recording == nullptr) return Missing(reporter);
-    *recording = nullptr;
-    return Guarded(reporter, [&]() -> int32_t {
-        auto opened = std::make_unique<CorvantisRecording>();
-        opened->name = name;
-        opened->source.source = *source;
-        return Open(std::move(opened), recording, problem);
-    });
+    if (known == nullptr || count < 0 || (count > 0 && places == nullptr)) return Missing(reporter);
+    const Known all = {*known, {places, static_cast<size_t>(count)}};
+    return source == nullptr ? OpenPath(name, &all, recording, problem)
+                             : OpenSource(source, name, &all, recording, problem);
 }
 
 int32_t CorvantisRefresh(CorvantisRecording* recording, CorvantisProblem* problem) {
@@ -117,8 +141,9 @@ void CorvantisClose(CorvantisRecording* recording) { delete recording; }
 int32_t CorvantisInfo(const CorvantisRecording* recording, CorvantisRecordingInfo* info) {
     if (recording == nullptr || info == nullptr) return CORVANTIS_BAD_ARGUMENT;
     const Contents& contents = *recording->contents;
-    *info = {contents.Moment().size, contents.Count(), contents.TablePosition(),
-             contents.Moment().header.version, contents.Found()};
+    *info = {contents.Moment().size,   contents.Count(),
+             contents.TablePosition(), contents.Moment().header.version,
+             contents.Found(),         DigestOf(contents.Moment().header)};
     return CORVANTIS_SUCCESS;
 }
 

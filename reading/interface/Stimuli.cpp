@@ -2,25 +2,13 @@
 #include "stimuli/Stimuli.h"
 #include "ITCUtilities/Random/GnuRandom.h"
 #include "interface/Boundary.h"
+#include "interface/Doubts.h"
 #include "interface/Target.h"
 #include "stimuli/Computation.h"
 #include "units/Scale.h"
 
 namespace corvantis::reading {
 namespace {
-
-CorvantisDoubt WholeDoubt(const EpochContent& content, const NoiseHistory& history, int64_t number,
-                          int32_t entry) {
-    CorvantisDoubt doubt = history.DoubtOf(number, entry);
-    const Entries chosen = Chosen(entry, static_cast<int32_t>(content.stimuli.size()));
-    for (int32_t k = chosen.first; k < chosen.first + chosen.count; ++k) {
-        const int32_t type = content.stimuli[static_cast<size_t>(k)].type;
-        if (type != ITC_STIMULUS_DYNAMIC_CLAMP) continue;
-        doubt = {CORVANTIS_FOLLOWED_CELL, -1, {}};
-        StoreText(RowOf(type).caveat.Get(), doubt.text);
-    }
-    return doubt;
-}
 
 int32_t CheckComputable(const EpochReading& reading, const Entries& chosen,
                         const Reporter& reporter) {
@@ -67,10 +55,9 @@ int32_t GiveStimulus(const CorvantisRecording* recording, int64_t epoch, Target<
                          if (view.Fault() != ReadFault::kNone) return reporter.ReportFault(view);
                          int32_t result = CheckTarget(reading.place, target, reporter);
                          if (result != CORVANTIS_SUCCESS) return result;
-                         const NoiseHistory* history = contents.History(reporter);
+                         const NoiseHistory* history = HistoryOf(contents, reading, reporter);
                          if (history == nullptr) return CORVANTIS_FILE_ERROR;
-                         if (doubt != nullptr)
-                             *doubt = WholeDoubt(reading.content, *history, epoch, target.entry);
+                         if (doubt != nullptr) *doubt = DoubtOf(reading, *history, target.entry);
                          const Entries chosen = Chosen(target.entry, reading.place.entries);
                          result = CheckComputable(reading, chosen, reporter);
                          if (result != CORVANTIS_SUCCESS || target.count == 0) return result;

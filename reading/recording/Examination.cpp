@@ -92,7 +92,8 @@ bool Contents::Refuse(const FileView& view, const Reporter& reporter) const {
     return true;
 }
 
-bool Contents::IsSoundByTable(const FileView& view) {
+// Whether the header has room for the table that it tells of.
+bool Contents::TakeTable(const FileView& view) {
     const int64_t count = snapshot_.header.numEpochs;
     const int64_t place = count == 0 ? kFirstEpoch : view.RecordedTablePosition();
     const int64_t most = (place - kFirstEpoch) / kEpochHeaderSize;
@@ -102,6 +103,12 @@ bool Contents::IsSoundByTable(const FileView& view) {
     tablePosition_ = place;
     starts_ = std::make_unique<Remembered>(count);
     digests_ = std::make_unique<Remembered>(count);
+    return true;
+}
+
+bool Contents::IsSoundByTable(const FileView& view) {
+    if (!TakeTable(view)) return false;
+    const int64_t count = count_;
     if (count == 0) return view.Size() == kFirstEpoch;
     EpochReading reading;
     return FindByTable(view, 0, Depth::kHeader, reading) && reading.place.start == kFirstEpoch &&
@@ -114,7 +121,6 @@ bool Contents::AddByWalking(const Reporter& reporter) {
     count_ = walked->numbers;
     tablePosition_ = walked->survey.tablePosition;
     starts_.reset();
-    digests_ = std::make_unique<Remembered>(static_cast<int64_t>(walked->survey.epochs.size()));
     return true;
 }
 

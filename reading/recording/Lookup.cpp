@@ -99,6 +99,9 @@ int32_t Contents::Find(const FileView& view, int64_t number, Depth depth, EpochR
             CORVANTIS_BAD_ARGUMENT, number, -1,
             "the recording has " + std::to_string(count_) + " epochs, counted from 0");
     }
+    if (const CorvantisPlace* place = KnownPlace(number)) {
+        return FindByPlace(view, *place, depth, reading, reporter);
+    }
     if (isByTable_ && FindByTable(view, number, depth, reading)) {
         if (IsAsBefore(number, reading)) return CORVANTIS_SUCCESS;
         return reporter.ReportEpoch(CORVANTIS_CHANGED, number, reading.place.start,
@@ -120,6 +123,9 @@ const Walked* Contents::Walk(const Reporter& reporter) const {
     if (view.Fault() != ReadFault::kNone) {
         reporter.ReportFault(view);
         return nullptr;
+    }
+    if (!isByTable_) {
+        digests_ = std::make_unique<Remembered>(static_cast<int64_t>(walked->survey.epochs.size()));
     }
     walked_ = std::move(walked);
     isWalked_.store(walked_.get(), std::memory_order_release);

@@ -4,12 +4,14 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "ITCUtilities/Mutex.h"
 #include "bytes/FileView.h"
 #include "epochs/EpochLayout.h"
+#include "recording/HeaderDigest.h"
 #include "recording/Problem.h"
 #include "stimuli/NoiseHistory.h"
 #include "survey/Findings.h"
@@ -40,6 +42,12 @@ class Remembered {
     mutable std::vector<std::atomic<uint32_t>> values_;
 };
 
+// From an earlier opening; the places by ascending numbers.
+struct Known {
+    CorvantisRecordingInfo info = {};
+    std::span<const CorvantisPlace> places;
+};
+
 // A recording as it was at one moment. But for what is found out late, and then stays, it is
 // constant: any number of threads may read from it.
 class Contents {
@@ -47,6 +55,11 @@ class Contents {
     // Examines what the snapshot says of the file; null for what cannot be read or is no recording.
     static std::unique_ptr<Contents> Examine(const ByteSource& source, const std::string& name,
                                              const Snapshot& snapshot, const Reporter& reporter);
+
+    // Takes what is known from before instead of examining; null if the snapshot is another one.
+    static std::unique_ptr<Contents> Recall(const ByteSource& source, const std::string& name,
+                                            const Snapshot& snapshot, const Known& known,
+                                            const Reporter& reporter);
 
     const Snapshot& Moment() const { return snapshot_; }
     const std::string& Name() const { return name_; }
@@ -71,7 +84,11 @@ class Contents {
 
   private:
     Contents(const ByteSource& source, std::string name, const Snapshot& snapshot);
+    bool TakeTable(const FileView& view);
     bool IsSoundByTable(const FileView& view);
+    const CorvantisPlace* KnownPlace(int64_t number) const;
+    int32_t FindByPlace(const FileView& view, const CorvantisPlace& place, Depth depth,
+                        EpochReading& reading, const Reporter& reporter) const;
     bool Refuse(const FileView& view, const Reporter& reporter) const;
     bool AddByWalking(const Reporter& reporter);
     bool FindByTable(const FileView& view, int64_t number, Depth depth,
@@ -90,8 +107,9 @@ class Contents {
     bool isByTable_ = false;
     int64_t count_ = 0;
     int64_t tablePosition_ = 0;
-    std::unique_ptr<Remembered> starts_;   // of epochs, by the table
-    std::unique_ptr<Remembered> digests_;  // of headers that were read
+    std::vector<CorvantisPlace> places_;           // of epochs, known from before
+    std::unique_ptr<Remembered> starts_;           // of epochs, by the table
+    mutable std::unique_ptr<Remembered> digests_;  // of headers that were read
     mutable Mutex mutex_;
     mutable std::unique_ptr<Walked> walked_;
     mutable std::atomic<const Walked*> isWalked_ = nullptr;

@@ -2,8 +2,9 @@
 import sys
 
 from .commands import families, nwb, plot
+from .index_command import index
 
-COMMANDS = {"plot": plot, "families": families, "nwb": nwb}
+COMMANDS = {"plot": plot, "families": families, "nwb": nwb, "index": index}
 
 
 def main() -> int:

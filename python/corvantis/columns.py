@@ -47,9 +47,9 @@ def _with_texts(rows: Any, fields: Sequence[Field]) -> Any:
     return wider
 
 
-def read_columns(handle: Handle, names: Sequence[str], first: int, count: int | None) -> Any:
-    """Fields of epochs, in one pass over the file; see `Recording.columns`."""
-    fields, epochs = _fields(names), handle.epochs()
+def read_bytes(handle: Handle, fields: Sequence[Field], first: int, count: int | None) -> Any:
+    """As `read_columns`, with texts as the bytes that they are in the file."""
+    epochs = handle.epochs()
     count = max(epochs - first, 0) if count is None else count
     if not 0 <= first <= first + count <= epochs:
         raise IndexError(f"no epochs {first} to {first + count}: the file has {epochs}")
@@ -63,4 +63,10 @@ def read_columns(handle: Handle, names: Sequence[str], first: int, count: int | 
         handle.call(handle.library.CorvantisColumns, first, count, ctypes.addressof(columns),
                     len(fields), missing.ctypes.data)
     rows[MISSING] = missing
-    return _with_texts(rows, fields)
+    return rows
+
+
+def read_columns(handle: Handle, names: Sequence[str], first: int, count: int | None) -> Any:
+    """Fields of epochs, in one pass over the file; see `Recording.columns`."""
+    fields = _fields(names)
+    return _with_texts(read_bytes(handle, fields, first, count), fields)

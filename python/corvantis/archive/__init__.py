@@ -8,9 +8,14 @@
 
 Needs what `pip install corvantis[archive]` installs, and for a cluster `corvantis[cluster]`.
 """
-from .catalogue import Catalogue
-from .catalogue import open_catalogue as open
-from .indexing import IndexSummary, index
-from .mapping import map, map_to
+from .needs import require
+
+require("archive")
+
+from .catalogue import Catalogue    # noqa: E402
+from .catalogue import open_catalogue as open     # noqa: E402
+from .indexing import IndexSummary, index     # noqa: E402
+from .locations import open_ranges      # noqa: E402
+from .mapping import map, map_to        # noqa: E402
 
 __all__ = ["Catalogue", "IndexSummary", "index", "map", "map_to", "open"]

@@ -57,7 +57,7 @@ def open_known(root: Root, row: Mapping[str, Any], rows: pa.Table) -> Recording:
     if row["problem"] is not None:
         return Recording(root.source(now))      # says it again, unless it has passed
     known = FoundFile(row["file"], row["size"], row["modified"], row["tag"])
-    if now != known:
+    if not now.may_be(known):
         path = f"{root.name}/{now.file}"
         raise CorvantisError(CHANGED, path, f"{path}: not the file that was indexed: {now.size} "
                              f"bytes instead of {known.size}, or modified since; index it again")

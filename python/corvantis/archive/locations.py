@@ -32,6 +32,13 @@ class FoundFile(NamedTuple):
     modified: int | None
     tag: str
 
+    def may_be(self, other: FoundFile) -> bool:
+        """Whether nothing that is known of both speaks against their being the same; they may be
+        reached in different ways, which tell different things."""
+        return (self.size == other.size
+                and (None in (self.modified, other.modified) or self.modified == other.modified)
+                and ("" in (self.tag, other.tag) or self.tag == other.tag))
+
 
 class Ranges(io.RawIOBase):
     """A remote file of which only what is read is fetched.

@@ -23,7 +23,7 @@ class Description:
             for a damaged epoch.
         doubts: highest doubt about its stimulus; NOT_COMPUTED where there is none to be had.
         missing: whether the epoch is damaged.
-        texts: of each subject the texts in UTF-8 without anything between them, and where each ends.
+        texts: of each subject the texts in UTF-8 with nothing between them, and where each ends.
     """
 
     infos: Any

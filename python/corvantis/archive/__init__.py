@@ -18,4 +18,4 @@ from .indexing import IndexSummary, index     # noqa: E402
 from .locations import open_ranges      # noqa: E402
 from .mapping import map, map_to        # noqa: E402
 
-__all__ = ["Catalogue", "IndexSummary", "index", "map", "map_to", "open"]
+__all__ = ["Catalogue", "IndexSummary", "index", "map", "map_to", "open", "open_ranges"]

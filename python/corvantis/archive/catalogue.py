@@ -1,7 +1,6 @@
 """A catalogue that is open for questions, and for the epochs that are the answers."""
 from __future__ import annotations
 
-import ctypes
 import os
 from collections.abc import Iterable, Iterator, Mapping
 from functools import cached_property
@@ -183,7 +182,7 @@ def quoted_names(names: Iterable[str]) -> list[str]:
 
 def _pairs(rows: Any) -> Iterable[tuple[str, int]]:
     if isinstance(rows, duckdb.DuckDBPyRelation):
-        return rows.select("file", "epoch").fetchall()
+        return list(rows.select("file", "epoch").fetchall())
     if hasattr(rows, "columns"):        # of an Arrow table or a pandas frame
         return zip(*(getattr(rows[name], "to_pylist", lambda column=rows[name]: list(column))()
                      for name in ("file", "epoch")))

@@ -16,7 +16,7 @@ from .catalogue import PLACE, Catalogue, open_catalogue, open_known
 from .locations import Root
 from .needs import require
 from .terminal import Progress
-from .transport import from_bytes, to_bytes, write_whole
+from .transport import from_bytes, to_bytes
 from .work import Failure, Task, run
 
 Function = Callable[[Recording, "pa.Table"], Any]
@@ -99,10 +99,10 @@ class _Tasks:
             rows = self._catalogue.table(
                 f"SELECT * FROM epochs WHERE ({self._where}) AND file BETWEEN ? AND ? "
                 "ORDER BY file, epoch", [batch[0]["file"], batch[-1]["file"]])
-            names = rows["file"].to_numpy()
+            names: Any = rows["file"].to_numpy()
             for row in batch:
-                first, end = (int(np.searchsorted(names, row["file"], side))
-                              for side in ("left", "right"))
+                first = int(np.searchsorted(names, row["file"]))
+                end = int(np.searchsorted(names, row["file"], "right"))
                 mine = rows.slice(first, end - first)
                 chosen = mine.select(self._columns) if self._columns else mine
                 yield Task(number, (self._function, self._catalogue.root, row,

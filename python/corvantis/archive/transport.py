@@ -16,7 +16,7 @@ def to_bytes(*tables: pa.Table) -> bytes:
     for table in tables:
         with pa.ipc.new_stream(sink, table.schema, options=OPTIONS) as writer:
             writer.write_table(table)
-    return sink.getvalue().to_pybytes()
+    return bytes(sink.getvalue())
 
 
 def from_bytes(data: bytes | pa.Buffer, count: int = 1) -> list[pa.Table]:

@@ -59,6 +59,7 @@ class Workers(Protocol):
 
     def wait(self, pending: Iterable[Any]) -> list[Any]:
         """Those of the pending ones that are done; at least one."""
+        ...
 
     def result(self, future: Any) -> Any:
         """Its result; raises Lost or Again, or what the task raised."""

@@ -93,7 +93,7 @@ def test_a_killed_run_loses_the_file_in_work_alone(archive, tmp_path):
     running.wait()
     kept = len(list(pieces.glob("*.arrow")))
     assert kept < 150
-    assert open_catalogue(tmp_path / "c").query("SELECT count(*) FROM files").fetchall()[0] == (kept,)
+    assert open_catalogue(tmp_path / "c").query("SELECT count(*) FROM files").fetchall() == [(kept,)]
     assert index(archive, tmp_path / "c", processes=1).unchanged == kept
     assert index(archive, tmp_path / "d", processes=1).read == 154
     both = [rows(open_catalogue(tmp_path / name), "file", "epoch", "digest") for name in "cd"]
@@ -141,7 +141,7 @@ def test_a_changed_file_is_noticed(catalogue, archive, place, keep_time):
 def test_the_command_says_what_is_wrong(archive, tmp_path, capsys):
     assert command([str(archive), "-o", str(tmp_path / "c"), "--processes", "1"]) == 1
     said = capsys.readouterr().out.splitlines()
-    assert said[0].startswith("damaged.dat: 300 epochs, 2 damaged, 2 findings: epoch 22, 1344 bytes")
+    assert said[0].startswith("damaged.dat: 300 epochs, 2 damaged, 2 findings: epoch 22, 1344 ")
     assert said[-1] == ("4 files with 358 epochs: 4 read, 0 unchanged, 0 gone, 1 with findings, "
                         "1 no recordings")
     assert command([str(archive / "none"), "-o", str(tmp_path / "d")]) == 2

@@ -101,6 +101,35 @@ void ReadColumns(const CorvantisRecording* recording) {
                      missing.data(), nullptr);
 }
 
+void ReadTexts(const CorvantisRecording* recording) {
+    std::array<char, 3000> room;
+    std::array<int64_t, kMostEpochs> ends;
+    std::array<CorvantisTexts, CORVANTIS_SAY_DAMAGE + 1> texts;
+    for (int32_t subject = 0; subject <= CORVANTIS_SAY_DAMAGE; ++subject) {
+        texts[static_cast<size_t>(subject)] = {subject, room.data(), std::ssize(room), ends.data()};
+    }
+    std::array<uint8_t, kMostEpochs> missing;
+    std::array<int32_t, kMostEpochs> doubts;
+    for (const CorvantisTexts& each : texts) {
+        int64_t described = 0;
+        CorvantisDescribe(recording, 0, std::min(CorvantisEpochs(recording), kMostEpochs), &each, 1,
+                          nullptr, doubts.data(), missing.data(), &described, nullptr);
+    }
+}
+
+// Whatever was found must be found again by what is known of it.
+void Recall(const CorvantisRecording* recording, const CorvantisSource& source) {
+    CorvantisRecordingInfo info;
+    CorvantisEpochInfo epoch;
+    if (CorvantisInfo(recording, &info) != CORVANTIS_SUCCESS || info.epochs < 1) return;
+    if (CorvantisEpoch(recording, info.epochs - 1, &epoch, nullptr) != CORVANTIS_SUCCESS) return;
+    const CorvantisPlace place = {info.epochs - 1, epoch.start, epoch.end, epoch.digest};
+    CorvantisRecording* recalled = nullptr;
+    CorvantisOpenKnown("memory", &source, &info, &place, 1, &recalled, nullptr);
+    if (recalled != nullptr) ReadEpoch(recalled, info.epochs - 1);
+    CorvantisClose(recalled);
+}
+
 void ReadFindings(const CorvantisRecording* recording) {
     int64_t count = 0;
     CorvantisFinding finding;
@@ -133,7 +162,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const int64_t epochs = CorvantisEpochs(recording);
     for (int64_t epoch = std::min(epochs, kMostEpochs); epoch-- > 0;) ReadEpoch(recording, epoch);
     ReadColumns(recording);
+    ReadTexts(recording);
     ReadFindings(recording);
+    Recall(recording, source);
     memory.size = static_cast<int64_t>(size - 2);
     CorvantisRefresh(recording, nullptr);
     ReadEpoch(recording, CorvantisEpochs(recording) - 1);

@@ -269,7 +269,9 @@ def run(function: Callable[..., Any], tasks: Iterable[Task], *, scheduler: str |
     Yields:
         Key and result of each task, or a Failure, in the order in which they come.
     """
-    workers: Workers = Cluster(scheduler) if scheduler else Processes(processes)
+    workers: Workers = Processes(processes)
+    if scheduler:
+        workers = Cluster(scheduler)
     try:
         yield from _Run(workers, function, retries).results(tasks)
     finally:

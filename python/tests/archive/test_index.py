@@ -93,7 +93,8 @@ def test_a_killed_run_loses_the_file_in_work_alone(archive, tmp_path):
     running.wait()
     kept = len(list(pieces.glob("*.arrow")))
     assert kept < 150
-    assert open_catalogue(tmp_path / "c").query("SELECT count(*) FROM files").fetchall() == [(kept,)]
+    catalogue = open_catalogue(tmp_path / "c")
+    assert catalogue.query("SELECT count(*) FROM files").fetchall() == [(kept,)]
     assert index(archive, tmp_path / "c", processes=1).unchanged == kept
     assert index(archive, tmp_path / "d", processes=1).read == 154
     both = [rows(open_catalogue(tmp_path / name), "file", "epoch", "digest") for name in "cd"]

@@ -1,4 +1,5 @@
 // What there is to say of many epochs, in one pass.
+#include <algorithm>
 #include <cstring>
 #include <string>
 
@@ -29,10 +30,9 @@ struct Wanted {
     bool doubts;
 
     bool Has(int32_t subject) const {
-        for (const CorvantisTexts& each : texts) {
-            if (each.subject == subject) return true;
-        }
-        return false;
+        return std::any_of(texts.begin(), texts.end(), [subject](const CorvantisTexts& each) {
+            return each.subject == subject;
+        });
     }
 };
 
@@ -105,15 +105,11 @@ bool Store(const Wanted& wanted, int64_t index, Description& description) {
     return true;
 }
 
-bool AreTexts(std::span<const CorvantisTexts> texts) {
-    for (const CorvantisTexts& each : texts) {
-        if (each.subject < CORVANTIS_SAY_STIMULUS || each.subject > CORVANTIS_SAY_DAMAGE) {
-            return false;
-        }
-        if (each.ends == nullptr || each.capacity < 0) return false;
-        if (each.text == nullptr && each.capacity > 0) return false;
-    }
-    return true;
+bool IsText(const CorvantisTexts& each) {
+    const bool isSubject =
+        each.subject >= CORVANTIS_SAY_STIMULUS && each.subject <= CORVANTIS_SAY_DAMAGE;
+    const bool hasRoom = each.capacity == 0 || (each.capacity > 0 && each.text != nullptr);
+    return isSubject && hasRoom && each.ends != nullptr;
 }
 
 }  // namespace
@@ -131,7 +127,10 @@ int32_t CorvantisDescribe(const CorvantisRecording* recording, int64_t first, in
             if (!areThere || missing == nullptr || described == nullptr) return Missing(reporter);
             Wanted wanted = {{texts, static_cast<size_t>(count)}, doubts != nullptr};
             wanted.doubts = wanted.doubts || wanted.Has(CORVANTIS_SAY_DOUBT);
-            if (!AreTexts(wanted.texts)) return Missing(reporter);
+            if (!std::all_of(wanted.texts.begin(), wanted.texts.end(), IsText)) {
+                return reporter.Report(CORVANTIS_BAD_ARGUMENT, -1,
+                                       "a text has no subject or no room");
+            }
             if (const int32_t wrong = CheckEpochs(contents, first, epochs, reporter)) return wrong;
             const FileView view = contents.View();
             for (*described = 0; *described < epochs; ++*described) {

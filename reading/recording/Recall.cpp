@@ -53,7 +53,7 @@ const CorvantisPlace* Contents::KnownPlace(int64_t number) const {
 }
 
 int32_t Contents::FindByPlace(const FileView& view, const CorvantisPlace& place, Depth depth,
-                              EpochReading& reading, const Reporter& reporter) const {
+                              EpochReading& reading, const Reporter& reporter) {
     view.Expect(place.start, place.end - place.start);
     reading = ReadEpochAt(view, place.start, depth);
     reading.place.number = place.epoch;

@@ -87,8 +87,8 @@ class Contents {
     bool TakeTable(const FileView& view);
     bool IsSoundByTable(const FileView& view);
     const CorvantisPlace* KnownPlace(int64_t number) const;
-    int32_t FindByPlace(const FileView& view, const CorvantisPlace& place, Depth depth,
-                        EpochReading& reading, const Reporter& reporter) const;
+    static int32_t FindByPlace(const FileView& view, const CorvantisPlace& place, Depth depth,
+                               EpochReading& reading, const Reporter& reporter);
     bool Refuse(const FileView& view, const Reporter& reporter) const;
     bool AddByWalking(const Reporter& reporter);
     bool FindByTable(const FileView& view, int64_t number, Depth depth,

@@ -50,9 +50,9 @@ def made_synthetic(folder, archive):
     from corvantis.archive.store import TABLES, Manifest, Store, _Writer
     from corvantis.archive.transport import from_bytes
     store = Store(folder / "synthetic")
-    if not store.folder.exists():
-        root = Root(str(archive))
-        store.create(root.name)
+    root = Root(str(archive))
+    store.create(root.name)
+    if not store.manifest().parts:
         tables = from_bytes(read_file(root.name, next(root.files()), False), len(TABLES))
         writer = _Writer(store.folder / "parts")
         for number in range(SYNTHETIC):
@@ -159,7 +159,7 @@ def questions(folder, archive):
              "'day050/cell05000.dat'"),
             ("files with a stimulus", "SELECT file, count(*) FROM epochs WHERE "
              "stimulus LIKE 'pulse 100 pA%' GROUP BY file")):
-        took = [timed(catalogue.query(sql).fetchall) for _ in range(REPETITIONS)]
+        took = [timed(lambda: catalogue.query(sql).fetchall()) for _ in range(REPETITIONS)]
         say(f"10 million epochs: {text} [s]: median", f"{statistics.median(took):.3f}")
 
 

@@ -12,7 +12,7 @@ import pyarrow as pa
 import pyarrow.parquet as pq
 
 from ..recording import Recording
-from .catalogue import PLACE, Catalogue, open_catalogue, open_known
+from .catalogue import PLACE, Catalogue, open_catalogue, open_known, quoted_names
 from .locations import Root
 from .needs import require
 from .terminal import Progress
@@ -95,14 +95,16 @@ class _Tasks:
 
     def __iter__(self) -> Iterator[Task]:
         number = 0
+        names = dict.fromkeys(["file", *PLACE, *self._columns])
+        wanted = ", ".join(quoted_names(names)) if self._columns else "*"
         for batch in self._batches():
             rows = self._catalogue.table(
-                f"SELECT * FROM epochs WHERE ({self._where}) AND file BETWEEN ? AND ? "
+                f"SELECT {wanted} FROM epochs WHERE ({self._where}) AND file BETWEEN ? AND ? "
                 "ORDER BY file, epoch", [batch[0]["file"], batch[-1]["file"]])
-            names: Any = rows["file"].to_numpy()
+            files: Any = rows["file"].to_numpy()
             for row in batch:
-                first = int(np.searchsorted(names, row["file"]))
-                end = int(np.searchsorted(names, row["file"], "right"))
+                first = int(np.searchsorted(files, row["file"]))
+                end = int(np.searchsorted(files, row["file"], "right"))
                 mine = rows.slice(first, end - first)
                 chosen = mine.select(self._columns) if self._columns else mine
                 yield Task(number, (self._function, self._catalogue.root, row,

@@ -9,4 +9,4 @@ EXTRAS = {"archive": ("pyarrow", "duckdb", "fsspec", "loky"), "cluster": ("distr
 def require(extra: str) -> None:
     """Raise ImportError, which says what to install, unless all of an extra is there."""
     if missing := [name for name in EXTRAS[extra] if importlib.util.find_spec(name) is None]:
-        raise ImportError(f"{missing[0]} is missing; pip install corvantis[{extra}]")
+        raise ImportError(f"{missing[0]} is not installed; it comes with corvantis[{extra}]")

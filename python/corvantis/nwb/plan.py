@@ -18,7 +18,6 @@ from ..errors import CorvantisError
 from ..interface import EPOCH_HEADER, NO_STIMULUS, DoubtReason
 from ..recording import Recording
 from ..records import fields_of
-from ..table import in_words
 from ..units import Scale
 from .clamp import (PLAIN, SI_UNITS, Clamp, clamp_of, contradiction, has_no_stimulus,
                     is_dynamic_clamp)
@@ -119,8 +118,7 @@ class _Entry:
         self.clamp: Clamp = clamp_of(epoch, entry, metadata.modes)
         self.electrode = epoch.input_channels[entry] if self.clamp.is_patch else None
         self.start = metadata.seconds(epoch) + epoch.entry_delays[entry]
-        self.words = in_words(epoch.parameters[entry], epoch.stimulus_scales[entry],
-                              epoch.header.samplingInterval)
+        self.words = epoch.stimulus_words[entry]
         self.doubt, self.problem = "", ""
         try:
             doubt = epoch.entry_doubt(entry)

@@ -30,8 +30,8 @@ def record(folder):
 
 
 def as_rows(schema):
-    return "".join(f"| `{field.name}` | {field.type} | {field.metadata[columns.MEANING].decode()} |\n"
-                   for field in schema)
+    return "".join(f"| `{each.name}` | {each.type} | {each.metadata[columns.MEANING].decode()} |\n"
+                   for each in schema)
 
 
 def test_the_page_runs(tmp_path, build, monkeypatch):

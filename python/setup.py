@@ -1,7 +1,7 @@
 """A wheel that carries the library belongs to one platform, and to any Python 3 there.
 
-scripts/build-wheel puts the library into the package, and the command-line tool beside it, before it
-calls this.
+scripts/build-wheel puts the library into the package, and the command-line tool beside it, before
+it calls this.
 """
 from pathlib import Path
 

@@ -215,15 +215,22 @@ class Epoch:
         Warns:
             CorvantisWarning: where the noise may be another one than was played.
         """
+        values, doubt = self.compute_stimulus(first, count, entry, raw)
+        if doubt is not None and doubt.reason in (DoubtReason.BEGAN_BEFORE_FILE,
+                                                  DoubtReason.BEHIND_UNKNOWN):
+            warnings.warn(f"{self.recording.handle.name}: epoch {self.number}: {doubt.text}",
+                          CorvantisWarning, stacklevel=3)
+        return values
+
+    def compute_stimulus(self, first: int = 0, count: int | None = None, entry: int | None = None,
+                         raw: bool = False) -> tuple[Any, Doubt | None]:
+        """As `read_stimulus`, with the doubt instead of a warning."""
         handle, doubt = self.recording.handle, DoubtRecord()
         values = room(self._shape, first, count, entry, raw)
         fill(handle, handle.library.CorvantisStimulus if raw else
              handle.library.CorvantisStimulusValues, self.number, values, entry, first,
              ctypes.addressof(doubt))
-        if doubt.reason in (DoubtReason.BEGAN_BEFORE_FILE, DoubtReason.BEHIND_UNKNOWN):
-            warnings.warn(f"{handle.name}: epoch {self.number}: {doubt.text.decode()}",
-                          CorvantisWarning, stacklevel=3)
-        return values
+        return values, _as_doubt(doubt)
 
     @lazy
     def doubt(self) -> Doubt | None:
@@ -239,10 +246,7 @@ class Epoch:
         handle, doubt = self.recording.handle, DoubtRecord()
         handle.call(handle.library.CorvantisStimulus, self.number, entry, 0, 0, None, 0,
                     ctypes.addressof(doubt))
-        if doubt.reason == DoubtReason.NONE:
-            return None
-        return Doubt(DoubtReason(doubt.reason), doubt.epoch if doubt.epoch >= 0 else None,
-                     doubt.text.decode())
+        return _as_doubt(doubt)
 
     # ---- Channels, stimuli and units ------------------------------------------------------
 
@@ -311,6 +315,13 @@ class Epoch:
     def comment(self) -> str:
         """Comment on this epoch."""
         return str(self.epochComment)
+
+
+def _as_doubt(record: DoubtRecord) -> Doubt | None:
+    if record.reason == DoubtReason.NONE:
+        return None
+    return Doubt(DoubtReason(record.reason), record.epoch if record.epoch >= 0 else None,
+                 record.text.decode())
 
 
 def _name(kind: str, channel: int, digital: int) -> str:

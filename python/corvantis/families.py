@@ -1,7 +1,6 @@
 """Families of steps: current-voltage and spike-rate curves of epochs with pulses of many sizes."""
 from __future__ import annotations
 
-from collections import defaultdict
 from collections.abc import Iterable, Sequence
 from dataclasses import dataclass
 
@@ -16,7 +15,7 @@ from .plotting import (RESPONSE_LABELS, STIMULUS_LABELS, STYLE, draw_key, draw_p
                        label, read_sweep)
 from .progress import progress
 from .recording import Recording
-from .stimuli import Stimulus
+from .steps import Members, StimulusStep, families_of_steps, main_step
 from .units import Samples
 
 THRESHOLD = -20.0       # a spike crosses it upwards [mV]
@@ -81,10 +80,10 @@ class Family:
         """
         if (self.stimulus_unit, self.response_unit) != ("pA", "mV"):
             return None
-        currents = np.array([step.level - step.holding for step in self.settled])
-        shifts = np.array([step.steady - step.baseline for step in self.settled])
-        power = float(currents @ currents)
-        return 1e3 * float(currents @ shifts) / power if power > 0 else None
+        slope = slope_through_rest(
+            np.array([step.level - step.holding for step in self.settled]),
+            np.array([step.steady - step.baseline for step in self.settled]))
+        return None if slope is None else 1e3 * slope
 
     @property
     def examples(self) -> list[Epoch]:
@@ -104,30 +103,32 @@ def count_spikes(response: Samples, threshold: float) -> int:
     return int(np.count_nonzero(above[1:] & ~above[:-1]))
 
 
-def _pulse(epoch: Epoch, channel: int) -> Stimulus | None:
-    """The epoch's step, if it has one of at least a point with something before it."""
-    stimulus = epoch.parameters[channel] if channel < epoch.entries else None
-    if stimulus is None or stimulus.name != "pulse":
-        return None
-    return stimulus if stimulus.points > 0 and stimulus.prePoints > 0 else None
+def slope_through_rest(currents: Samples, shifts: Samples) -> float | None:
+    """Slope of the line through 0 that comes nearest to shifts of the potential [unit of shifts by
+    unit of currents]; None without currents."""
+    power = float(currents @ currents)
+    return float(currents @ shifts) / power if power > 0 else None
 
 
-def measure(epoch: Epoch, channel: int = 0, threshold: float = THRESHOLD) -> Step:
-    """Measure the response to the pulse of an epoch."""
-    pulse = _pulse(epoch, channel)
-    if pulse is None:
-        raise ValueError(f"epoch {epoch.number} has no step")
-    response, before = epoch.read(entry=channel), pulse.prePoints
-    during = response[before:before + pulse.points]
-    baseline = float(response[:before].mean())
+def _measured(epoch: Epoch, step: StimulusStep, channel: int, threshold: float) -> Step:
+    response = epoch.read(entry=channel)
+    during = response[step.start:step.stop]
+    baseline = float(response[step.before:step.start].mean())
     steady = during[-max(1, round(STEADY_FRACTION * len(during))):]
     spiking = epoch.units.response[channel] == "mV"
     spikes = count_spikes(during, threshold) if spiking else 0
-    levels = epoch.read_stimulus(0, before + 1, channel)
-    return Step(epoch.number, float(levels[before]), float(levels[0]), baseline,
+    return Step(epoch.number, step.level, step.holding, baseline,
                 float(during[np.argmax(np.abs(during - baseline))]), float(steady.mean()),
                 not (spiking and count_spikes(steady, threshold)), spikes,
-                spikes * epoch.sampling_rate / pulse.points)
+                spikes * epoch.sampling_rate / step.points)
+
+
+def measure(epoch: Epoch, channel: int = 0, threshold: float = THRESHOLD) -> Step:
+    """Measure the response to the longest step of an epoch."""
+    known = main_step(epoch, channel)
+    if known is None:
+        raise ValueError(f"epoch {epoch.number} has no step")
+    return _measured(epoch, known, channel, threshold)
 
 
 def find_family(epochs: Iterable[Epoch] | Recording, channel: int = 0,
@@ -137,20 +138,16 @@ def find_family(epochs: Iterable[Epoch] | Recording, channel: int = 0,
     Raises:
         ValueError: if no two epochs have steps of the same timing and different levels.
     """
-    groups: dict[tuple[object, ...], list[Epoch]] = defaultdict(list)
-    for epoch in undamaged(epochs.epochs if isinstance(epochs, Recording) else epochs):
-        pulse = _pulse(epoch, channel)
-        if pulse is not None:
-            key = (pulse.prePoints, pulse.points, pulse.mean, epoch.samplingInterval,
-                   epoch.units.response[channel], epoch.units.stimulus[channel])
-            groups[key].append(epoch)
-    largest: list[Epoch] = max(groups.values(), key=len, default=[])
-    steps = sorted((measure(epoch, channel, threshold)
-                    for epoch in progress(largest, "measuring")), key=lambda step: step.level)
+    groups = families_of_steps(
+        undamaged(epochs.epochs if isinstance(epochs, Recording) else epochs), channel)
+    largest: Members = max(groups, key=len, default=[])
+    steps = sorted((_measured(epoch, step, channel, threshold)
+                    for epoch, step in progress(largest, "measuring")),
+                   key=lambda step: step.level)
     if len({step.level for step in steps}) < 2:
         raise ValueError("no family: two epochs with steps of the same timing are needed")
-    units = largest[0].units
-    by_number = {epoch.number: epoch for epoch in largest}
+    by_number = {epoch.number: epoch for epoch, _ in largest}
+    units = largest[0][0].units
     return Family([by_number[step.epoch] for step in steps], steps, channel,
                   units.stimulus[channel], units.response[channel])
 

@@ -84,3 +84,15 @@ def undamaged(epochs: Iterable[Epoch]) -> list[Epoch]:
         else:
             warnings.warn(epoch.problem, CorvantisWarning, stacklevel=3)
     return readable
+
+
+def in_ranges(numbers: Sequence[int]) -> str:
+    """Epoch numbers such as "3, 5, 7-9", in their order."""
+    runs: list[list[int]] = []
+    for number in numbers:
+        if runs and number == runs[-1][-1] + 1:
+            runs[-1].append(number)
+        else:
+            runs.append([number])
+    return ", ".join(str(run[0]) if len(run) == 1 else
+                     f"{run[0]}{', ' if len(run) == 2 else '-'}{run[-1]}" for run in runs)

@@ -10,16 +10,16 @@ from matplotlib.axes import Axes
 from matplotlib.figure import Figure
 
 from .epoch import Epoch
-from .epochs import undamaged
-from .plotting import (RESPONSE_LABELS, STIMULUS_LABELS, STYLE, draw_key, draw_panels, in_ranges,
-                       label, read_sweep)
+from .epochs import in_ranges, undamaged
+from .plotting import (RESPONSE_LABELS, STIMULUS_LABELS, STYLE, draw_key, draw_panels, label,
+                       read_sweep)
 from .progress import progress
 from .recording import Recording
-from .steps import Members, StimulusStep, families_of_steps, main_step
+from .steps import (STEADY_FRACTION, Members, StimulusStep, families_of_steps, main_step,
+                    slope_through_rest)
 from .units import Samples
 
 THRESHOLD = -20.0       # a spike crosses it upwards [mV]
-STEADY_FRACTION = 0.2   # the last part of the step, over which the steady state is the mean
 
 
 @dataclass(frozen=True)
@@ -101,13 +101,6 @@ def count_spikes(response: Samples, threshold: float) -> int:
     """Upward crossings of a threshold, shape (points,)."""
     above = response > threshold
     return int(np.count_nonzero(above[1:] & ~above[:-1]))
-
-
-def slope_through_rest(currents: Samples, shifts: Samples) -> float | None:
-    """Slope of the line through 0 that comes nearest to shifts of the potential [unit of shifts by
-    unit of currents]; None without currents."""
-    power = float(currents @ currents)
-    return float(currents @ shifts) / power if power > 0 else None
 
 
 def _measured(epoch: Epoch, step: StimulusStep, channel: int, threshold: float) -> Step:

@@ -17,7 +17,7 @@ from matplotlib.lines import Line2D
 
 from . import scalebars
 from .epoch import Epoch
-from .epochs import undamaged
+from .epochs import in_ranges, undamaged
 from .errors import CorvantisError
 from .interface import NO_STIMULUS
 from .progress import progress
@@ -222,18 +222,6 @@ def draw_panels(figure: Figure, cells: Sequence[object], epochs: Sequence[Epoch]
             _name_rows(upper, sweeps, responses, panels.response_unit)
         _dress_bars(panels, sweeps, stack)
     return panels
-
-
-def in_ranges(numbers: Sequence[int]) -> str:
-    """Epoch numbers such as "3, 5, 7-9", in their order."""
-    runs: list[list[int]] = []
-    for number in numbers:
-        if runs and number == runs[-1][-1] + 1:
-            runs[-1].append(number)
-        else:
-            runs.append([number])
-    return ", ".join(str(run[0]) if len(run) == 1 else
-                     f"{run[0]}{', ' if len(run) == 2 else '-'}{run[-1]}" for run in runs)
 
 
 def _title(epochs: Sequence[Epoch]) -> str:

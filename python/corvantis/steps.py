@@ -11,9 +11,10 @@ from .epoch import Epoch
 from .errors import CorvantisError
 from .interface import NO_STIMULUS, DoubtReason
 from .stimuli import Stimulus
-from .units import Counts
+from .units import Counts, Samples
 
 MOST_STRETCHES = 65     # of one level, in a stimulus that is made of steps
+STEADY_FRACTION = 0.2   # the last part of a step, over which the steady state is the mean
 
 
 @dataclass(frozen=True)
@@ -155,3 +156,10 @@ def families_of_steps(epochs: Iterable[Epoch], entry: int = 0) -> list[Members]:
                epoch.units.response[entry], epoch.units.stimulus[entry])
         groups[key].append((epoch, step))
     return list(groups.values())
+
+
+def slope_through_rest(currents: Samples, shifts: Samples) -> float | None:
+    """Slope of the line through 0 that comes nearest to shifts of the potential [unit of shifts by
+    unit of currents]; None without currents."""
+    power = float(currents @ currents)
+    return float(currents @ shifts) / power if power > 0 else None

@@ -84,8 +84,9 @@ class Rig:
         return block
 
     def epoch(self, played, inputs="0", outputs=None, interval=100, points=200, computed=True,
-              **fields):
-        """Play stimuli, one for each sequence entry, and save what the interface acquired."""
+              acquired=None, **fields):
+        """Play stimuli, one for each sequence entry, and save what the interface acquired, or what
+        is given instead of it."""
         self.do("ITCSetSeq", inputs.encode(), (outputs or "0123"[:len(inputs)]).encode())
         self.do("ITCSetAcqParams", interval, max(points, 1), 1, 2)
         self.header.epochPoints = points
@@ -102,6 +103,8 @@ class Rig:
         if computed and points:
             self.do("ITCInitAcq")
             self.simulator.ITC18Simulator_Play(self.pointer("itc"), *self.addresses[::-1], points)
+        if acquired is not None:
+            self.buffers[0][:points * len(inputs)] = np.ravel(acquired)
         number = len(self.log) // 2
         for name, buffer in zip(("acquired", "played"), self.buffers):
             samples = buffer[:points * len(inputs)].reshape(points, len(inputs))

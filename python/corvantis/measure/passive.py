@@ -36,7 +36,7 @@ def baseline_points(trace: Trace, spikes: list[Spike]) -> slice | Missing:
         return Missing(f"less than {SHORTEST_BASELINE:g} ms before the step")
     if _spikes_within(spikes, where.start, where.stop):
         return Missing("spikes before the step")
-    return where
+    return trace.clipped_within(where) or where
 
 
 def rest(trace: Trace, points: slice | Missing) -> dict[str, Value]:
@@ -106,6 +106,8 @@ def passive(trace: Trace, spikes: list[Spike], points: slice | Missing) -> dict[
         return none_of(names, f"the step is shorter than {SHORTEST_STEP:g} ms")
     if step.size == 0:
         return none_of(names, "the step has no height")
+    if clipped := trace.clipped_within(slice(step.start, step.stop)):
+        return none_of(names, clipped)
     values = _steady(trace, step, spikes)
     if _spikes_within(spikes, step.start, step.stop):
         return {**none_of(names, "spikes during the step"), **values}

@@ -32,7 +32,7 @@ def _any_above(limit: float, *values: Value) -> Value:
 
 def quality(trace: Trace, points: slice | Missing, firsts: FirstBaselines) -> dict[str, Value]:
     """The columns of the groups of quality; `points` are the baseline."""
-    values: dict[str, Value] = {"clipped": trace.clipped, "is_clipped": trace.clipped > 0}
+    values: dict[str, Value] = {"clipped": len(trace.clipped), "is_clipped": len(trace.clipped) > 0}
     for clamp, names in NAMES.items():
         if clamp != trace.clamp:
             values |= {name: Missing(f"{trace.clamp} clamp") for name in names}

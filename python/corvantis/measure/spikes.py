@@ -107,6 +107,8 @@ def _trough(begin: int, trough: int | None, course: Course | Missing) -> int | M
 def _shape(trace: Trace, begin: int | None, peak: int, trough: int | Missing, stop: int,
            above_trough: float) -> dict[str, Value]:
     response = trace.response
+    if clipped := trace.clipped_within(slice(peak if begin is None else begin, stop)):
+        return {name: clipped for name in SHAPE}
     shape: dict[str, Value] = {"peak": float(response[peak])}
     shape["width_above_trough"] = trough if isinstance(trough, Missing) else above_trough \
         if np.isfinite(above_trough) else Missing("eFEL finds no half width")

@@ -74,6 +74,8 @@ def measure_test_pulse(trace: Trace) -> dict[str, Value]:
     if len(before) * trace.interval < SHORTEST:
         return {**none_of(columns_of(EPOCHS, "test pulse"),
                           f"less than {SHORTEST:g} ms before the test pulse"), **values}
+    if clipped := trace.clipped_within(slice(trace.before(pulse).start, pulse.stop)):
+        return {**none_of(columns_of(EPOCHS, "test pulse"), clipped), **values}
     base = float(before.mean())
     values |= {"clamp_current": base, "test_pulse": pulse.size}
     fit = _fit_transient(trace, pulse, base, float(before.std()))

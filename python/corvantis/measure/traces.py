@@ -5,6 +5,7 @@ from dataclasses import dataclass
 from typing import Union
 
 import numpy as np
+from numpy.typing import NDArray
 
 from ..epoch import Epoch
 from ..errors import CorvantisError
@@ -29,7 +30,7 @@ class Trace:
         response: [mV] in current clamp, [pA] in voltage clamp.
         interval: between points [ms].
         stimulus: its course in [pA] or [mV], or why that is not known.
-        clipped: samples at the converter's limits.
+        clipped: points whose samples are at the converter's limits.
     """
 
     epoch: Epoch
@@ -38,7 +39,12 @@ class Trace:
     response: Samples
     interval: float
     stimulus: Union[Course, Missing]
-    clipped: int
+    clipped: NDArray[np.int64]
+
+    def clipped_within(self, where: slice) -> Missing | None:
+        """Why nothing can be measured of these points."""
+        number = int(np.count_nonzero((self.clipped >= where.start) & (self.clipped < where.stop)))
+        return Missing(f"{number} samples at the converter's limits") if number else None
 
     def points(self, duration: float) -> int:
         """Points in a duration [ms], at least one."""
@@ -89,4 +95,4 @@ def read_trace(epoch: Epoch, entry: int) -> Trace:
     return Trace(epoch, entry, clamp,
                  response(raw) * (response.si * FACTORS[response.quantity] if usable else 1.0),
                  1e3 / epoch.sampling_rate, _stimulus(epoch, entry) if usable else Missing(clamp),
-                 int(np.count_nonzero((raw == LIMITS[0]) | (raw == LIMITS[1]))))
+                 np.flatnonzero((raw == LIMITS[0]) | (raw == LIMITS[1])))

@@ -32,7 +32,8 @@ class Recorder:
     def epoch(self, level, timing, response, fields, interval=40, mean=0.0, **more):
         """A step of a level [pA or mV] with points before, during and behind it."""
         by_count = COUNTS / fields["convFactor"][0]
-        pulse = stimuli.Pulse(round(level * by_count), round(mean * by_count), *timing)
+        before, during, after = timing
+        pulse = stimuli.Pulse(round(level * by_count), round(mean * by_count), during, before, after)
         counts = np.clip(np.round(response * COUNTS * fields["ampGain"][0]), -32768, 32767)
         self.rig.epoch([pulse], interval=interval, points=sum(timing),
                        acquired=counts.astype(np.int16), **{**fields, **more})

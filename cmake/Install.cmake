@@ -49,7 +49,7 @@ install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/corvantis REN
 install(DIRECTORY python/corvantis DESTINATION lib/python3/dist-packages
         FILES_MATCHING PATTERN "*.py" PATTERN "*.json" PATTERN "py.typed" PATTERN "__pycache__" EXCLUDE)
 install(PROGRAMS python/bin/corvantis-plot python/bin/corvantis-families python/bin/corvantis-nwb
-                 python/bin/corvantis-index
+                 python/bin/corvantis-index python/bin/corvantis-measure
         DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 set(CPACK_GENERATOR DEB)

@@ -3,8 +3,9 @@ import sys
 
 from .commands import families, nwb, plot
 from .index_command import index
+from .measure_command import measure
 
-COMMANDS = {"plot": plot, "families": families, "nwb": nwb, "index": index}
+COMMANDS = {"plot": plot, "families": families, "nwb": nwb, "index": index, "measure": measure}
 
 
 def main() -> int:

@@ -9,7 +9,7 @@ import threading
 import warnings
 from collections.abc import Callable, Iterator, Sequence
 from contextlib import contextmanager
-from typing import TYPE_CHECKING
+from typing import TYPE_CHECKING, Any
 
 from .epoch import Epoch
 from .epochs import undamaged
@@ -45,10 +45,11 @@ def chosen_epochs(text: str | None, count: int) -> list[int]:
 
 
 def _arguments(name: str, purpose: str, endings: Sequence[str], output: str,
-               ) -> argparse.ArgumentParser:
+               **named: Any) -> argparse.ArgumentParser:
+    """Arguments of both; `named` says how the data file is to be named."""
     parser = argparse.ArgumentParser(prog=f"corvantis {name}", description=purpose)
     parser.set_defaults(endings=endings)
-    parser.add_argument("file", help="data file")
+    parser.add_argument("file", help="data file", **named)
     parser.add_argument("-e", "--epoch", metavar="0,3-7", help="epochs, counted from 0 (all)")
     parser.add_argument("-c", "--channel", type=int, default=0, metavar="ENTRY",
                         help="entry of the channel sequence, counted from 0 (0)")
@@ -71,7 +72,7 @@ def _check_output(options: argparse.Namespace) -> None:
         raise ValueError(f"{name}: a name ends in {', '.join(most)} or {last}")
     if os.path.exists(name) and not options.force:
         raise ValueError(f"{name} exists; --force replaces it")
-    if os.path.exists(name) and os.path.samefile(name, options.file):
+    if os.path.exists(name) and options.file and os.path.samefile(name, options.file):
         raise ValueError(f"{name} is the recording itself")
 
 
@@ -110,7 +111,31 @@ def _deliver(figure: Figure, output: str | None) -> None:
     save(figure, output)
 
 
+def _plot_query(options: argparse.Namespace) -> None:
+    """Cells of a catalogue."""
+    try:
+        import duckdb
+
+        from .archive import open as open_catalogue
+    except ImportError as error:
+        raise ValueError(f"{error.name or error} is missing; pip install corvantis[archive,plot]") \
+            from None
+    from .cell_figures import plot_query
+    try:
+        figure = plot_query(open_catalogue(options.catalogue), options.query, options.channel,
+                            options.curves)
+    except duckdb.Error as error:
+        raise ValueError(f"--query: {error}") from None
+    _deliver(figure, options.output)
+
+
 def _plot(options: argparse.Namespace) -> None:
+    if (options.catalogue is None) != (options.query is None) or \
+            (options.file is None) == (options.catalogue is None):
+        raise ValueError("name a data file, or --catalogue with a --query")
+    if options.catalogue is not None:
+        _plot_query(options)
+        return
     from .plotting import CLEAR_OVER_EACH_OTHER, plot_epochs
     _check_output(options)
     with open_recording(options.file) as recording:
@@ -182,8 +207,15 @@ def _run(work: Callable[[argparse.Namespace], None], options: argparse.Namespace
 def plot(arguments: Sequence[str] | None = None) -> int:
     """`corvantis plot`: draw epochs, response above stimulus."""
     parser = _arguments("plot", "Draw epochs: the response above, its stimulus below.", FIGURES,
-                        "figure to write, by its ending as png, svg or pdf (a window)")
+                        "figure to write, by its ending as png, svg or pdf (a window)", nargs="?")
     parser.add_argument("--stack", action="store_true", help="responses one below the other")
+    parser.add_argument("--catalogue", metavar="CATALOGUE",
+                        help="draw cells of this catalogue instead of one file's epochs")
+    parser.add_argument("--query", metavar="SQL",
+                        help="which: gives file and epoch, or file, step_current_pA and rate_Hz "
+                        "of a table of measurements; and cell, if files are not the cells")
+    parser.add_argument("--curves", action="store_true",
+                        help="of the query's epochs the spike rate against the step's current")
     return _run(_plot, parser.parse_args(arguments), "plot")
 
 

@@ -69,12 +69,14 @@ def _below(epoch: Epoch, channel: int) -> list[Samples]:
         return []
 
 
-def read_sweep(epoch: Epoch, channel: int) -> Sweep:
+def read_sweep(epoch: Epoch, channel: int, with_stimulus: bool = True) -> Sweep:
     """Read what is drawn of an epoch's sequence entry `channel`."""
-    return Sweep(epoch.number, epoch.time, epoch.read(entry=channel), _below(epoch, channel))
+    return Sweep(epoch.number, epoch.time, epoch.read(entry=channel),
+                 _below(epoch, channel) if with_stimulus else [])
 
 
-def _common_unit(units: Sequence[str], what: str) -> str:
+def common_unit(units: Sequence[str], what: str) -> str:
+    """The unit of all of them, or ValueError."""
     if len(set(units)) > 1:
         raise ValueError(f"{what} in different units ({', '.join(sorted(set(units)))}): "
                          "choose epochs of one kind")
@@ -89,10 +91,10 @@ def colours(count: int) -> list[str]:
     return [to_hex(shade) for shade in shades]
 
 
-def _thinned(curve: Samples, time: Samples) -> tuple[Samples, Samples]:
+def thinned(curve: Samples, time: Samples, most: int = MOST_BINS) -> tuple[Samples, Samples]:
     """Time and curve; of a long one the lowest and highest sample of each stretch, so that no
     spike is lost."""
-    size = len(curve) // MOST_BINS
+    size = len(curve) // most
     if size < 4:
         return time, curve
     whole = len(curve) // size * size
@@ -103,7 +105,7 @@ def _thinned(curve: Samples, time: Samples) -> tuple[Samples, Samples]:
     return time[kept], curve[kept]
 
 
-def _margins(axes: Axes, curves: list[Samples]) -> None:
+def margins(axes: Axes, curves: list[Samples]) -> None:
     """Limits with a little room; a flat line lies in the middle of one unit."""
     filled = [curve for curve in curves if curve.size]
     if not filled:
@@ -118,10 +120,10 @@ def _draw(axes: Axes, sweeps: list[Sweep], curves: list[list[Samples]], scale: f
     """Overlay the sweeps; a second curve of the same sweep is dashed."""
     for sweep, colour, several in zip(sweeps, colours(len(sweeps)), curves):
         for curve, style in zip(several, ("-", (0, (3, 1.5)))):
-            time, drawn = _thinned(curve, sweep.time * scale)
+            time, drawn = thinned(curve, sweep.time * scale)
             axes.plot(time, drawn, color=colour, linewidth=LINE_WIDTH, linestyle=style,
                       solid_joinstyle="round")
-    _margins(axes, [curve for several in curves for curve in several])
+    margins(axes, [curve for several in curves for curve in several])
 
 
 @dataclass
@@ -211,9 +213,9 @@ def draw_panels(figure: Figure, cells: Sequence[object], epochs: Sequence[Epoch]
     upper.set_xlim(0, longest * scale or 1)
     panels = Panels(
         upper, lower,
-        _common_unit([epoch.units.response[channel] for epoch in epochs], "responses"),
+        common_unit([epoch.units.response[channel] for epoch in epochs], "responses"),
         "nS" if conductance else
-        _common_unit([epoch.units.stimulus[channel] for epoch in epochs], "stimuli"),
+        common_unit([epoch.units.stimulus[channel] for epoch in epochs], "stimuli"),
         time_unit, "Conductance" if conductance else "Stimulus")
     if axes:
         _dress_axes(panels)

@@ -10,7 +10,7 @@ import pytest
 import corvantis
 from corvantis import commands
 from corvantis.families import find_family
-from corvantis.plotting import _thinned, plot_epochs, write_whole
+from corvantis.plotting import thinned, plot_epochs, write_whole
 
 
 def test_panels_scale_bars_and_keys(recorded):
@@ -46,7 +46,7 @@ def test_conductances_missing_stimuli_and_what_makes_no_figure(recorded):
 def test_long_sweeps_keep_every_spike():
     curve = np.zeros(1_000_003)
     curve[[5, 123_456, 1_000_001]] = 100, -50, 70
-    time, drawn = _thinned(curve, np.arange(curve.size, dtype=float))
+    time, drawn = thinned(curve, np.arange(curve.size, dtype=float))
     assert len(drawn) < 10_000 and np.all(np.diff(time) >= 0) and {100, -50, 70} <= set(drawn)
     np.testing.assert_array_equal(curve[time.astype(int)], drawn)
 

@@ -7,8 +7,6 @@ from itertools import pairwise
 import numpy as np
 
 from ..epoch import Epoch
-from ..steps import Course
-from ..table import in_words
 from .columns import COLUMNS, EPOCHS, REASONS, SPIKES
 from .missing import Missing, Row, Value, columns_of, none_of, row
 from .passive import SHORTEST_STEP, baseline_points, passive, rest
@@ -93,7 +91,7 @@ def _of_current_clamp(trace: Trace, spikes: list[Spike],
 
 
 def _values(trace: Trace, spikes: list[Spike], firsts: FirstBaselines) -> dict[str, Value]:
-    values = {"clamp": trace.clamp, **_stimulus(trace)}
+    values: dict[str, Value] = {"clamp": trace.clamp, **_stimulus(trace)}
     if isinstance(trace.clamp, Missing):
         return {**values, **none_of(columns_of(EPOCHS, *OF_CURRENT_CLAMP, "test pulse"),
                                     trace.clamp), **quality(trace, trace.clamp, firsts)}
@@ -124,10 +122,9 @@ def measure_entry(file: str, epoch: Epoch, entry: int, firsts: FirstBaselines) -
     """Measure one entry of an epoch that is not damaged."""
     trace = read_trace(epoch, entry)
     spikes = find_spikes(trace) if trace.clamp == CURRENT_CLAMP else []
-    words = in_words(epoch.parameters[entry], epoch.stimulus_scales[entry],
-                     epoch.samplingInterval)
     place: dict[str, Value] = {"file": file, "epoch": epoch.number, "entry": entry}
-    values = {**place, "stimulus": words, **_values(trace, spikes, firsts)}
+    values: dict[str, Value] = {**place, "stimulus": epoch.stimulus_words[entry],
+                                **_values(trace, spikes, firsts)}
     return Measured(epoch.number, row(EPOCHS, values), _spike_rows(trace, place, spikes), values)
 
 

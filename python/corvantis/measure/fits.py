@@ -30,7 +30,8 @@ class Exponential:
 
 
 def _exponential(time: Samples, end: float, size: float, rate: float) -> Samples:
-    return end + size * np.exp(-time * rate)
+    values: Samples = end + size * np.exp(-time * rate)
+    return values
 
 
 def _first_guess(time: Samples, values: Samples) -> tuple[float, float, float]:

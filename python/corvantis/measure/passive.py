@@ -100,8 +100,10 @@ def passive(trace: Trace, spikes: list[Spike], points: slice | Missing) -> dict[
     if isinstance(trace.stimulus, Missing):
         return none_of(names, trace.stimulus)
     step = trace.stimulus.step
-    if step is None or isinstance(points, Missing):
-        return none_of(names, NO_STEP if step is None else points)
+    if step is None:
+        return none_of(names, NO_STEP)
+    if isinstance(points, Missing):
+        return none_of(names, points)
     if step.points * trace.interval < SHORTEST_STEP:
         return none_of(names, f"the step is shorter than {SHORTEST_STEP:g} ms")
     if step.size == 0:

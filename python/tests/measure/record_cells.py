@@ -33,7 +33,8 @@ class Recorder:
         """A step of a level [pA or mV] with points before, during and behind it."""
         by_count = COUNTS / fields["convFactor"][0]
         before, during, after = timing
-        pulse = stimuli.Pulse(round(level * by_count), round(mean * by_count), during, before, after)
+        pulse = stimuli.Pulse(round(level * by_count), round(mean * by_count), during, after,
+                              before)
         counts = np.clip(np.round(response * COUNTS * fields["ampGain"][0]), -32768, 32767)
         self.rig.epoch([pulse], interval=interval, points=sum(timing),
                        acquired=counts.astype(np.int16), **{**fields, **more})

@@ -1,0 +1,97 @@
+"""Tables of measurements as files: Parquet with units and definitions, and CSV."""
+from __future__ import annotations
+
+import csv
+import os
+from collections.abc import Iterable, Iterator
+from pathlib import Path
+from typing import Any
+
+import pyarrow as pa
+import pyarrow.parquet as pq
+
+from .columns import COLUMNS, NUMBER, TEXT, TRUTH, WHOLE
+from .missing import Row
+from .recordings import Measurements
+
+TYPES = {TEXT: pa.string(), WHOLE: pa.int64(), NUMBER: pa.float64(), TRUTH: pa.bool_()}
+TABLE = "table"         # column that parts the rows of several tables
+DIGITS = 9              # of numbers in CSV
+GROUP = 1 << 16         # rows that are written at once
+
+
+def schema(table: str) -> pa.Schema:
+    """Headings and types; units and definitions are the fields' metadata."""
+    return pa.schema([pa.field(each.heading, TYPES[each.kind],
+                               metadata={"unit": each.unit, "definition": each.definition})
+                      for each in COLUMNS[table]])
+
+
+def _of_all() -> pa.Schema:
+    fields = {each.name: each.remove_metadata() for table in COLUMNS for each in schema(table)}
+    return pa.schema([pa.field(TABLE, pa.string()), *fields.values()])
+
+
+def together(measurements: Measurements) -> pa.Table:
+    """All tables as one that has the columns of all, as a function over an archive returns it."""
+    rows = [{TABLE: name, **row} for name, some in measurements.tables.items() for row in some]
+    return pa.Table.from_pylist(rows, schema=_of_all())
+
+
+def apart(pieces: Iterable[pa.RecordBatch], table: str) -> Iterator[pa.Table]:
+    """The rows of one table among those of all; a file that could not be measured has one in
+    the table of epochs."""
+    wanted = schema(table)
+    for piece in pieces:
+        rows = [row for row in piece.to_pylist() if (row[TABLE] or "epochs") == table]
+        for row in rows:
+            if row.get("problem"):
+                row["reasons"] = f"all: {row['problem']}"
+        if rows:
+            yield pa.Table.from_pylist([{name: row.get(name) for name in wanted.names}
+                                        for row in rows], schema=wanted)
+
+
+def _cell(value: Any) -> str:
+    if value is None:
+        return ""
+    if isinstance(value, bool):
+        return str(value).lower()
+    return f"{value:.{DIGITS}g}" if isinstance(value, float) else str(value)
+
+
+def _lines(rows: Iterable[Row]) -> Iterator[list[str]]:
+    for row in rows:
+        yield [_cell(value) for value in row.values()]
+
+
+def write(folder: Path, table: str, pieces: Iterable[pa.Table]) -> int:
+    """Write a table as Parquet and as CSV, which have their names only when they are complete;
+    returns how many rows it has."""
+    names = [folder / f"{table}.{ending}" for ending in ("parquet", "csv")]
+    unfinished = [name.with_name(f".{name.name}.{os.getpid()}.tmp") for name in names]
+    count = 0
+    try:
+        with pq.ParquetWriter(unfinished[0], schema(table), compression="zstd") as columns, \
+                open(unfinished[1], "w", encoding="utf-8", newline="") as stream:
+            lines = csv.writer(stream, lineterminator="\n")
+            lines.writerow(schema(table).names)
+            for piece in pieces:
+                columns.write_table(piece, GROUP)
+                lines.writerows(_lines(piece.to_pylist()))
+                count += len(piece)
+        for name, made in zip(names, unfinished):
+            os.replace(made, name)
+    finally:
+        for made in unfinished:
+            made.unlink(missing_ok=True)
+    return count
+
+
+def write_definitions(folder: Path) -> None:
+    """Units and definitions of all columns, as CSV."""
+    with open(folder / "columns.csv", "w", encoding="utf-8", newline="") as stream:
+        lines = csv.writer(stream, lineterminator="\n")
+        lines.writerow(["table", "column", "unit", "definition"])
+        lines.writerows([table, each.heading, each.unit, each.definition]
+                        for table, columns in COLUMNS.items() for each in columns)

@@ -225,3 +225,7 @@ def as_markdown(table: str) -> str:
     rows: list[tuple[Any, ...]] = [("Column", "Unit", "Definition"), ("---", "---", "---")]
     rows += [(f"`{each.heading}`", each.unit, each.definition) for each in COLUMNS[table]]
     return "\n".join(f"| {' | '.join(row)} |" for row in rows)
+
+
+if __name__ == "__main__":
+    print("\n\n".join(f"### {table}\n\n{as_markdown(table)}" for table in COLUMNS))

@@ -2,7 +2,7 @@
 from __future__ import annotations
 
 import math
-from collections.abc import Callable, Iterable, Mapping, Sequence
+from collections.abc import Iterable, Mapping, Sequence
 from typing import TYPE_CHECKING, Any
 
 import matplotlib
@@ -121,9 +121,10 @@ def _around(figure: Figure, x: str, y: str) -> None:
 
 
 def _draw_sweeps(axes: Axes, sweeps: Sequence[Sweep], scale: float) -> None:
-    for sweep, colour in zip(sweeps, colours(len(sweeps))):
+    """The first ones on top, which spikes of later ones would hide."""
+    for order, (sweep, colour) in enumerate(zip(sweeps, colours(len(sweeps)))):
         time, drawn = thinned(sweep.response, sweep.time * scale, BINS)
-        axes.plot(time, drawn, color=colour, linewidth=0.5)
+        axes.plot(time, drawn, color=colour, linewidth=0.5, zorder=2 - order / len(sweeps))
 
 
 def plot_sweeps(cells: Mapping[str, Sequence[Epoch]], channel: int = 0) -> Figure:
@@ -173,7 +174,11 @@ def plot_query(catalogue: Catalogue, query: str, channel: int = 0, curves: bool 
     """
     rows = catalogue.table(query)
     names = rows.column_names
-    column: Callable[[str], list[Any]] = lambda name: rows[name].to_pylist()    # noqa: E731
+
+    def column(name: str) -> list[Any]:
+        values: list[Any] = rows[name].to_pylist()
+        return values
+
     if "file" not in names or not ({"epoch"} <= set(names) or set(CURVE_COLUMNS) <= set(names)):
         raise ValueError(f"the query gives {', '.join(names)}: it must give file and epoch, or "
                          f"file, {' and '.join(CURVE_COLUMNS)}")

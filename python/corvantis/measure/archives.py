@@ -3,7 +3,7 @@ from __future__ import annotations
 
 import os
 import tempfile
-from collections.abc import Callable, Iterable, Sequence
+from collections.abc import Callable, Sequence
 from dataclasses import dataclass
 from pathlib import Path
 from typing import Any
@@ -21,7 +21,7 @@ from .recordings import measure
 from .tables import TABLE, apart, together, write, write_definitions
 
 PROBLEM = "problem"     # column that says why a file could not be worked on
-Batches = Callable[[], Iterable[pa.RecordBatch]]
+Batches = Callable[[], Any]
 
 
 @dataclass(frozen=True)
@@ -87,7 +87,7 @@ def measure_files(files: Sequence[str], output: str | os.PathLike[str]) -> Summa
     """As `measure_catalogue`, of files by name, in this process."""
     tables = [_of_file(name) for name in files]
     whole = pa.concat_tables(tables, promote_options="permissive")
-    return _write_all(Path(output), lambda: iter(whole.to_batches()),
+    return _write_all(Path(output), whole.to_batches,
                       sum(PROBLEM in table.column_names for table in tables))
 
 

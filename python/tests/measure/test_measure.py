@@ -1,12 +1,19 @@
 """Measurements against published models, closed forms and IPFX; what cannot be measured; files."""
+import contextlib
+import io
 import json
+import os
+import re
+import shutil
 import subprocess
 import sys
 from pathlib import Path
 
 import efel
+import numpy as np
 import pyarrow.parquet as pq
 import pytest
+from PIL import Image
 
 import corvantis
 from corvantis import commands
@@ -34,7 +41,16 @@ def known(tmp_path_factory, build):
 
 @pytest.fixture(scope="session")
 def cells(tmp_path_factory):
-    return record(tmp_path_factory.mktemp("cells"), "10")
+    return record(tmp_path_factory.mktemp("cells"), "30")
+
+
+@pytest.fixture(scope="session")
+def few(cells, tmp_path_factory):
+    """Ten of the cells."""
+    folder = tmp_path_factory.mktemp("few")
+    for path in sorted(cells.glob("*.dat"))[:10]:
+        shutil.copy(path, folder)
+    return folder
 
 
 def measured(path, **options):
@@ -132,10 +148,10 @@ def test_settings_of_efel_stay(known):
     efel.reset()
 
 
-def test_files_a_folder_and_a_catalogue_give_the_same_tables(cells, known, tmp_path, capsys):
+def test_files_a_folder_and_a_catalogue_give_the_same_tables(few, known, tmp_path, capsys):
     from corvantis.archive import index
-    index(cells, tmp_path / "catalogue", processes=1)
-    for name, source in (("folder", [cells]), ("catalogue", [tmp_path / "catalogue"])):
+    index(few, tmp_path / "catalogue", processes=1)
+    for name, source in (("folder", [few]), ("catalogue", [tmp_path / "catalogue"])):
         assert command([*map(str, source), "-o", str(tmp_path / name)]) == 0
     assert "140 epochs, 10 families" in capsys.readouterr().out
     folder, catalogue = tmp_path / "folder", tmp_path / "catalogue"
@@ -148,7 +164,7 @@ def test_files_a_folder_and_a_catalogue_give_the_same_tables(cells, known, tmp_p
     assert field.metadata[b"unit"] == b"MOhm" and b"slope" in field.metadata[b"definition"]
     assert (folder / "columns.csv").read_text().count("\n") == 1 + sum(map(len, COLUMNS.values()))
     one = tmp_path / "one"
-    files = [str(cells / "cell03.dat"), str(tmp_path / "none.dat")]
+    files = [str(few / "cell03.dat"), str(tmp_path / "none.dat")]
     assert command([*files, "-o", str(one)]) == 1
     rows = pq.read_table(one / "epochs.parquet").to_pylist()
     assert len(rows) == 15 and "none.dat: No such file" in rows[-1]["reasons"]
@@ -156,17 +172,17 @@ def test_files_a_folder_and_a_catalogue_give_the_same_tables(cells, known, tmp_p
     for arguments, said in (
             ([str(catalogue), "-o", str(one)], "--force"),
             ([str(catalogue), "-o", str(tmp_path / "x"), "--where", "nix"], "--where"),
-            ([str(cells), files[0], "-o", str(tmp_path / "x")], "name one folder"),
+            ([str(few), files[0], "-o", str(tmp_path / "x")], "name one folder"),
             ([files[0], "--where", "epoch > 1", "-o", str(tmp_path / "x")], "corvantis index")):
         assert command(arguments) == 2
         assert said in capsys.readouterr().err
 
 
-def test_figures_of_many_cells(cells, tmp_path, capsys):
+def test_figures_of_many_cells(few, tmp_path, capsys):
     from corvantis.archive import index
     from corvantis.archive import open as open_catalogue
     from corvantis.cell_figures import plot_query
-    index(cells, tmp_path / "catalogue", processes=1)
+    index(few, tmp_path / "catalogue", processes=1)
     catalogue = open_catalogue(tmp_path / "catalogue")
     every = "SELECT file, epoch FROM epochs WHERE epoch > 0 ORDER BY ALL"
     curves = plot_query(catalogue, every, curves=True)
@@ -189,3 +205,32 @@ def test_figures_of_many_cells(cells, tmp_path, capsys):
 @pytest.mark.parametrize("table", COLUMNS)
 def test_documentation_has_the_columns(table):
     assert as_markdown(table) in DOCUMENT.read_text(), "python3 -m corvantis.measure.columns"
+
+
+BLOCK = re.compile(r"^```(sh|python|text)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
+MOST_DIFFERENCE = 4.0   # mean over all dots [of 255]; the page's pictures are smaller
+
+
+def test_the_page_runs(cells, tmp_path, monkeypatch):
+    shutil.copytree(cells, tmp_path / "cells", ignore=shutil.ignore_patterns("*.npz"))
+    program = tmp_path / "corvantis"
+    program.write_text(f'#!/bin/sh\nexec "{sys.executable}" -m corvantis "$@"\n')
+    program.chmod(0o755)
+    monkeypatch.chdir(tmp_path)
+    monkeypatch.setenv("PATH", f"{tmp_path}:{os.environ['PATH']}")
+    printed, names = "", {}
+    for language, code in BLOCK.findall(DOCUMENT.read_text()):
+        if language == "text":
+            assert printed == code
+        elif language == "python":
+            with contextlib.redirect_stdout(io.StringIO()) as said:
+                exec(code, names)
+            printed = said.getvalue()
+        else:
+            printed = subprocess.run(["bash", "-euc", code], check=True, text=True,
+                                     stdout=subprocess.PIPE).stdout
+    for name in ("rates.png", "cells.png"):
+        kept = Image.open(DOCUMENT.parent / "images" / name).convert("RGB")
+        made = Image.open(name).convert("RGB").resize(kept.size, Image.Resampling.LANCZOS)
+        difference = np.abs(np.asarray(made, float) - np.asarray(kept, float))
+        assert difference.mean() <= MOST_DIFFERENCE

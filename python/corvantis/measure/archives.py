@@ -18,9 +18,9 @@ from ..errors import CorvantisError
 from ..recording import Recording, open_recording
 from .columns import COLUMNS, EPOCHS
 from .recordings import measure
-from .tables import TABLE, apart, together, write, write_definitions
+from .tables import PROBLEM, TABLE, apart, together, write, write_definitions
 
-PROBLEM = "problem"     # column that says why a file could not be worked on
+TOGETHER = 4096     # rows that are taken apart at once
 Batches = Callable[[], Any]
 
 
@@ -62,7 +62,7 @@ def measure_catalogue(catalogue: str | os.PathLike[str], output: str | os.PathLi
             failures = map_to(made, measure_file, catalogue, columns=["file", "epoch"], **options)
         except duckdb.Error as error:
             raise ValueError(f"--where: {error}") from None
-        return _write_all(folder, lambda: pq.ParquetFile(made).iter_batches(), failures)
+        return _write_all(folder, lambda: pq.ParquetFile(made).iter_batches(TOGETHER), failures)
 
 
 def measure_folder(root: str | os.PathLike[str], output: str | os.PathLike[str],
@@ -79,8 +79,9 @@ def _of_file(name: str) -> pa.Table:
     try:
         with open_recording(name) as recording:
             return together(measure(recording, file=name))
-    except CorvantisError as error:
-        return pa.table({TABLE: [EPOCHS], "file": [name], PROBLEM: [str(error)]})
+    except Exception as error:      # one bad file is not the end of many
+        named = "" if isinstance(error, CorvantisError) else f"{type(error).__name__}: "
+        return pa.table({TABLE: [EPOCHS], "file": [name], PROBLEM: [f"{named}{error}"]})
 
 
 def measure_files(files: Sequence[str], output: str | os.PathLike[str]) -> Summary:

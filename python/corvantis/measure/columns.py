@@ -50,10 +50,10 @@ _CLAMP = ("clamp", "", TEXT, "`current` where a potential is recorded and a curr
 REASONS = "reasons"
 _REASONS = Column(REASONS, "", TEXT, "place",
                   "why columns are empty: `names: reason`, parted by `; `. A group's name stands "
-                  "for all its columns")
+                  "for all its columns, `all` for a file that could not be read")
 
-_STIMULUS = _columns(
-    "stimulus",
+_TIMING = _columns(
+    "timing",
     ("start", "ms", NUMBER, "first point of the longest step, or of what is not the holding level, "
      "from the epoch's start"),
     ("duration", "ms", NUMBER, "from there to the end of the step, or of what is not the holding "
@@ -74,7 +74,7 @@ _SPIKE_SHAPE = (
 COLUMNS: dict[str, tuple[Column, ...]] = {
     EPOCHS: (
         *_place(_EPOCH, _ENTRY, _CLAMP, ("stimulus", "", TEXT, "the stimulus in words")),
-        *_STIMULUS,
+        *_TIMING,
         *_columns(
             "current",
             ("holding_current", "pA", NUMBER, "current clamp: applied current that the epoch "
@@ -168,7 +168,7 @@ COLUMNS: dict[str, tuple[Column, ...]] = {
                  "which has two values at least"),
                 _ENTRY, _CLAMP, ("epochs", "", TEXT, "numbers of its epochs")),
         *_columns(
-            "stimulus",
+            "timing",
             ("steps", "", WHOLE, "how many epochs it has"),
             ("start", "ms", NUMBER, "first point of the step, from the epoch's start"),
             ("duration", "ms", NUMBER, "length of the step")),
@@ -209,7 +209,7 @@ COLUMNS: dict[str, tuple[Column, ...]] = {
     SPIKES: (
         *_place(_EPOCH, _ENTRY, ("spike", "", WHOLE, "number of the spike in the epoch and entry, "
                                  "from 0")),
-        *_columns("stimulus", ("phase", "", TEXT, "whether the spike begins `before`, `during` or "
+        *_columns("timing", ("phase", "", TEXT, "whether the spike begins `before`, `during` or "
                                "`after` the stimulus")),
         *_columns(
             "spike",

@@ -29,10 +29,10 @@ class Measured:
     values: dict[str, Value]
 
 
-def _stimulus(trace: Trace) -> dict[str, Value]:
+def _timing(trace: Trace) -> dict[str, Value]:
     course = trace.stimulus
     if isinstance(course, Missing):
-        return none_of(columns_of(EPOCHS, "stimulus"), course)
+        return none_of(columns_of(EPOCHS, "timing"), course)
     start, stop = (course.start, course.stop) if course.step is None else \
         (course.step.start, course.step.stop)
     return {"start": start * trace.interval, "duration": (stop - start) * trace.interval}
@@ -71,7 +71,7 @@ def _spiking(trace: Trace, spikes: list[Spike]) -> dict[str, Value]:
     if isinstance(trace.stimulus, Missing):
         return none_of(columns_of(EPOCHS, "spikes", "first spike", "intervals"), trace.stimulus)
     during = [spike for spike in spikes if spike.phase == DURING]
-    place = _stimulus(trace)
+    place = _timing(trace)
     counts = {phase: sum(spike.phase == phase for spike in spikes) for phase in (BEFORE, AFTER)}
     values: dict[str, Value] = {
         "spikes": len(during), "rate": _rate(len(during), float(place["duration"])),
@@ -91,7 +91,7 @@ def _of_current_clamp(trace: Trace, spikes: list[Spike],
 
 
 def _values(trace: Trace, spikes: list[Spike], firsts: FirstBaselines) -> dict[str, Value]:
-    values: dict[str, Value] = {"clamp": trace.clamp, **_stimulus(trace)}
+    values: dict[str, Value] = {"clamp": trace.clamp, **_timing(trace)}
     if isinstance(trace.clamp, Missing):
         return {**values, **none_of(columns_of(EPOCHS, *OF_CURRENT_CLAMP, "test pulse"),
                                     trace.clamp), **quality(trace, trace.clamp, firsts)}

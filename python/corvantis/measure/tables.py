@@ -8,14 +8,16 @@ from pathlib import Path
 from typing import Any
 
 import pyarrow as pa
+import pyarrow.compute as pc
 import pyarrow.parquet as pq
 
-from .columns import COLUMNS, NUMBER, TEXT, TRUTH, WHOLE
+from .columns import COLUMNS, EPOCHS, NUMBER, REASONS, TEXT, TRUTH, WHOLE
 from .missing import Row
 from .recordings import Measurements
 
 TYPES = {TEXT: pa.string(), WHOLE: pa.int64(), NUMBER: pa.float64(), TRUTH: pa.bool_()}
 TABLE = "table"         # column that parts the rows of several tables
+PROBLEM = "problem"     # column that says why a file could not be measured
 DIGITS = 9              # of numbers in CSV
 GROUP = 1 << 16         # rows that are written at once
 
@@ -38,18 +40,26 @@ def together(measurements: Measurements) -> pa.Table:
     return pa.Table.from_pylist(rows, schema=_of_all())
 
 
+def _column(rows: pa.Table, field: pa.Field) -> pa.ChunkedArray:
+    if field.name not in rows.column_names:     # no file could be measured
+        return pa.chunked_array([pa.nulls(len(rows), field.type)])
+    return rows[field.name].cast(field.type)
+
+
 def apart(pieces: Iterable[pa.RecordBatch], table: str) -> Iterator[pa.Table]:
     """The rows of one table among those of all; a file that could not be measured has one in
     the table of epochs."""
     wanted = schema(table)
     for piece in pieces:
-        rows = [row for row in piece.to_pylist() if (row[TABLE] or "epochs") == table]
-        for row in rows:
-            if row.get("problem"):
-                row["reasons"] = f"all: {row['problem']}"
-        if rows:
-            yield pa.Table.from_pylist([{name: row.get(name) for name in wanted.names}
-                                        for row in rows], schema=wanted)
+        rows = pa.Table.from_batches([piece])
+        rows = rows.filter(pc.equal(pc.fill_null(rows[TABLE], EPOCHS), table)) \
+            if TABLE in rows.column_names else rows.slice(0, len(rows) if table == EPOCHS else 0)
+        columns = {field.name: _column(rows, field) for field in wanted}
+        if PROBLEM in rows.column_names:
+            why = pc.binary_join_element_wise("all", rows[PROBLEM].cast(pa.string()), ": ")
+            columns[REASONS] = pc.coalesce(columns[REASONS], why)
+        if len(rows):
+            yield pa.table(list(columns.values()), schema=wanted)
 
 
 def _cell(value: Any) -> str:

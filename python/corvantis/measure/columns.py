@@ -210,7 +210,7 @@ COLUMNS: dict[str, tuple[Column, ...]] = {
         *_place(_EPOCH, _ENTRY, ("spike", "", WHOLE, "number of the spike in the epoch and entry, "
                                  "from 0")),
         *_columns("timing", ("phase", "", TEXT, "whether the spike begins `before`, `during` or "
-                               "`after` the stimulus")),
+                             "`after` the stimulus")),
         *_columns(
             "spike",
             ("time", "ms", NUMBER, "of the peak, from the epoch's start"),
@@ -222,8 +222,9 @@ COLUMNS: dict[str, tuple[Column, ...]] = {
 
 def as_markdown(table: str) -> str:
     """The columns of a table for the documentation."""
-    rows: list[tuple[Any, ...]] = [("Column", "Unit", "Definition"), ("---", "---", "---")]
-    rows += [(f"`{each.heading}`", each.unit, each.definition) for each in COLUMNS[table]]
+    rows: list[tuple[Any, ...]] = [("Column", "Unit", "Group", "Definition"), ("---",) * 4]
+    rows += [(f"`{each.heading}`", each.unit, each.group, each.definition)
+             for each in COLUMNS[table]]
     return "\n".join(f"| {' | '.join(row)} |" for row in rows)
 
 

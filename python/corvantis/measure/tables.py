@@ -99,9 +99,9 @@ def write(folder: Path, table: str, pieces: Iterable[pa.Table]) -> int:
 
 
 def write_definitions(folder: Path) -> None:
-    """Units and definitions of all columns, as CSV."""
+    """Units, groups and definitions of all columns, as CSV."""
     with open(folder / "columns.csv", "w", encoding="utf-8", newline="") as stream:
         lines = csv.writer(stream, lineterminator="\n")
-        lines.writerow(["table", "column", "unit", "definition"])
-        lines.writerows([table, each.heading, each.unit, each.definition]
+        lines.writerow(["table", "column", "unit", "group", "definition"])
+        lines.writerows([table, each.heading, each.unit, each.group, each.definition]
                         for table, columns in COLUMNS.items() for each in columns)

@@ -151,7 +151,7 @@ def test_settings_of_efel_stay(known):
 def test_files_a_folder_and_a_catalogue_give_the_same_tables(few, known, tmp_path, capsys):
     from corvantis.archive import index
     index(few, tmp_path / "catalogue", processes=1)
-    for name, source in (("folder", [few]), ("catalogue", [tmp_path / "catalogue"])):
+    for name, *source in (("folder", few, "--processes", 1), ("catalogue", tmp_path / "catalogue")):
         assert command([*map(str, source), "-o", str(tmp_path / name)]) == 0
     assert "140 epochs, 10 families" in capsys.readouterr().out
     folder, catalogue = tmp_path / "folder", tmp_path / "catalogue"

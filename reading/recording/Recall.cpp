@@ -11,7 +11,8 @@ bool CanBe(const Known& known) {
     int64_t next = 0;
     for (const CorvantisPlace& place : known.places) {
         if (place.epoch < next || place.epoch >= known.info.epochs) return false;
-        if (place.start < kFirstEpoch || place.end > known.info.size) return false;
+        if (place.start < kFirstEpoch || place.end < kFirstEpoch) return false;
+        if (place.end > known.info.size) return false;
         if (place.end - place.start < kEpochHeaderSize) return false;
         next = place.epoch + 1;
     }

@@ -48,8 +48,11 @@ install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/corvantis REN
 # For the system's own Python; a wheel carries the library inside instead.
 install(DIRECTORY python/corvantis DESTINATION lib/python3/dist-packages
         FILES_MATCHING PATTERN "*.py" PATTERN "*.json" PATTERN "py.typed" PATTERN "__pycache__" EXCLUDE)
+# The page of `corvantis view`, if scripts/build-page has built it.
+install(FILES build/page/viewer.html OPTIONAL
+        DESTINATION lib/python3/dist-packages/corvantis)
 install(PROGRAMS python/bin/corvantis-plot python/bin/corvantis-families python/bin/corvantis-nwb
-                 python/bin/corvantis-index python/bin/corvantis-measure
+                 python/bin/corvantis-index python/bin/corvantis-measure python/bin/corvantis-view
         DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 set(CPACK_GENERATOR DEB)

@@ -577,6 +577,25 @@ CORVANTIS_API int32_t CorvantisDescribe(const CorvantisRecording* recording, int
                                         uint8_t* missing, int64_t* described,
                                         CorvantisProblem* problem);
 
+/**
+ * What one component adds to a sum, as #CorvantisStimulusValues gives the whole. A sum's components
+ * share a buffer: a component that is shorter than the one before it adds the rest of that one once
+ * more.
+ * @param[in] recording the recording
+ * @param[in] epoch its number
+ * @param[in] entry sequence entry, whose stimulus is a sum
+ * @param[in] component from 0
+ * @param[in] first first point
+ * @param[in] count points
+ * @param[out] values room for them
+ * @param[out] problem what went wrong, or null
+ * @return #CORVANTIS_SUCCESS, #CORVANTIS_DAMAGED, #CORVANTIS_NO_STIMULUS or one of convention 3
+ */
+CORVANTIS_API int32_t CorvantisComponentValues(const CorvantisRecording* recording, int64_t epoch,
+                                               int32_t entry, int32_t component, int64_t first,
+                                               int64_t count, double* values,
+                                               CorvantisProblem* problem);
+
 /* ---- Units ------------------------------------------------------------------------------ */
 
 /** What a unit measures, of those that electrophysiology rests on. */
@@ -623,6 +642,14 @@ typedef struct CorvantisScaleInfo {
 CORVANTIS_API int32_t CorvantisScale(const CorvantisRecording* recording, int64_t epoch,
                                      int32_t entry, int32_t direction, CorvantisScaleInfo* scale,
                                      CorvantisProblem* problem);
+
+/**
+ * What an axis of values is called, such as "Membrane Potential" for a response in mV.
+ * @param[in] direction #CORVANTIS_RESPONSE, #CORVANTIS_STIMULUS or #CORVANTIS_CONDUCTANCE
+ * @param[in] unit of the values, or null
+ * @return its name, such as "Response" where the unit does not tell more; never null
+ */
+CORVANTIS_API const char* CorvantisAxisName(int32_t direction, const char* unit);
 
 /* ---- Texts ------------------------------------------------------------------------------ */
 

@@ -4,8 +4,10 @@ import sys
 from .commands import families, nwb, plot
 from .index_command import index
 from .measure_command import measure
+from .viewing import view
 
-COMMANDS = {"plot": plot, "families": families, "nwb": nwb, "index": index, "measure": measure}
+COMMANDS = {"plot": plot, "families": families, "nwb": nwb, "index": index, "measure": measure,
+            "view": view}
 
 
 def main() -> int:

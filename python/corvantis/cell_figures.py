@@ -14,8 +14,10 @@ from matplotlib.figure import Figure
 from . import scalebars
 from .epoch import Epoch
 from .families import measure
-from .plotting import (LONGEST_IN_MILLISECONDS, RESPONSE_LABELS, STIMULUS_LABELS, STYLE, Sweep,
-                       colours, common_unit, label, margins, read_sweep, thinned)
+from .interface import RESPONSE, STIMULUS
+from .plotting import (LONGEST_IN_MILLISECONDS, STYLE, Sweep, colours, common_unit, label, margins,
+                       read_sweep, thinned)
+from .units import axis_name
 
 if TYPE_CHECKING:
     from .archive import Catalogue
@@ -101,7 +103,7 @@ def _side_by_side(curves: Mapping[str, Curve]) -> Figure:
 
 def plot_curves(curves: Mapping[str, Curve], unit: str = "pA") -> Figure:
     """Spike rate [Hz] against the step's level, by cell; of many cells in panels of their own."""
-    x, y = label(STIMULUS_LABELS, unit, "Stimulus"), "Spike Rate (Hz)"
+    x, y = label(STIMULUS, unit), "Spike Rate (Hz)"
     with matplotlib.rc_context(STYLE):
         if len(curves) <= MOST_TOGETHER:
             figure, axes = _together(curves)
@@ -147,7 +149,7 @@ def plot_sweeps(cells: Mapping[str, Sequence[Epoch]], channel: int = 0) -> Figur
         panels[0].set_xlim(0, longest * scale or 1)
         scalebars.draw_vertical(panels[-1], unit, 1.02)
         scalebars.draw_horizontal(panels[-1], time_unit, right=1.02)
-        name = RESPONSE_LABELS.get(unit, "Response")
+        name = axis_name(RESPONSE, unit)
         figure.suptitle(f"{len(epochs)} sweeps of {len(cells)} cells: {name}, all at one scale",
                         fontsize=9, x=0.01, y=0.995, ha="left")
         return figure

@@ -149,7 +149,7 @@ def _plot(options: argparse.Namespace) -> None:
 
 def _families(options: argparse.Namespace) -> None:
     from .families import as_text, find_family, plot_family
-    from .plotting import write_whole
+    from .writing import write_whole
     _check_output(options)
     with open_recording(options.file) as recording:
         family = find_family(_epochs(recording, options), options.channel, options.threshold)

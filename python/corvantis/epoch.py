@@ -12,6 +12,7 @@ from .errors import CorvantisError, CorvantisWarning
 from .interface import (ALL_ENTRIES, DAMAGED, DIGITAL_INPUT, DIGITAL_OUTPUT, EPOCH_HEADER,
                         EPOCH_HEADER_SIZE, RESPONSE, STIMULUS, DoubtReason, DoubtRecord, EpochInfo)
 from .lazy import lazy
+from .notebook import epoch_html
 from .records import Record, fields_of, header
 from .samples import Neighbours, fill, room
 from .stimuli import Stimulus, read_json, read_stimulus, read_words, with_conductances
@@ -72,6 +73,9 @@ class Epoch:
             return f"<Epoch {self.number}: damaged>"
         return (f"<Epoch {self.number}: {self.points} points at {self.sampling_rate:g} Hz, "
                 f"{' + '.join(self.inputs)}>")
+
+    def _repr_html_(self) -> str:
+        return epoch_html(self)
 
     # ---- Header ---------------------------------------------------------------------------
 

@@ -11,8 +11,8 @@ from matplotlib.figure import Figure
 
 from .epoch import Epoch
 from .epochs import in_ranges, undamaged
-from .plotting import (RESPONSE_LABELS, STIMULUS_LABELS, STYLE, draw_key, draw_panels, label,
-                       read_sweep)
+from .interface import RESPONSE, STIMULUS
+from .plotting import STYLE, draw_key, draw_panels, label, read_sweep
 from .progress import progress
 from .recording import Recording
 from .steps import (STEADY_FRACTION, Members, StimulusStep, families_of_steps, main_step,
@@ -154,8 +154,8 @@ def _voltage_panel(axes: Axes, family: Family) -> None:
         axes.plot(levels, [step.peak for step in family.settled], "s--", color="0.5", markersize=4,
                   linewidth=0.8, label="peak")
         axes.legend(frameon=False, fontsize=8)
-    axes.set_xlabel(label(STIMULUS_LABELS, family.stimulus_unit, "Stimulus"))
-    axes.set_ylabel(label(RESPONSE_LABELS, family.response_unit, "Response", "\n"))
+    axes.set_xlabel(label(STIMULUS, family.stimulus_unit))
+    axes.set_ylabel(label(RESPONSE, family.response_unit, "\n"))
     if family.input_resistance is not None:
         resistance = f"{family.input_resistance:.0f} M\N{GREEK CAPITAL LETTER OMEGA}"
         axes.set_title(f"input resistance {resistance}\n(line through rest, {len(levels)} steps)",
@@ -165,7 +165,7 @@ def _voltage_panel(axes: Axes, family: Family) -> None:
 def _rate_panel(axes: Axes, family: Family) -> None:
     axes.plot([step.level for step in family.steps], [step.rate for step in family.steps], "o-",
               color="black", markersize=4, linewidth=0.8)
-    axes.set_xlabel(label(STIMULUS_LABELS, family.stimulus_unit, "Stimulus"))
+    axes.set_xlabel(label(STIMULUS, family.stimulus_unit))
     axes.set_ylabel("Spike Rate\n(Hz)")
     axes.set_ylim(bottom=-0.03 * max(1.0, axes.get_ylim()[1]))
 

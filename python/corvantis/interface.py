@@ -148,7 +148,7 @@ class ScaleInfo(ctypes.Structure):
 
 
 _SAMPLES = (c_void_p, c_int64, c_int32, c_int64, c_int64, c_void_p, c_int64)
-#: Arguments of each function; all but two return a result code.
+#: Arguments of each function; all but three return a result code.
 FUNCTIONS: dict[str, tuple[type, ...]] = {
     "CorvantisOpen": (c_char_p, c_void_p, c_void_p),
     "CorvantisOpenSource": (c_void_p, c_char_p, c_void_p, c_void_p),
@@ -179,6 +179,8 @@ FUNCTIONS: dict[str, tuple[type, ...]] = {
     "CorvantisStimulusWords": (c_void_p, c_int64, c_int32, c_void_p, c_int64, c_void_p, c_void_p),
     "CorvantisDescribe": (c_void_p, c_int64, c_int64, c_void_p, c_int32, c_void_p, c_void_p,
                           c_void_p, c_void_p, c_void_p),
+    "CorvantisAxisName": (c_int32, c_char_p),
     "CorvantisText": (c_char_p, c_int32, c_void_p, c_int32),
 }
-OTHER_RESULTS: dict[str, type | None] = {"CorvantisEpochs": c_int64, "CorvantisClose": None}
+OTHER_RESULTS: dict[str, type | None] = {"CorvantisEpochs": c_int64, "CorvantisClose": None,
+                                         "CorvantisAxisName": c_char_p}

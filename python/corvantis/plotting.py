@@ -1,9 +1,7 @@
 """Figures of epochs: the response above, the recomputed stimulus below, on one time axis."""
 from __future__ import annotations
 
-import contextlib
 import io
-import os
 import textwrap
 from collections.abc import Sequence
 from dataclasses import dataclass
@@ -19,11 +17,12 @@ from . import scalebars
 from .epoch import Epoch
 from .epochs import in_ranges, undamaged
 from .errors import CorvantisError
-from .interface import NO_STIMULUS
+from .interface import CONDUCTANCE, NO_STIMULUS, RESPONSE, STIMULUS
 from .progress import progress
 from .recording import Recording
 from .stimuli import has_conductances
-from .units import Samples
+from .units import Samples, axis_name
+from .writing import write_whole
 
 LINE_WIDTH = 0.8            # [pt]
 LONGEST_IN_MILLISECONDS = 2.0   # [s]
@@ -37,9 +36,6 @@ STYLE = {"svg.fonttype": "none", "svg.hashsalt": "corvantis", "pdf.fonttype": 42
          "axes.spines.top": False, "axes.spines.right": False, "path.simplify_threshold": 0.1,
          "text.parse_math": False}      # units and comments stand for themselves
 
-RESPONSE_LABELS = {"mV": "Membrane Potential", "pA": "Clamp Current", "nA": "Clamp Current"}
-STIMULUS_LABELS = {"pA": "Applied Current", "nA": "Applied Current", "mV": "Command Potential"}
-
 
 @dataclass
 class Sweep:
@@ -51,9 +47,10 @@ class Sweep:
     below: list[Samples]
 
 
-def label(names: dict[str, str], unit: str, otherwise: str, gap: str = " ") -> str:
+def label(direction: int, unit: str, gap: str = " ") -> str:
     """An axis label such as "Membrane Potential (mV)"; `gap` may be a new line."""
-    return f"{names.get(unit, otherwise)}{gap}({unit})" if unit else otherwise
+    name = axis_name(direction, unit)
+    return f"{name}{gap}({unit})" if unit else name
 
 
 def _below(epoch: Epoch, channel: int) -> list[Samples]:
@@ -135,7 +132,7 @@ class Panels:
     response_unit: str
     stimulus_unit: str
     time_unit: str
-    stimulus_name: str
+    lower_direction: int
 
 
 def _stacked(sweeps: list[Sweep]) -> list[Samples]:
@@ -158,13 +155,12 @@ def draw_key(figure: Figure, numbers: Sequence[int], left: float, top: float) ->
 
 
 def _dress_axes(panels: Panels) -> None:
-    response = label(RESPONSE_LABELS, panels.response_unit, "Response")
+    response = label(RESPONSE, panels.response_unit)
     panels.upper.set_ylabel(response)
     bottom = panels.lower or panels.upper
     bottom.set_xlabel(f"Time ({panels.time_unit})")
     if panels.lower is not None:
-        names = {} if panels.stimulus_name == "Conductance" else STIMULUS_LABELS
-        panels.lower.set_ylabel(label(names, panels.stimulus_unit, panels.stimulus_name, "\n"))
+        panels.lower.set_ylabel(label(panels.lower_direction, panels.stimulus_unit, "\n"))
         panels.upper.tick_params(labelbottom=False)
         panels.upper.figure.align_ylabels([panels.upper, panels.lower])
 
@@ -216,7 +212,7 @@ def draw_panels(figure: Figure, cells: Sequence[object], epochs: Sequence[Epoch]
         common_unit([epoch.units.response[channel] for epoch in epochs], "responses"),
         "nS" if conductance else
         common_unit([epoch.units.stimulus[channel] for epoch in epochs], "stimuli"),
-        time_unit, "Conductance" if conductance else "Stimulus")
+        time_unit, CONDUCTANCE if conductance else STIMULUS)
     if axes:
         _dress_axes(panels)
     else:
@@ -287,15 +283,3 @@ def save(figure: Figure, path: str) -> None:
         figure.savefig(drawn, format=ending, dpi=150, bbox_inches="tight", pad_inches=0.08,
                        metadata=metadata.get(ending))
     write_whole(path, drawn.getvalue())
-
-
-def write_whole(path: str, content: bytes) -> None:
-    """Write a file that has its name only when it is complete."""
-    unfinished = f"{path}.{os.getpid()}.tmp"
-    try:
-        with open(unfinished, "xb") as stream:
-            stream.write(content)
-        os.replace(unfinished, path)
-    finally:
-        with contextlib.suppress(FileNotFoundError):
-            os.unlink(unfinished)

@@ -6,6 +6,7 @@ import os
 import weakref
 from collections.abc import Iterable, Sequence
 from dataclasses import dataclass
+from html import escape
 from typing import TYPE_CHECKING, Any, BinaryIO, Union
 
 from .columns import read_columns
@@ -15,6 +16,7 @@ from .errors import CorvantisError
 from .handle import Handle, Known
 from .identity import Identity, checksum, local, portable
 from .interface import CHANGED, FILE_HEADER_SIZE, FindingRecord, RecordingInfo, Weight
+from .notebook import recording_html
 from .records import Record, header
 from .samples import stacked
 from .source import is_file_object
@@ -133,6 +135,9 @@ class Recording:
     def __repr__(self) -> str:
         state = "closed" if self._closed else f"{len(self.epochs)} epochs"
         return f"<Recording {self.path}: {state}>"
+
+    def _repr_html_(self) -> str:
+        return escape(repr(self)) if self._closed else recording_html(self)
 
     def refresh(self) -> int:
         """Take in the epochs that another program has saved meanwhile; returns how many.

@@ -9,6 +9,7 @@ from numpy.typing import NDArray
 
 from .handle import Handle
 from .interface import Quantity, ScaleInfo
+from .library import library
 
 Samples = NDArray[np.float64]
 Counts = NDArray[np.int16]
@@ -62,3 +63,9 @@ def read_scale(handle: Handle, epoch: int, entry: int, direction: int) -> Scale:
     handle.call(handle.library.CorvantisScale, epoch, entry, direction, ctypes.addressof(info))
     return Scale(info.unit.decode(), info.formula.decode(), info.countsPerVolt, info.gain,
                  info.factor, bool(info.isWord), Quantity(info.quantity), info.si)
+
+
+def axis_name(direction: int, unit: str) -> str:
+    """What an axis of values is called, such as "Membrane Potential" for a response in mV."""
+    name: bytes = library().CorvantisAxisName(direction, unit.encode())
+    return name.decode()

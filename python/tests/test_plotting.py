@@ -101,3 +101,16 @@ def test_family_of_steps(recorded):
     assert family.steps[1].steady == pytest.approx(response[2800:3000].mean(), abs=0.05)
     # About 43 MOhm at rest, and more below it.
     assert 43 < family.input_resistance < 80
+
+
+def test_notebooks_show_a_table_and_a_figure_of_hostile_texts(recorded, tmp_path):
+    content = bytearray(recorded("steps").read_bytes())
+    place = content.index(b"step 1")
+    content[place:place + 6] = b"<b>&x\0"
+    path = tmp_path / "<i>.dat"
+    path.write_bytes(content)
+    with corvantis.open(path) as recording:
+        shown, epoch = recording._repr_html_(), recording.epochs[1]._repr_html_()
+    assert shown.count("<tr>") == 4 and "&lt;b&gt;&amp;x" in shown and "<i>" not in shown
+    assert "&lt;b&gt;&amp;x" in epoch and "pulse 50 pA on 0 pA, 100 ms after 50 ms" in epoch
+    assert epoch.count("<img ") == 1

@@ -174,3 +174,7 @@ int32_t CorvantisScale(const CorvantisRecording* recording, int64_t epoch, int32
             return CORVANTIS_SUCCESS;
         });
 }
+
+const char* CorvantisAxisName(int32_t direction, const char* unit) {
+    return AxisNameOf(direction, unit == nullptr ? "" : unit);
+}

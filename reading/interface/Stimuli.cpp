@@ -45,6 +45,44 @@ int32_t ComputeChosen(const Contents& contents, const EpochReading& reading,
     return CORVANTIS_SUCCESS;
 }
 
+// Samples of one component of an entry that can be computed; null without memory.
+OwnedBlock<uint16_t> ComputeOne(const Contents& contents, const EpochReading& reading,
+                                const NoiseHistory& history, size_t entry, size_t component) {
+    const int8_t version = contents.Moment().header.version;
+    GnuRandom old;
+    NoiseGenerators generators(old);
+    history.BringTo(reading.place.number, generators);
+    for (size_t k = 0; k < entry; ++k) PassOver(reading.content, k, version, generators);
+    return ComputeComponent(reading.content, entry, component, version, generators);
+}
+
+int32_t GiveComponent(const Contents& contents, const EpochReading& reading, Target<double> target,
+                      int32_t component, const Reporter& reporter) {
+    int32_t result = CheckTarget(reading.place, target, reporter);
+    if (result != CORVANTIS_SUCCESS) return result;
+    const Entries chosen = Chosen(target.entry, reading.place.entries);
+    const auto entry = static_cast<size_t>(chosen.first);
+    const size_t components =
+        chosen.count == 1 ? reading.content.stimuli[entry].components.size() : 0;
+    if (component < 0 || static_cast<size_t>(component) >= components) {
+        return reporter.ReportEpoch(
+            CORVANTIS_BAD_ARGUMENT, reading.place.number, -1,
+            Say("has no component ", component, " of entry ", target.entry));
+    }
+    result = CheckComputable(reading, chosen, reporter);
+    if (result != CORVANTIS_SUCCESS || target.count == 0) return result;
+    const NoiseHistory* history = HistoryOf(contents, reading, reporter);
+    if (history == nullptr) return CORVANTIS_FILE_ERROR;
+    const auto samples =
+        ComputeOne(contents, reading, *history, entry, static_cast<size_t>(component));
+    if (samples == nullptr) return reporter.Report(CORVANTIS_OUT_OF_MEMORY, -1, "out of memory");
+    const Scale scale =
+        ScaleOf(contents.Moment().header, reading.content.header, entry, CORVANTIS_STIMULUS);
+    const auto* first = reinterpret_cast<const int16_t*>(samples.get()) + target.first;
+    Convert(scale, {first, static_cast<size_t>(target.count)}, target.values, 1);
+    return CORVANTIS_SUCCESS;
+}
+
 // store(place among the chosen entries, samples) as above
 template <class Value, class Store>
 int32_t GiveStimulus(const CorvantisRecording* recording, int64_t epoch, Target<Value> target,
@@ -103,4 +141,16 @@ int32_t CorvantisStimulusValues(const CorvantisRecording* recording, int64_t epo
                                         static_cast<size_t>(entryOf), CORVANTIS_STIMULUS);
             Convert(scale, {samples, static_cast<size_t>(to.count)}, to.values + k, to.stride);
         });
+}
+
+int32_t CorvantisComponentValues(const CorvantisRecording* recording, int64_t epoch, int32_t entry,
+                                 int32_t component, int64_t first, int64_t count, double* values,
+                                 CorvantisProblem* problem) {
+    return WithEpoch(recording, epoch, Depth::kRecords, problem,
+                     [&](const Contents& contents, const FileView& view,
+                         const EpochReading& reading, const Reporter& reporter) -> int32_t {
+                         if (view.Fault() != ReadFault::kNone) return reporter.ReportFault(view);
+                         return GiveComponent(contents, reading, {entry, first, count, values, 0},
+                                              component, reporter);
+                     });
 }

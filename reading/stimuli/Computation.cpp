@@ -76,6 +76,18 @@ OwnedBlock<uint16_t> ComputeEntry(const EpochContent& content, size_t entry, int
     return result == ITC_SUCCESS ? std::move(output) : nullptr;
 }
 
+OwnedBlock<uint16_t> ComputeComponent(const EpochContent& content, size_t entry, size_t component,
+                                      int8_t version, NoiseGenerators& generators) {
+    const EpochSettings settings = SettingsOf(content, version);
+    // As within a sum, one buffer for all of them.
+    OwnedBlock<uint16_t> scratch = AllocateZeroed<uint16_t>(settings.epochPoints);
+    for (size_t k = 0; k <= component && scratch != nullptr; ++k) {
+        const Stimulus& stimulus = content.stimuli[entry].components[k];
+        if (Calculate(stimulus, scratch.get(), settings, generators) != ITC_SUCCESS) return nullptr;
+    }
+    return scratch;
+}
+
 void PassOver(const EpochContent& content, size_t entry, int8_t version,
               NoiseGenerators& generators) {
     for (const NoiseStep& step : NoiseOf(0, content, version).steps) {

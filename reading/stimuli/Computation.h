@@ -19,6 +19,10 @@ std::string WhyNotComputed(const EpochContent& content, size_t entry);
 OwnedBlock<uint16_t> ComputeEntry(const EpochContent& content, size_t entry, int8_t version,
                                   NoiseGenerators& generators);
 
+// What one component of a sum adds to it, likewise; the generators are left behind that component.
+OwnedBlock<uint16_t> ComputeComponent(const EpochContent& content, size_t entry, size_t component,
+                                      int8_t version, NoiseGenerators& generators);
+
 // Draws what the entry's noise draws.
 void PassOver(const EpochContent& content, size_t entry, int8_t version,
               NoiseGenerators& generators);

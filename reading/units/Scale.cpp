@@ -87,6 +87,17 @@ Scale ScaleOf(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t ent
                                            : StimulusScale(file, epoch, entry);
 }
 
+const char* AxisNameOf(int32_t direction, std::string_view unit) {
+    const bool isCurrent = unit == "pA" || unit == "nA";
+    if (direction == CORVANTIS_CONDUCTANCE) return "Conductance";
+    if (direction == CORVANTIS_RESPONSE) {
+        if (unit == "mV") return "Membrane Potential";
+        return isCurrent ? "Clamp Current" : "Response";
+    }
+    if (unit == "mV") return "Command Potential";
+    return isCurrent ? "Applied Current" : "Stimulus";
+}
+
 void Convert(const Scale& scale, std::span<const int16_t> counts, double* values, int64_t stride) {
     if (scale.isWord) {
         for (const int16_t count : counts) {

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "Corvantis.h"
 #include "CorvantisReading.h"
@@ -33,6 +34,9 @@ Scale ConductanceScale();
 // By one of the interface's directions.
 Scale ScaleOf(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t entry,
               int32_t direction);
+
+// What an axis of such values is called: a constant.
+const char* AxisNameOf(int32_t direction, std::string_view unit);
 
 // values[i * stride] of each count.
 void Convert(const Scale& scale, std::span<const int16_t> counts, double* values, int64_t stride);

@@ -141,6 +141,44 @@ TEST(ReadEpochs, HaveConductancesAndComponentsOfEachEntry) {
               CORVANTIS_BAD_ARGUMENT);
 }
 
+// A component shorter than the one before it, and noise that goes on behind the entry before.
+TEST(ReadEpochs, GiveWhatEachComponentAddsToASum) {
+    const auto prepare = [] {
+        const ITCSegmentedNoiseParameters noise = {300, 7, -5, kNoisePoints, 0, 0, 7, {}};
+        const ITCPulseParameters pulse = {100, -50, 40, 20, 10, {}};
+        SetUpNoise(3, 9, 2);
+        ASSERT_EQ(InstallSum(1, 3), 0);
+        ASSERT_EQ(ITCAddSegmentedNoiseParams(1, &noise), 0);
+        ASSERT_EQ(ITCAddPulseParams(1, &pulse), 0);
+        ASSERT_EQ(ITCAddSegmentedNoiseParams(1, &noise), 0);
+    };
+    const RecordedFile file = RecordFile({prepare, prepare});
+    MemorySource source{file.bytes};
+    Reading reading(source);
+    for (int64_t epoch = 0; epoch < 2; ++epoch) {
+        std::vector<double> sum(kNoisePoints), added(kNoisePoints);
+        for (int32_t component = 0; component < 3; ++component) {
+            ASSERT_EQ(CorvantisComponentValues(reading.recording, epoch, 1, component, 0,
+                                               kNoisePoints, added.data(), &reading.problem),
+                      CORVANTIS_SUCCESS)
+                << reading.Text();
+            std::transform(sum.begin(), sum.end(), added.begin(), sum.begin(), std::plus<>());
+        }
+        const Counts& played = file.epochs[static_cast<size_t>(epoch)].played;
+        CorvantisScaleInfo scale;
+        CorvantisScale(reading.recording, epoch, 1, CORVANTIS_STIMULUS, &scale, nullptr);
+        for (size_t i = 0; i < sum.size(); ++i) {
+            const double expected = played[2 * i + 1] / scale.countsPerVolt * scale.factor;
+            ASSERT_NEAR(sum[i], expected, 1e-9) << epoch << " " << i;
+        }
+    }
+    double value = 0;
+    EXPECT_EQ(CorvantisComponentValues(reading.recording, 0, 1, 3, 0, 1, &value, nullptr),
+              CORVANTIS_BAD_ARGUMENT);
+    EXPECT_EQ(CorvantisComponentValues(reading.recording, 0, -1, 0, 0, 1, &value, nullptr),
+              CORVANTIS_BAD_ARGUMENT);
+}
+
 // Gains, factors and units of an entry by hand; 1600 counts, and -32768 of a word.
 TEST(ReadEpochs, AreInUnitsByOneRule) {
     const struct {

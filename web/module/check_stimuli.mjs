@@ -15,7 +15,8 @@ const page = {
 const refused = 8; // no such descriptor: a page has no files of its own
 const system = new Proxy({}, { get: () => () => refused });
 const compiled = await WebAssembly.compile(readFileSync(modulePath));
-module = (await WebAssembly.instantiate(compiled, { page, wasi_snapshot_preview1: system })).exports;
+module = (await WebAssembly.instantiate(compiled, { page, wasi_snapshot_preview1: system }))
+  .exports;
 module._initialize();
 
 const problem = module.malloc(520); // CorvantisProblem: code, reason, offset, text

@@ -1,0 +1,100 @@
+// Wheel, touch and keys on the drawing, as changes of the window.
+import type { View } from "./panel";
+
+interface Wishes {
+  view: () => View;
+  move: (view: View) => void;
+  timeAt: (clientX: number) => number;
+  whole: () => void;
+  step: (by: number) => void;
+  click: (time: number, isSecond: boolean) => void;
+}
+
+export function zoomed({ from, to }: View, about: number, factor: number): View {
+  return { from: about + (from - about) * factor, to: about + (to - about) * factor };
+}
+
+const shifted = ({ from, to }: View, by: number): View => ({ from: from + by, to: to + by });
+
+export function listen(drawing: HTMLElement, wishes: Wishes): void {
+  const span = (): number => wishes.view().to - wishes.view().from;
+  const middle = (): number => (wishes.view().to + wishes.view().from) / 2;
+
+  drawing.addEventListener(
+    "wheel",
+    (event) => {
+      event.preventDefault();
+      const isAcross = Math.abs(event.deltaX) > Math.abs(event.deltaY) || event.shiftKey;
+      const turned = event.deltaX || event.deltaY;
+      if (isAcross) wishes.move(shifted(wishes.view(), (turned / 800) * span()));
+      else
+        wishes.move(
+          zoomed(wishes.view(), wishes.timeAt(event.clientX), Math.exp(event.deltaY / 400)),
+        );
+    },
+    { passive: false },
+  );
+
+  drawing.addEventListener("keydown", (event) => {
+    const keys: Record<string, () => void> = {
+      ArrowLeft: () => wishes.move(shifted(wishes.view(), -span() / 10)),
+      ArrowRight: () => wishes.move(shifted(wishes.view(), span() / 10)),
+      "+": () => wishes.move(zoomed(wishes.view(), middle(), 0.5)),
+      "=": () => wishes.move(zoomed(wishes.view(), middle(), 0.5)),
+      "-": () => wishes.move(zoomed(wishes.view(), middle(), 2)),
+      Home: wishes.whole,
+      PageUp: () => wishes.step(-1),
+      PageDown: () => wishes.step(1),
+      a: () => wishes.click(middle(), false),
+      b: () => wishes.click(middle(), true),
+    };
+    const act = keys[event.key];
+    if (act === undefined || event.ctrlKey || event.metaKey || event.altKey) return;
+    event.preventDefault();
+    act();
+  });
+
+  drawing.addEventListener("dblclick", wishes.whole);
+  let pressed = 0;
+  drawing.addEventListener("pointerdown", (event) => (pressed = event.clientX), true);
+  drawing.addEventListener("click", (event) => {
+    const isStill = Math.abs(event.clientX - pressed) < 3 && event.detail === 1;
+    if (isStill) wishes.click(wishes.timeAt(event.clientX), event.shiftKey);
+  });
+  listenToDrags(drawing, wishes);
+}
+
+/** A finger, or the mouse with Shift or the middle button, drags the window along; two fingers zoom. */
+function listenToDrags(drawing: HTMLElement, wishes: Wishes): void {
+  const fingers = new Map<number, number>();
+  const start = (event: PointerEvent): void => {
+    const isMouse = event.pointerType === "mouse";
+    if (isMouse && !event.shiftKey && event.button !== 1) return;
+    event.stopPropagation();
+    if (isMouse) event.preventDefault();
+    fingers.set(event.pointerId, event.clientX);
+    drawing.setPointerCapture(event.pointerId);
+  };
+  const move = (event: PointerEvent): void => {
+    const before = fingers.get(event.pointerId);
+    if (before === undefined) return;
+    const was = [...fingers.values()].map(wishes.timeAt);
+    fingers.set(event.pointerId, event.clientX);
+    const now = [...fingers.values()].map(wishes.timeAt);
+    if (fingers.size === 1) return wishes.move(shifted(wishes.view(), was[0]! - now[0]!));
+    const [wide, narrow] = [Math.abs(was[0]! - was[1]!), Math.abs(now[0]! - now[1]!)];
+    if (narrow > 0) wishes.move(zoomed(wishes.view(), (now[0]! + now[1]!) / 2, wide / narrow));
+  };
+  const end = (event: PointerEvent): void => void fingers.delete(event.pointerId);
+  drawing.addEventListener("pointerdown", start, true);
+  drawing.addEventListener(
+    "mousedown",
+    (event) => {
+      if (event.shiftKey || event.button === 1) event.stopPropagation();
+    },
+    true,
+  );
+  drawing.addEventListener("pointermove", move);
+  drawing.addEventListener("pointerup", end);
+  drawing.addEventListener("pointercancel", end);
+}

@@ -1,0 +1,86 @@
+// Numbers beside the drawing: the cursors with their difference, the value under the pointer, and a
+// table of all that is drawn.
+import { valueAtTime, type Frame, type View } from "../drawing/panel";
+import { shownNumber } from "../drawing/ticks";
+import { extent, type Trace } from "../drawing/trace";
+import { element, fillTable, make, row } from "./elements";
+
+export interface Readings {
+  frames: [Frame, Frame];
+  traces: [Trace[], Trace[]];
+}
+
+const at = (traces: Trace[], time: number | null): number | null =>
+  traces[0] === undefined || time === null ? null : valueAtTime(traces[0], time);
+const shown = (value: number | null): string => (value === null ? "" : shownNumber(value));
+const difference = (a: number | null, b: number | null): number | null =>
+  a === null || b === null ? null : b - a;
+
+/** The two cursors of the first epoch drawn; their times can be typed. */
+export function showCursors(
+  readings: Readings,
+  cursors: (number | null)[],
+  onType: (index: number, time: number | null) => void,
+): void {
+  const { frames, traces } = readings;
+  const unit = frames[0].time;
+  const heads = ["Cursor", `Time (${unit.name})`, ...frames.map((frame) => frame.label)];
+  element("cursor-heads").replaceChildren(...row(heads, "th").children);
+  const rows = cursors.map((time, index) => {
+    const field = document.createElement("input");
+    field.type = "number";
+    field.step = "any";
+    field.id = `cursor-${"ab"[index]!}`;
+    field.setAttribute("aria-label", `Cursor ${"AB"[index]!}, time in ${unit.name}`);
+    field.value = time === null ? "" : String(Number((time * unit.perSecond).toPrecision(9)));
+    field.addEventListener("change", () =>
+      onType(index, field.value === "" ? null : Number(field.value) / unit.perSecond),
+    );
+    const made = row(["AB"[index]!, "", ...traces.map((each) => shown(at(each, time)))]);
+    made.children[1]!.append(field);
+    return made;
+  });
+  const [a, b] = cursors;
+  const between = traces.map((each) => difference(at(each, a ?? null), at(each, b ?? null)));
+  const time = difference(a ?? null, b ?? null);
+  rows.push(
+    row(["B − A", shown(time === null ? null : time * unit.perSecond), ...between.map(shown)]),
+  );
+  element("cursor-rows").replaceChildren(...rows);
+}
+
+export function showHover(readings: Readings, time: number | null): void {
+  const part = element("hover");
+  if (time === null) {
+    part.textContent = "";
+    return;
+  }
+  const unit = readings.frames[0].time;
+  const texts = readings.traces.flatMap((traces, panel) =>
+    traces.slice(0, 4).map((trace) => {
+      const value = valueAtTime(trace, time);
+      return value === null ? "" : `${trace.name} ${shown(value)} ${readings.frames[panel]!.unit}`;
+    }),
+  );
+  const words = texts.filter((text) => text !== "").join(", ");
+  part.textContent = `${shownNumber(time * unit.perSecond)} ${unit.name}: ${words}`;
+}
+
+/** What is drawn, for those who do not see it. */
+export function showValues(readings: Readings, view: View): void {
+  const unit = readings.frames[0].time;
+  const rows = readings.traces.flatMap((traces, panel) =>
+    traces.map((trace) => {
+      const first = Math.max(0, Math.ceil(view.from / trace.interval));
+      const end = Math.min(trace.points, Math.floor(view.to / trace.interval) + 1);
+      const [low, high] = extent(trace, first, end);
+      const values = [valueAtTime(trace, first * trace.interval), low, high];
+      const { label } = readings.frames[panel]!;
+      return [trace.name, label, ...values.map((each) => shown(each))];
+    }),
+  );
+  const table = element("shown");
+  const [from, to] = [view.from, view.to].map((each) => shownNumber(each * unit.perSecond));
+  fillTable(table, ["Curve", "Quantity", "First", "Lowest", "Highest"], rows);
+  table.prepend(make("caption", `From ${from} to ${to} ${unit.name}`));
+}

@@ -54,12 +54,16 @@ export async function openFiles(page, paths) {
   );
 }
 
-/** What a person gets who saves the drawing. */
+/** What a person gets who saves the drawing; without a click browsers hold further downloads back. */
 export async function saved(page, kind) {
+  await page.click("#title");
   const [download] = await Promise.all([
     page.waitForEvent("download"),
     page.selectOption("#save", kind),
-  ]);
+  ]).catch(async (problem) => {
+    const state = await page.evaluate(() => [location.hash, document.body.innerText.slice(0, 400)]);
+    throw new Error(`${kind} was not saved: ${state.join("\n")}`, { cause: problem });
+  });
   const stream = await download.createReadStream();
   const pieces = [];
   for await (const piece of stream) pieces.push(piece);

@@ -59,7 +59,7 @@ test("each stimulus is what was played, sample by sample", async () => {
     for (const entry of entries.keys()) {
       if (entry > 0) {
         await page.selectOption("#entry", String(entry));
-        await page.waitForFunction((k) => location.hash.includes(`channel=${k}`), entry);
+        await page.waitForSelector(`#lower[aria-label*="${entries[entry].stimulus.name}"]`);
       }
       const columns = columnsOf(await saved(page, "counts"));
       const expected = played[number].filter((_, i) => i % entries.length === entry);

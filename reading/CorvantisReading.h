@@ -564,7 +564,7 @@ enum { CORVANTIS_NOT_COMPUTED = -1 };
  * @param[in] count how many subjects
  * @param[out] infos of each epoch, zeros for a damaged one; or null
  * @param[out] doubts of each epoch the highest #CorvantisDoubtReason of any entry, or
- * #CORVANTIS_NOT_COMPUTED; 0 for a damaged one; or null, which saves looking for them unless they
+ * CORVANTIS_NOT_COMPUTED; 0 for a damaged one; or null, which saves looking for them unless they
  * are a subject
  * @param[out] missing for each epoch 1 if it is damaged, else 0
  * @param[out] described how many epochs, from the first on, all texts had room for

@@ -83,9 +83,11 @@ int32_t DescribeEpoch(const Contents& contents, const FileView& view, int64_t nu
         if (!toDamage.IsQuiet()) description.Of(CORVANTIS_SAY_DAMAGE) = damage.text + damage.reason;
         return CORVANTIS_SUCCESS;
     }
+    // Once more, so that the caller is told why.
     if (result != CORVANTIS_SUCCESS) {
-        return contents.Find(view, number, Depth::kRecords, reading, reporter);
+        result = contents.Find(view, number, Depth::kRecords, reading, reporter);
     }
+    if (result != CORVANTIS_SUCCESS) return result;
     info = InfoOf(reading);
     SayStimuli(contents, reading, wanted, description);
     if (wanted.doubts) result = SayDoubt(contents, reading, reporter, description);

@@ -90,7 +90,6 @@ int32_t GiveStimulus(const CorvantisRecording* recording, int64_t epoch, Target<
     return WithEpoch(recording, epoch, Depth::kRecords, problem,
                      [&](const Contents& contents, const FileView& view,
                          const EpochReading& reading, const Reporter& reporter) -> int32_t {
-                         if (view.Fault() != ReadFault::kNone) return reporter.ReportFault(view);
                          int32_t result = CheckTarget(reading.place, target, reporter);
                          if (result != CORVANTIS_SUCCESS) return result;
                          const NoiseHistory* history = HistoryOf(contents, reading, reporter);
@@ -149,7 +148,6 @@ int32_t CorvantisComponentValues(const CorvantisRecording* recording, int64_t ep
     return WithEpoch(recording, epoch, Depth::kRecords, problem,
                      [&](const Contents& contents, const FileView& view,
                          const EpochReading& reading, const Reporter& reporter) -> int32_t {
-                         if (view.Fault() != ReadFault::kNone) return reporter.ReportFault(view);
                          return GiveComponent(contents, reading, {entry, first, count, values, 0},
                                               component, reporter);
                      });

@@ -102,12 +102,13 @@ int32_t Contents::Find(const FileView& view, int64_t number, Depth depth, EpochR
     if (const CorvantisPlace* place = KnownPlace(number)) {
         return FindByPlace(view, *place, depth, reading, reporter);
     }
-    if (isByTable_ && FindByTable(view, number, depth, reading)) {
+    const bool isFound = isByTable_ && FindByTable(view, number, depth, reading);
+    if (view.Fault() != ReadFault::kNone) return reporter.ReportFault(view);
+    if (isFound) {
         if (IsAsBefore(number, reading)) return CORVANTIS_SUCCESS;
         return reporter.ReportEpoch(CORVANTIS_CHANGED, number, reading.place.start,
                                     "found another header than before: the file was changed");
     }
-    if (view.Fault() != ReadFault::kNone) return reporter.ReportFault(view);
     return FindByWalking(view, number, depth, reading, reporter);
 }
 

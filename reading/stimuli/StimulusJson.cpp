@@ -67,7 +67,7 @@ std::string FieldJson(const Field& field, Bytes record, JsonList& notFinite) {
 
 std::string LevelJson(const Field& field, Bytes record, const Scale& scale) {
     const auto level = static_cast<double>(WholeAt(record, field.kind, field.place));
-    return JsonNumber(level / scale.countsPerVolt / scale.gain * scale.factor);
+    return JsonNumber(InUnits(level, scale));
 }
 
 }  // namespace

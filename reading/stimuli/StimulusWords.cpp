@@ -50,7 +50,7 @@ std::optional<int32_t> ValueOf(const Stimulus& stimulus, std::string_view name) 
 std::string Amount(double counts, const Scale& scale) {
     constexpr double kWords = 65536.0;
     if (scale.isWord) counts -= kWords * std::floor(counts / kWords);
-    return Say(Short(counts / scale.countsPerVolt / scale.gain * scale.factor), " ", scale.unit);
+    return Say(Short(InUnits(counts, scale)), " ", scale.unit);
 }
 
 std::string Milliseconds(int32_t samples, int32_t interval) {

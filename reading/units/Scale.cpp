@@ -46,7 +46,9 @@ std::string UnitName(const char (&name)[ITC_UNITS_LENGTH]) {
 
 CORVANTIS_CLONES void ConvertRun(const int16_t* __restrict counts, double* __restrict values,
                                  size_t count, double countsPerVolt, double gain, double factor) {
-    for (size_t i = 0; i < count; ++i) values[i] = counts[i] / countsPerVolt / gain * factor;
+    for (size_t i = 0; i < count; ++i) {
+        values[i] = InUnits(counts[i], countsPerVolt, gain, factor);
+    }
 }
 
 }  // namespace
@@ -88,14 +90,14 @@ Scale ScaleOf(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t ent
 }
 
 const char* AxisNameOf(int32_t direction, std::string_view unit) {
-    const bool isCurrent = unit == "pA" || unit == "nA";
+    // Volts alone are what is known at the converter, whatever it stands for.
+    const int32_t quantity = unit == "V" ? CORVANTIS_OTHER : MeaningOf(unit).quantity;
+    const bool isResponse = direction == CORVANTIS_RESPONSE;
     if (direction == CORVANTIS_CONDUCTANCE) return "Conductance";
-    if (direction == CORVANTIS_RESPONSE) {
-        if (unit == "mV") return "Membrane Potential";
-        return isCurrent ? "Clamp Current" : "Response";
-    }
-    if (unit == "mV") return "Command Potential";
-    return isCurrent ? "Applied Current" : "Stimulus";
+    if (quantity == CORVANTIS_POTENTIAL)
+        return isResponse ? "Membrane Potential" : "Command Potential";
+    if (quantity == CORVANTIS_CURRENT) return isResponse ? "Clamp Current" : "Applied Current";
+    return isResponse ? "Response" : "Stimulus";
 }
 
 void Convert(const Scale& scale, std::span<const int16_t> counts, double* values, int64_t stride) {
@@ -109,7 +111,7 @@ void Convert(const Scale& scale, std::span<const int16_t> counts, double* values
                    scale.factor);
     } else {
         for (const int16_t count : counts) {
-            *values = count / scale.countsPerVolt / scale.gain * scale.factor;
+            *values = InUnits(count, scale);
             values += stride;
         }
     }

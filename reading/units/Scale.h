@@ -28,6 +28,14 @@ struct Scale {
     UnitMeaning meaning = {};  // only of an entry's own unit
 };
 
+// The formula, in double precision and in this order.
+constexpr double InUnits(double counts, double countsPerVolt, double gain, double factor) {
+    return counts / countsPerVolt / gain * factor;
+}
+inline double InUnits(double counts, const Scale& scale) {
+    return InUnits(counts, scale.countsPerVolt, scale.gain, scale.factor);
+}
+
 Scale ResponseScale(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t entry);
 Scale StimulusScale(const ITCFileHeader& file, const ITCEpochHeader& epoch, size_t entry);
 Scale ConductanceScale();

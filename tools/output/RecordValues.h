@@ -7,6 +7,7 @@
 #include <string>
 
 #include "CorvantisReading.h"
+#include "units/Scale.h"
 
 namespace corvantis::tool {
 
@@ -19,7 +20,7 @@ std::span<const CorvantisField> FieldsOf(int32_t record);
 bool IsLevel(const CorvantisField& field);
 double LevelOf(const CorvantisField& field, const void* record);
 inline double InUnits(double counts, const CorvantisScaleInfo& scale) {
-    return counts / scale.countsPerVolt / scale.gain * scale.factor;
+    return reading::InUnits(counts, scale.countsPerVolt, scale.gain, scale.factor);
 }
 
 // Numbers, texts and lists of them by their fields' names. A number that is not finite is null, and

@@ -19,21 +19,28 @@ module = (await WebAssembly.instantiate(compiled, { page, wasi_snapshot_preview1
   .exports;
 module._initialize();
 
-const problem = module.malloc(520); // CorvantisProblem: code, reason, offset, text
+const textAt = (address) => {
+  const bytes = Buffer.from(module.memory.buffer, address);
+  return bytes.subarray(0, bytes.indexOf(0)).toString();
+};
+const { structures } = JSON.parse(textAt(module.CorvantisStructures()));
+const make = (name) => {
+  const address = module.malloc(structures[name].size);
+  return { address, at: (member) => address + structures[name].members[member].place };
+};
+const problem = make("CorvantisProblem");
 const checked = (result) => {
-  if (result === 0) return;
-  const text = Buffer.from(module.memory.buffer, problem + 16, 504);
-  throw new Error(text.subarray(0, text.indexOf(0)).toString());
+  if (result !== 0) throw new Error(textAt(problem.at("text")));
 };
 
 const name = module.malloc(8);
 memory().setUint8(name, 0);
 const handle = module.malloc(4);
-checked(module.CorvantisOpenPageFile(0, name, handle, problem));
+checked(module.CorvantisOpenPageFile(0, name, handle, problem.address));
 const recording = memory().getUint32(handle, true);
 
 const played = readFileSync(playedPath); // each play: 64 bits of count, and the samples
-const info = module.malloc(128);
+const info = make("CorvantisEpochInfo");
 let place = 0;
 let samples = 0;
 let different = 0;
@@ -43,11 +50,11 @@ for (let epoch = 0n; epoch < epochs; ++epoch) {
   const expected = played.subarray(place + 8, place + 8 + 2 * count);
   place += 8 + 2 * count;
   const values = module.malloc(2 * count);
-  checked(module.CorvantisEpoch(recording, epoch, info, problem));
-  const points = BigInt(memory().getInt32(info + 24, true)); // CorvantisEpochInfo: behind three places
-  const entries = memory().getInt32(info + 28, true);
+  checked(module.CorvantisEpoch(recording, epoch, info.address, problem.address));
+  const points = BigInt(memory().getInt32(info.at("points"), true));
+  const entries = memory().getInt32(info.at("entries"), true);
   if (Number(points) * entries !== count) throw new Error(`epoch ${epoch} has other samples`);
-  checked(module.CorvantisStimulus(recording, epoch, -1, 0n, points, values, 0n, 0, problem));
+  checked(module.CorvantisStimulus(recording, epoch, -1, 0n, points, values, 0n, 0, problem.address));
   if (!expected.equals(Buffer.from(module.memory.buffer, values, 2 * count))) ++different;
   samples += count;
   module.free(values);

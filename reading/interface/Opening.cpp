@@ -11,20 +11,26 @@ namespace {
 
 constexpr int64_t kLargestFile = int64_t{1} << 40;  // far beyond what a table's positions reach
 
-// The header may be of a save under way, in part old and in part new; who examines it will see.
-int32_t TakeSnapshot(const ByteSource& source, const Reporter& reporter, Snapshot& snapshot) {
+int32_t TakeSize(const ByteSource& source, const Reporter& reporter, Snapshot& snapshot) {
     const int64_t size = source.source.size(source.source.context);
     if (size < 0) return reporter.Report(CORVANTIS_FILE_ERROR, -1, "its size cannot be told");
+    snapshot.size = std::min(size, kLargestFile);
+    return CORVANTIS_SUCCESS;
+}
+
+// The header may be of a save under way, in part old and in part new; who examines it will see. A
+// save writes the header last, so the size that belongs to it is the one behind its reading.
+int32_t TakeSnapshot(const ByteSource& source, const Reporter& reporter, Snapshot& snapshot) {
     Snapshot plain;
-    plain.size = std::min(size, kLargestFile);
+    const int32_t result = TakeSize(source, reporter, plain);
+    if (result != CORVANTIS_SUCCESS) return result;
     const FileView view(source, plain);
     EncodedRecord<ITCFileHeader> bytes = {};
     if (plain.size >= kFirstEpoch && !view.Read(0, bytes.data(), kFirstEpoch)) {
         return reporter.ReportFault(view);
     }
-    Decode(bytes, plain.header);
-    snapshot = plain;
-    return CORVANTIS_SUCCESS;
+    Decode(bytes, snapshot.header);
+    return TakeSize(source, reporter, snapshot);
 }
 
 // By what is known from before, or null.
@@ -94,7 +100,7 @@ int32_t Refresh(CorvantisRecording& recording, const Reporter& reporter) {
     const Reporter quiet("", nullptr);
     auto next = Contents::Examine(recording.source, recording.name, now, quiet);
     const bool isCut = now.size < before.TablePosition();
-    if (next && before.Found() == CORVANTIS_BY_TABLE) next->LeaveOutSave(before);
+    if (next) next->LeaveOutSave(before);
     // Of a save that has only begun there is nothing to show yet.
     if (!isCut && (!next || next->Count() < before.Count())) return CORVANTIS_SUCCESS;
     if (isCut || !next->Continue(before, quiet)) {

@@ -16,6 +16,7 @@ void Contents::LeaveOutSave(const Contents& earlier) {
     walked_->survey.unfinished.reset();
     const int64_t known = epochs.empty() ? 0 : epochs.back().number + 1;
     walked_->numbers = count_ = std::max(known, earlier.count_);
+    tablePosition_ = epochs.empty() ? kFirstEpoch : epochs.back().end;
 }
 
 // The last epoch that was there before stands for all: whoever replaced one in front of it had to

@@ -15,6 +15,7 @@ from .epoch import Epoch
 from .epochs import undamaged
 from .errors import CorvantisError, CorvantisWarning
 from .recording import Recording, open_recording
+from .steps import SPIKE_THRESHOLD
 
 if TYPE_CHECKING:
     from matplotlib.figure import Figure
@@ -242,6 +243,6 @@ def families(arguments: Sequence[str] | None = None) -> int:
     parser.epilog = ("steady: mean of the step's last fifth. rate: spikes by the step's length. "
                      "Input resistance: slope of the line through rest that fits the steady states "
                      "best, of steps that end without spikes.")
-    parser.add_argument("--threshold", type=float, default=-20.0, metavar="MV",
-                        help="a spike crosses it upwards (-20)")
+    parser.add_argument("--threshold", type=float, default=SPIKE_THRESHOLD, metavar="MV",
+                        help=f"a spike crosses it upwards ({SPIKE_THRESHOLD:g})")
     return _run(_families, parser.parse_args(arguments), "families")

@@ -15,11 +15,9 @@ from .interface import RESPONSE, STIMULUS
 from .plotting import STYLE, draw_key, draw_panels, label, read_sweep
 from .progress import progress
 from .recording import Recording
-from .steps import (STEADY_FRACTION, Members, StimulusStep, families_of_steps, main_step,
-                    slope_through_rest)
+from .steps import (SPIKE_THRESHOLD, STEADY_FRACTION, Members, StimulusStep, families_of_steps,
+                    main_step, slope_through_rest)
 from .units import Samples
-
-THRESHOLD = -20.0       # a spike crosses it upwards [mV]
 
 
 @dataclass(frozen=True)
@@ -116,7 +114,7 @@ def _measured(epoch: Epoch, step: StimulusStep, channel: int, threshold: float) 
                 spikes * epoch.sampling_rate / step.points)
 
 
-def measure(epoch: Epoch, channel: int = 0, threshold: float = THRESHOLD) -> Step:
+def measure(epoch: Epoch, channel: int = 0, threshold: float = SPIKE_THRESHOLD) -> Step:
     """Measure the response to the longest step of an epoch."""
     known = main_step(epoch, channel)
     if known is None:
@@ -125,7 +123,7 @@ def measure(epoch: Epoch, channel: int = 0, threshold: float = THRESHOLD) -> Ste
 
 
 def find_family(epochs: Iterable[Epoch] | Recording, channel: int = 0,
-                threshold: float = THRESHOLD) -> Family:
+                threshold: float = SPIKE_THRESHOLD) -> Family:
     """The largest group of epochs, or of a recording's, with steps of the same timing, measured.
 
     Raises:

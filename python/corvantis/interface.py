@@ -5,7 +5,7 @@ import ctypes
 from ctypes import c_char, c_char_p, c_double, c_int32, c_int64, c_uint8, c_uint64, c_void_p
 from enum import IntEnum
 
-NO_STIMULUS, FILE_ERROR, DAMAGED, CHANGED = 2, 7, 11, 12
+NO_STIMULUS, FILE_ERROR, NOT_A_RECORDING, DAMAGED, CHANGED = 2, 7, 10, 11, 12
 ENTRIES, FILE_HEADER_SIZE, EPOCH_HEADER_SIZE, RECORD_SIZE = 4, 580, 912, 64
 ALL_ENTRIES = OWN_RECORD = -1
 FILE_HEADER, EPOCH_HEADER = -1, 0

@@ -14,6 +14,7 @@ from .stimuli import Stimulus
 from .units import Counts, Samples
 
 MOST_STRETCHES = 65     # of one level, in a stimulus that is made of steps
+SPIKE_THRESHOLD = -20.0     # what rises above it is a spike [mV]
 STEADY_FRACTION = 0.2   # the last part of a step, over which the steady state is the mean
 
 

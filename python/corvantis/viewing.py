@@ -9,11 +9,10 @@ from collections.abc import Sequence
 from pathlib import Path
 from typing import Any
 
+from .commands import UNUSABLE
 from .page import page_containing, page_showing
 from .serving import Server, is_readable_file
 from .writing import write_whole
-
-UNUSABLE = 2    # exit status
 
 
 def _options(arguments: Sequence[str] | None) -> argparse.Namespace:

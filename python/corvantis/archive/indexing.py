@@ -10,6 +10,7 @@ from typing import Any
 import pyarrow as pa
 
 from ..errors import CorvantisError
+from ..interface import NOT_A_RECORDING
 from ..recording import Recording
 from .columns import epochs_schema
 from .epoch_rows import epoch_rows
@@ -21,7 +22,6 @@ from .terminal import Progress
 from .transport import to_bytes
 from .work import Failure, Task, run
 
-NOT_A_RECORDING = 10
 PIECE = 1 << 20         # of a file that is digested [bytes]
 FOLD = 1000             # files after which pieces become parts
 

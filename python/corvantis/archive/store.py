@@ -24,8 +24,9 @@ import pyarrow as pa
 import pyarrow.compute as pc
 import pyarrow.parquet as pq
 
+from ..writing import remove_left, write_whole
 from .columns import epochs_schema, files_schema
-from .transport import from_bytes, write_whole
+from .transport import from_bytes
 
 FORMAT = 1
 FULL = 250_000          # epochs of a part that is not added to any more
@@ -160,6 +161,7 @@ class Store:
     def fold(self, gone: Collection[str] = ()) -> None:
         """Take all pieces into parts, and these files out."""
         with self._locked():
+            remove_left(self._pieces)
             before = self.manifest()
             pieces = sorted(self._pieces.glob("*.arrow"), key=lambda path: path.stat().st_mtime_ns)
             if pieces or gone:

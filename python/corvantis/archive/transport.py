@@ -1,10 +1,6 @@
 """Tables as bytes, for other processes and for files that are written once."""
 from __future__ import annotations
 
-import os
-import uuid
-from pathlib import Path
-
 import pyarrow as pa
 
 OPTIONS = pa.ipc.IpcWriteOptions(compression="lz4")
@@ -23,13 +19,3 @@ def from_bytes(data: bytes | pa.Buffer, count: int = 1) -> list[pa.Table]:
     """So many tables."""
     source = pa.BufferReader(data)
     return [pa.ipc.open_stream(source).read_all() for _ in range(count)]
-
-
-def write_whole(path: Path, data: bytes) -> None:
-    """Write a file that is there whole or not at all."""
-    temporary = path.with_name(f".{path.name}-{uuid.uuid4().hex}.tmp")
-    try:
-        temporary.write_bytes(data)
-        os.replace(temporary, path)
-    finally:
-        temporary.unlink(missing_ok=True)

@@ -11,11 +11,10 @@ import efel
 import numpy as np
 from numpy.typing import NDArray
 
-from ..steps import Course
+from ..steps import SPIKE_THRESHOLD, Course
 from .missing import Missing, Value
 from .traces import Trace
 
-THRESHOLD = -20.0       # a spike's peak is above it [mV]
 SLOPE = 10.0            # at which a spike begins [mV/ms]
 SHAPE = ("threshold", "peak", "height", "width", "width_above_trough", "afterhyperpolarisation")
 FEATURES = ["peak_indices", "AP_begin_indices", "min_AHP_indices", "spike_half_width"]
@@ -41,7 +40,7 @@ class Spike:
 @contextmanager
 def _set(interval: float) -> Iterator[None]:
     """eFEL's settings for a sampling interval [ms]; those of the program come back."""
-    wanted = {"Threshold": THRESHOLD, "DerivativeThreshold": SLOPE, "interp_step": interval,
+    wanted = {"Threshold": SPIKE_THRESHOLD, "DerivativeThreshold": SLOPE, "interp_step": interval,
               "strict_stiminterval": False}
     with _settings:
         before = {name: getattr(efel.get_settings(), name) for name in wanted}
@@ -131,7 +130,7 @@ def _phase(begin: int, course: Course | Missing) -> str | Missing:
 
 def find_spikes(trace: Trace) -> list[Spike]:
     """The spikes of an entry whose response is a potential [mV], in their order."""
-    if not np.any(trace.response > THRESHOLD) or np.all(trace.response > THRESHOLD):
+    if not np.any(trace.response > SPIKE_THRESHOLD) or np.all(trace.response > SPIKE_THRESHOLD):
         return []
     found = _features(trace)
     peaks: Places = found["peak_indices"].astype(np.int64)

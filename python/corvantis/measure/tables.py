@@ -2,8 +2,8 @@
 from __future__ import annotations
 
 import csv
-import os
 from collections.abc import Iterable, Iterator
+from contextlib import ExitStack
 from pathlib import Path
 from typing import Any
 
@@ -11,6 +11,7 @@ import pyarrow as pa
 import pyarrow.compute as pc
 import pyarrow.parquet as pq
 
+from ..writing import replacing
 from .columns import COLUMNS, EPOCHS, NUMBER, REASONS, TEXT, TRUTH, WHOLE
 from .missing import Row
 from .recordings import Measurements
@@ -78,29 +79,25 @@ def _lines(rows: Iterable[Row]) -> Iterator[list[str]]:
 def write(folder: Path, table: str, pieces: Iterable[pa.Table]) -> int:
     """Write a table as Parquet and as CSV, which have their names only when they are complete;
     returns how many rows it has."""
-    names = [folder / f"{table}.{ending}" for ending in ("parquet", "csv")]
-    unfinished = [name.with_name(f".{name.name}.{os.getpid()}.tmp") for name in names]
     count = 0
-    try:
-        with pq.ParquetWriter(unfinished[0], schema(table), compression="zstd") as columns, \
-                open(unfinished[1], "w", encoding="utf-8", newline="") as stream:
+    with ExitStack() as whole:
+        parquet, text = (whole.enter_context(replacing(folder / f"{table}.{ending}"))
+                         for ending in ("parquet", "csv"))
+        with pq.ParquetWriter(parquet, schema(table), compression="zstd") as columns, \
+                open(text, "w", encoding="utf-8", newline="") as stream:
             lines = csv.writer(stream, lineterminator="\n")
             lines.writerow(schema(table).names)
             for piece in pieces:
                 columns.write_table(piece, GROUP)
                 lines.writerows(_lines(piece.to_pylist()))
                 count += len(piece)
-        for name, made in zip(names, unfinished):
-            os.replace(made, name)
-    finally:
-        for made in unfinished:
-            made.unlink(missing_ok=True)
     return count
 
 
 def write_definitions(folder: Path) -> None:
     """Units, groups and definitions of all columns, as CSV."""
-    with open(folder / "columns.csv", "w", encoding="utf-8", newline="") as stream:
+    with replacing(folder / "columns.csv") as name, \
+            open(name, "w", encoding="utf-8", newline="") as stream:
         lines = csv.writer(stream, lineterminator="\n")
         lines.writerow(["table", "column", "unit", "group", "definition"])
         lines.writerows([table, each.heading, each.unit, each.group, each.definition]

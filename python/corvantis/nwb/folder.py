@@ -7,16 +7,16 @@ from dataclasses import dataclass, field
 from pathlib import Path
 
 from ..errors import CorvantisError
+from ..interface import NOT_A_RECORDING
 from ..recording import Recording, open_recording
+from ..writing import remove_left
 from .documents import MetadataError
 from .metadata import FileMetadata, Metadata
 from .naming import target
 from .processes import Processes
-from .temporary import remove_left
 from .verification import verify
 from .writing import notes_of, opened, provenance, same_work, sha256, write
 
-NOT_A_RECORDING = 10
 WRITTEN, THERE, EQUAL, FAILED = "written", "there already", "equal", "failed"
 
 

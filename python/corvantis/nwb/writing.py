@@ -21,11 +21,11 @@ from pynwb.file import Subject
 from .. import __version__
 from ..errors import CorvantisWarning
 from ..recording import Recording, open_recording
+from ..writing import replacing
 from .metadata import FileMetadata, Given, metadata_of, zoned
 from .plan import STIMULUS, Plan, Series, make_plan
 from .series import as_object, form, path_in_file, write_like
 from .tables import add_tables, references
-from .temporary import replacing
 
 WHOLE_TEXTS = ("experimenter", "institution", "lab", "keywords", "experiment_description",
                "session_id", "protocol", "pharmacology", "surgery", "slices", "stimulus_notes",
@@ -54,11 +54,8 @@ class Written:
 
 def sha256(path: str | Path) -> str:
     """Of a file, in hexadecimal digits."""
-    digest = hashlib.sha256()
     with open(path, "rb") as file:
-        while block := file.read(1 << 20):
-            digest.update(block)
-    return digest.hexdigest()
+        return hashlib.file_digest(file, "sha256").hexdigest()
 
 
 def _plain(value: Any) -> Any:

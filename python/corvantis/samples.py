@@ -65,10 +65,11 @@ def _common_shape(handle: Handle, numbers: NDArray[np.int64]) -> Shape:
     rows = read_columns(handle, SHAPE, low, high - low + 1)[numbers - low]
     for number in numbers[rows["missing"]][:1]:
         handle.epoch(int(number))
-    shapes = sorted({(points, entries) for points, entries, _ in np.unique(rows).tolist()})
-    if len(shapes) > 1:
+    if (rows != rows[0]).any():     # said in full only where it has to be
+        shapes = sorted({(points, entries) for points, entries, _ in np.unique(rows).tolist()})
         raise ValueError(f"epochs of different shapes: {', '.join(map(str, shapes))}")
-    return shapes[0]
+    points, entries, _ = rows[0].tolist()
+    return points, entries
 
 
 def _runs(numbers: NDArray[np.int64]) -> Iterator[tuple[int, slice]]:

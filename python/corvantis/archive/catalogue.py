@@ -8,6 +8,7 @@ from itertools import groupby
 from typing import Any
 
 import duckdb
+import numpy as np
 import pyarrow as pa
 
 from ..epoch import Epoch
@@ -37,9 +38,12 @@ def _info(row: Mapping[str, Any]) -> RecordingInfo:
 
 def _places(rows: pa.Table) -> Any:
     """Of the epochs that are whole, by number."""
-    columns = (rows[name].to_pylist() for name in PLACE)
-    whole = sorted({place for place in zip(*columns) if place[1] is not None})
-    return (Place * len(whole))(*(Place(*place) for place in whole))
+    rows = rows.select(PLACE).filter(rows["start"].is_valid())
+    numbers, first = np.unique(rows["epoch"].to_numpy(), return_index=True)
+    whole = np.empty(len(numbers), np.dtype(Place))
+    for name in PLACE:
+        whole[name] = rows[name].to_numpy()[first]
+    return (Place * len(whole)).from_buffer(whole)
 
 
 def open_known(root: Root, row: Mapping[str, Any], rows: pa.Table) -> Recording:

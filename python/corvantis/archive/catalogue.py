@@ -43,7 +43,7 @@ def _places(rows: pa.Table) -> Any:
     whole = np.empty(len(numbers), np.dtype(Place))
     for name in PLACE:
         whole[name] = rows[name].to_numpy()[first]
-    return (Place * len(whole)).from_buffer(whole)
+    return (Place * len(whole)).from_buffer(whole.data)
 
 
 def open_known(root: Root, row: Mapping[str, Any], rows: pa.Table) -> Recording:

@@ -88,8 +88,8 @@ template <class Value, class Store>
 int32_t GiveStimulus(const CorvantisRecording* recording, int64_t epoch, Target<Value> target,
                      CorvantisDoubt* doubt, CorvantisProblem* problem, Store store) {
     return WithEpoch(recording, epoch, Depth::kRecords, problem,
-                     [&](const Contents& contents, const FileView& view,
-                         const EpochReading& reading, const Reporter& reporter) -> int32_t {
+                     [&](const Contents& contents, const FileView&, const EpochReading& reading,
+                         const Reporter& reporter) -> int32_t {
                          int32_t result = CheckTarget(reading.place, target, reporter);
                          if (result != CORVANTIS_SUCCESS) return result;
                          const NoiseHistory* history = HistoryOf(contents, reading, reporter);
@@ -146,8 +146,8 @@ int32_t CorvantisComponentValues(const CorvantisRecording* recording, int64_t ep
                                  int32_t component, int64_t first, int64_t count, double* values,
                                  CorvantisProblem* problem) {
     return WithEpoch(recording, epoch, Depth::kRecords, problem,
-                     [&](const Contents& contents, const FileView& view,
-                         const EpochReading& reading, const Reporter& reporter) -> int32_t {
+                     [&](const Contents& contents, const FileView&, const EpochReading& reading,
+                         const Reporter& reporter) -> int32_t {
                          return GiveComponent(contents, reading, {entry, first, count, values, 0},
                                               component, reporter);
                      });

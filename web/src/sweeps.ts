@@ -122,7 +122,8 @@ export class Sweeps {
     const style = { colour: "#000000", dash: [] };
     const part = component === null ? direction : `component ${component}`;
     const name = `epoch ${epoch} ${part}`;
-    const trace = { epoch, name, style, interval, points, values, outline, closeUp: null };
+    const shape = { epoch, name, component, style, interval, points };
+    const trace: Trace = { ...shape, values, outline, closeUp: null };
     this.wants.set(trace, wanted);
     return trace;
   }

@@ -6,7 +6,7 @@ interface Wishes {
   move: (view: View) => void;
   timeAt: (clientX: number) => number;
   whole: () => void;
-  step: (by: number) => void;
+  step: (by: 1 | -1) => void;
   click: (time: number, isSecond: boolean) => void;
 }
 

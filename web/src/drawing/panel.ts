@@ -1,5 +1,6 @@
 // One panel: curves over time, with axes or scale bars.
 import uPlot from "uplot";
+import type { Row } from "./lines";
 import { roundLength, shownNumber } from "./ticks";
 import { drawn, extent, joined, valueAt, type Trace } from "./trace";
 
@@ -10,6 +11,10 @@ export interface View {
 export interface Frame {
   label: string;
   unit: string;
+  /** Whether values are digital words. */
+  isWord: boolean;
+  /** Digital lines have names instead of numbers. */
+  rows: Row[] | null;
   /** Whether the time axis is written below it. */
   hasTime: boolean;
   time: { name: string; perSecond: number };
@@ -20,6 +25,13 @@ export interface Frame {
 }
 
 const LEFT = 64;
+
+/** What stands at the vertical axis: numbers, or the names of lines halfway up. */
+function heights(rows: Row[] | null): Partial<uPlot.Axis> {
+  if (rows === null) return { values: (_, splits) => splits.map(shownNumber) };
+  const places = rows.map(({ base }) => base + 0.5);
+  return { splits: () => places, values: () => rows.map(({ name }) => name) };
+}
 const FONT = "12px system-ui, sans-serif";
 
 export class Panel {
@@ -102,6 +114,7 @@ export class Panel {
       low = Math.min(low, least);
       high = Math.max(high, most);
     }
+    if (this.frame?.rows) return [-0.5, 2 * this.frame.rows.length - 0.5];
     if (!Number.isFinite(low) || !Number.isFinite(high)) return [0, 1];
     const room = 0.06 * (high - low) || 0.5;
     return [low - room, high + room];
@@ -139,12 +152,12 @@ export class Panel {
         },
         {
           ...axis,
-          show: !bars,
+          show: !bars || frame.rows !== null,
           label: frame.label,
           labelFont: FONT,
           size: LEFT - 18,
           labelSize: 18,
-          values: (_, splits) => splits.map(shownNumber),
+          ...heights(frame.rows),
         },
       ],
       cursor: {
@@ -221,14 +234,15 @@ export class Panel {
     ctx.strokeStyle = ctx.fillStyle = frame.ink;
     ctx.lineWidth = 1.5 * uPlot.pxRatio;
     ctx.beginPath();
-    ctx.moveTo(right, bottom - height);
+    ctx.moveTo(right, bottom - (frame.rows === null ? height : 0));
     ctx.lineTo(right, bottom);
     if (frame.hasTime) ctx.lineTo(right - width, bottom);
     ctx.stroke();
     ctx.font = `${12 * uPlot.pxRatio}px sans-serif`;
     ctx.textAlign = "right";
     ctx.textBaseline = "middle";
-    ctx.fillText(`${shownNumber(up)} ${frame.unit}`, right - 6, bottom - height / 2);
+    if (frame.rows === null)
+      ctx.fillText(`${shownNumber(up)} ${frame.unit}`, right - 6, bottom - height / 2);
     ctx.textBaseline = "top";
     if (frame.hasTime) ctx.fillText(`${shownNumber(across)} ${frame.time.name}`, right, bottom + 4);
     ctx.restore();

@@ -84,7 +84,7 @@ export function asLines(traces: Trace[], areWords: boolean): Lines {
   const words = wordsOf(changing, highLines(everHigh & ~everLow));
   if (changing.length === 0) return { traces, rows: null, words };
   const rows = changing.map((line, i) => ({
-    name: `line ${line}`,
+    name: String(line),
     base: PITCH * (changing.length - 1 - i),
   }));
   const curves = traces.flatMap((trace) =>

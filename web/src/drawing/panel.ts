@@ -25,6 +25,8 @@ export interface Frame {
 }
 
 const LEFT = 64;
+const LINE_HEIGHT = 15; // of a digital line with its name
+const AROUND = 50;
 
 /** What stands at the vertical axis: numbers, or the names of lines halfway up. */
 function heights(rows: Row[] | null): Partial<uPlot.Axis> {
@@ -73,7 +75,8 @@ export class Panel {
   }
 
   resize(view: View): void {
-    this.plot?.setSize({ width: this.width(), height: this.height() });
+    if (this.frame === null) return;
+    this.plot?.setSize({ width: this.width(), height: this.heightOf(this.frame) });
     this.look(view);
   }
 
@@ -84,9 +87,10 @@ export class Panel {
   get box(): { left: number; top: number; width: number; height: number } | null {
     return this.plot?.bbox ?? null;
   }
-  timeAt(clientX: number): number {
+  /** Where on the time axis: 0 at its left end, 1 at its right. */
+  shareAt(clientX: number): number {
     const over = this.plot?.over.getBoundingClientRect();
-    return over === undefined ? 0 : this.plot!.posToVal(clientX - over.left, "x");
+    return over === undefined ? 0 : (clientX - over.left) / over.width;
   }
   curves(view: View): { trace: Trace; curve: ReturnType<typeof drawn> }[] {
     return this.traces.map((trace) => ({
@@ -95,6 +99,9 @@ export class Panel {
     }));
   }
 
+  private heightOf({ rows }: Frame): number {
+    return Math.max(this.height(), (rows?.length ?? 0) * LINE_HEIGHT + AROUND);
+  }
   private width(): number {
     return Math.max(200, this.place.clientWidth);
   }
@@ -116,7 +123,9 @@ export class Panel {
     }
     if (this.frame?.rows) return [-0.5, 2 * this.frame.rows.length - 0.5];
     if (!Number.isFinite(low) || !Number.isFinite(high)) return [0, 1];
-    const room = 0.06 * (high - low) || 0.5;
+    // Outlines are of single precision, in which a constant may seem to vary.
+    const isFlat = high - low <= 1e-6 * Math.max(Math.abs(high), Math.abs(low));
+    const room = isFlat ? 0.5 : 0.06 * (high - low);
     return [low - room, high + room];
   }
 
@@ -133,7 +142,7 @@ export class Panel {
     const { time, bars } = frame;
     return {
       width: this.width(),
-      height: this.height(),
+      height: this.heightOf(frame),
       legend: { show: false },
       padding: [8, 12, bars ? 26 : 4, 0],
       scales: {
@@ -173,6 +182,7 @@ export class Panel {
           width: 1.2,
           dash: trace.style.dash,
           points: { show: false },
+          ...(frame.rows === null ? {} : { paths: uPlot.paths.stepped!({ align: 1 }) }),
         })),
       ],
       hooks: {

@@ -41,6 +41,14 @@ const escaped = (text: string): string =>
 const [WIDTH, LEFT, RIGHT, HEAD, FOOT] = [720, 70, 710, 30, 40];
 const HEIGHTS = [300, 110];
 
+type Place = readonly [x: string, y: string];
+/** Level until the next place. */
+const stepped = (places: Place[]): Place[] =>
+  places.flatMap((each, i): Place[] => {
+    const next = places[i + 1];
+    return next === undefined ? [each] : [each, [next[0], each[1]]];
+  });
+
 function panelSvg(panel: Panel, view: View, top: number, height: number, frame: Frame): string {
   const [low, high] = panel.range;
   const x = (time: number): string =>
@@ -48,7 +56,8 @@ function panelSvg(panel: Panel, view: View, top: number, height: number, frame: 
   const y = (value: number): string =>
     (top + height - ((value - low) / (high - low)) * height).toFixed(2);
   const lines = panel.curves(view).map(({ trace, curve }) => {
-    const points = curve[0].map((time, i) => `${x(time)},${y(curve[1][i] ?? 0)}`).join(" ");
+    const places = curve[0].map((time, i) => [x(time), y(curve[1][i] ?? 0)] as const);
+    const points = (frame.rows === null ? places : stepped(places)).map(String).join(" ");
     const { colour, dash } = trace.style;
     const dashed = dash.length > 0 ? ` stroke-dasharray="${dash.join(" ")}"` : "";
     return `<polyline points="${points}" stroke="${colour}"${dashed}/>`;

@@ -8,7 +8,7 @@ import { draw } from "./picture";
 import { checks, openFiles, show } from "./recordings";
 import { save } from "./saving";
 import { state, trying } from "./state";
-import { move, panels, setCursor, toWhole, zoom } from "./window";
+import { clickAt, move, panels, takeBackClick, toWhole, zoom } from "./window";
 
 /** Dark or light. */
 export function wear(dark: boolean): void {
@@ -63,10 +63,11 @@ function listenToDrawing(): void {
   listen(element("drawing"), {
     view: () => state.view,
     move,
-    timeAt: (x) => panels[0].timeAt(x),
+    shareAt: (x) => panels[0].shareAt(x),
     whole: toWhole,
     step,
-    click: (time, isSecond) => setCursor(isSecond ? 1 : 0, time),
+    click: (time, isSecond) => clickAt(isSecond ? 1 : 0, time),
+    takeBack: takeBackClick,
   });
   const fit = new ResizeObserver(() => panels.forEach((panel) => panel.resize(state.view)));
   fit.observe(element("drawing"));

@@ -19,6 +19,11 @@ export const colourOf = (name: string): string =>
 const above = ({ entry }: Sweep): ScaleInfo => entry.response;
 const below = ({ entry }: Sweep): ScaleInfo => entry.conductance ?? entry.stimulus;
 
+function labelOf(scale: ScaleInfo | undefined, lines: Lines, isPlayed: boolean): string {
+  if (lines.rows !== null) return `Digital ${isPlayed ? "output" : "input"}, lines`;
+  return scale === undefined ? "" : `${scale.quantity} (${scale.unit})`;
+}
+
 function frame(scaleOf: (sweep: Sweep) => ScaleInfo, lines: Lines, hasTime: boolean): Frame {
   const scales = state.drawn.map(scaleOf);
   const [first] = scales;
@@ -26,7 +31,7 @@ function frame(scaleOf: (sweep: Sweep) => ScaleInfo, lines: Lines, hasTime: bool
     say(`The ${hasTime ? "stimuli" : "responses"} are in different units.`);
   const { bars, fit } = state.shown;
   return {
-    label: first === undefined ? "" : `${first.quantity} (${first.unit})`,
+    label: labelOf(first, lines, hasTime),
     unit: first?.unit ?? "",
     isWord: first?.isWord ?? false,
     rows: lines.rows,

@@ -27,7 +27,9 @@ export async function openFiles(files: File[]): Promise<void> {
     const opened = await trying(client.ask("openFile", { file }));
     if (opened !== null) add(opened);
   }
-  if (state.recordings.length > before) await show({ ...fromAddress(""), recording: before });
+  if (state.recordings.length === before) return;
+  // An address that came with the page is of the first recording that is opened.
+  await show(before === 0 ? fromAddress(location.hash) : { ...fromAddress(""), recording: before });
 }
 
 /** Shows a recording: its first epoch before all that takes longer. */

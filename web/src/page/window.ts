@@ -67,3 +67,15 @@ export function setCursor(index: number, time: number | null): void {
   tellCursors();
   remember();
 }
+
+let beforeClick: (number | null)[] = [];
+
+export function clickAt(index: number, time: number): void {
+  beforeClick = [...state.shown.cursors];
+  setCursor(index, time);
+}
+
+/** It was the first half of a double click. */
+export function takeBackClick(): void {
+  beforeClick.forEach((time, index) => setCursor(index, time));
+}

@@ -20,12 +20,12 @@ let round = 0;
 /** What is to be drawn of the epochs that are shown; null if others were chosen meanwhile. */
 async function gather(): Promise<Sweep[] | null> {
   const now = ++round;
-  const { epochs, entry, components } = state.shown;
+  const shown = { ...state.shown };
   const gathered: Sweep[] = [];
   const problems: string[] = [];
-  for (const epoch of epochs) {
+  for (const epoch of shown.epochs) {
     try {
-      gathered.push(await sweeps.sweep(recording(), epoch, entry, components));
+      gathered.push(await sweeps.sweep(recording(), epoch, shown));
     } catch (error) {
       problems.push(messageOf(error));
     }

@@ -532,6 +532,12 @@ CORVANTIS_API int32_t CorvantisStimulusWords(const CorvantisRecording* recording
                                              int32_t entry, char* text, int64_t capacity,
                                              int64_t* length, CorvantisProblem* problem);
 
+/** As #CorvantisStimulusWords, of one component of a sum from 0, or -1 for all of it. */
+CORVANTIS_API int32_t CorvantisComponentWords(const CorvantisRecording* recording, int64_t epoch,
+                                              int32_t entry, int32_t component, char* text,
+                                              int64_t capacity, int64_t* length,
+                                              CorvantisProblem* problem);
+
 /** What is said of an epoch in words. */
 typedef enum CorvantisSubject {
     /** The stimuli as of #CorvantisStimulusWords, those of several entries with " | " between. */
@@ -650,6 +656,98 @@ CORVANTIS_API int32_t CorvantisScale(const CorvantisRecording* recording, int64_
  * @return its name, such as "Response" where the unit does not tell more; never null
  */
 CORVANTIS_API const char* CorvantisAxisName(int32_t direction, const char* unit);
+
+/* ---- Steps, and what a response does during them ---------------------------------------- */
+
+/** How steps are measured. */
+enum {
+    CORVANTIS_SPIKE_THRESHOLD =
+        -20, /**< a spike crosses it upwards, where nothing else is said [mV] */
+    /** The steady state of a response is its mean over the last of so many parts of a step. */
+    CORVANTIS_STEADY_PART = 5
+};
+
+/** A step of a stimulus from the holding level and back to it, or to the epoch's end. */
+typedef struct CorvantisStep {
+    int64_t before; /**< point from which on the stimulus is at the holding level before it */
+    int64_t start;  /**< its first point */
+    int64_t stop;   /**< the point behind its last one */
+    double level;   /**< of the stimulus during it, in the unit of #CorvantisScale */
+} CorvantisStep;
+
+/** How the stimulus of a sequence entry runs. */
+typedef struct CorvantisCourse {
+    double holding; /**< its first value, in the unit of #CorvantisScale */
+    int64_t start;  /**< its first point at another level; 0 without one */
+    int64_t stop;   /**< the point behind the last one at another level, or the epoch's end */
+    /**
+     * A number from 1 to 2^53 - 1 that two epochs share if their stimuli differ in nothing but the
+     * level of the longest step, or, without steps, in nothing but the amplitudes of their records;
+     * their intervals and units being the same. 0 where what was played is not known.
+     */
+    int64_t family;
+    int32_t steps;   /**< how many it has; a pulse of no height is one, too */
+    int32_t longest; /**< the longest of them, of equal ones the first; -1 without steps */
+} CorvantisCourse;
+
+/**
+ * The steps of a stimulus, found in what was played. One that changes more than 64 times has none
+ * but pulses of no height.
+ * @param[in] recording the recording
+ * @param[in] epoch its number, of an epoch with points
+ * @param[in] entry sequence entry
+ * @param[out] course how the stimulus runs
+ * @param[out] steps room for steps, in the order of their first points; null if `capacity` is 0
+ * @param[in] capacity of the room; steps beyond it are not given, but counted in `course`
+ * @param[out] doubt as of #CorvantisStimulus
+ * @param[out] problem what went wrong, or null
+ * @return #CORVANTIS_SUCCESS, #CORVANTIS_DAMAGED, #CORVANTIS_NO_STIMULUS or one of convention 3
+ */
+CORVANTIS_API int32_t CorvantisSteps(const CorvantisRecording* recording, int64_t epoch,
+                                     int32_t entry, CorvantisCourse* course, CorvantisStep* steps,
+                                     int32_t capacity, CorvantisDoubt* doubt,
+                                     CorvantisProblem* problem);
+
+/** What a response does during a step, in the unit of #CorvantisScale. */
+typedef struct CorvantisStepResponse {
+    double baseline; /**< its mean from `before` of the step to its start */
+    double peak;     /**< its value during the step that is farthest from the baseline */
+    double steady;   /**< its mean over the last #CORVANTIS_STEADY_PART of the step */
+    int64_t spikes;  /**< upward crossings of the threshold during the step; -1 of no potential */
+    int64_t late;    /**< those in that last part */
+} CorvantisStepResponse;
+
+/**
+ * Measure the response to a step.
+ * @param[in] recording the recording
+ * @param[in] epoch its number
+ * @param[in] entry sequence entry
+ * @param[in] step from #CorvantisSteps, or of the caller's own
+ * @param[in] threshold of spikes [mV]
+ * @param[out] response what was measured
+ * @param[out] problem what went wrong, or null
+ * @return #CORVANTIS_SUCCESS, #CORVANTIS_DAMAGED or one of convention 3
+ */
+CORVANTIS_API int32_t CorvantisMeasureStep(const CorvantisRecording* recording, int64_t epoch,
+                                           int32_t entry, const CorvantisStep* step,
+                                           double threshold, CorvantisStepResponse* response,
+                                           CorvantisProblem* problem);
+
+/**
+ * Count the spikes of a response: where it is above the threshold, and was not at the point before.
+ * @param[in] recording the recording
+ * @param[in] epoch its number
+ * @param[in] entry sequence entry
+ * @param[in] first first point
+ * @param[in] count points
+ * @param[in] threshold [mV]
+ * @param[out] spikes how many; -1 if the response is no potential, whatever the range
+ * @param[out] problem what went wrong, or null
+ * @return #CORVANTIS_SUCCESS, #CORVANTIS_DAMAGED or one of convention 3
+ */
+CORVANTIS_API int32_t CorvantisSpikes(const CorvantisRecording* recording, int64_t epoch,
+                                      int32_t entry, int64_t first, int64_t count, double threshold,
+                                      int64_t* spikes, CorvantisProblem* problem);
 
 /* ---- Texts ------------------------------------------------------------------------------ */
 

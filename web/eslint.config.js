@@ -23,7 +23,17 @@ export default tseslint.config(
     files: ["**/*.mjs", "*.js", "*.mts"],
     languageOptions: {
       globals: Object.fromEntries(
-        ["process", "Buffer", "URL", "console", "WebAssembly", "TextDecoder", "document", "window"]
+        [
+          "process",
+          "Buffer",
+          "URL",
+          "URLSearchParams",
+          "console",
+          "WebAssembly",
+          "TextDecoder",
+          "document",
+          "window",
+        ]
           .concat([
             "setTimeout",
             "fetch",

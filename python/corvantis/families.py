@@ -1,6 +1,7 @@
 """Families of steps: current-voltage and spike-rate curves of epochs with pulses of many sizes."""
 from __future__ import annotations
 
+import ctypes
 from collections.abc import Iterable, Sequence
 from dataclasses import dataclass
 
@@ -11,13 +12,12 @@ from matplotlib.figure import Figure
 
 from .epoch import Epoch
 from .epochs import in_ranges, undamaged
-from .interface import RESPONSE, STIMULUS
+from .interface import RESPONSE, STIMULUS, Quantity, StepRecord, StepResponse
 from .plotting import STYLE, draw_key, draw_panels, label, read_sweep
 from .progress import progress
 from .recording import Recording
-from .steps import (SPIKE_THRESHOLD, STEADY_FRACTION, Members, StimulusStep, families_of_steps,
-                    main_step, slope_through_rest)
-from .units import Samples
+from .steps import (SPIKE_THRESHOLD, Members, StimulusStep, families_of_steps, main_step,
+                    slope_through_rest)
 
 
 @dataclass(frozen=True)
@@ -56,11 +56,7 @@ class Family:
     channel: int
     stimulus_unit: str
     response_unit: str
-
-    @property
-    def counts_spikes(self) -> bool:
-        """Whether the response is a potential, in which spikes are looked for."""
-        return self.response_unit == "mV"
+    counts_spikes: bool     #: the response is a potential, in which spikes are looked for
 
     @property
     def settled(self) -> list[Step]:
@@ -95,23 +91,14 @@ class Family:
         return [epoch for epoch in self.epochs if epoch.number in shown]
 
 
-def count_spikes(response: Samples, threshold: float) -> int:
-    """Upward crossings of a threshold, shape (points,)."""
-    above = response > threshold
-    return int(np.count_nonzero(above[1:] & ~above[:-1]))
-
-
 def _measured(epoch: Epoch, step: StimulusStep, channel: int, threshold: float) -> Step:
-    response = epoch.read(entry=channel)
-    during = response[step.start:step.stop]
-    baseline = float(response[step.before:step.start].mean())
-    steady = during[-max(1, round(STEADY_FRACTION * len(during))):]
-    spiking = epoch.units.response[channel] == "mV"
-    spikes = count_spikes(during, threshold) if spiking else 0
-    return Step(epoch.number, step.level, step.holding, baseline,
-                float(during[np.argmax(np.abs(during - baseline))]), float(steady.mean()),
-                not (spiking and count_spikes(steady, threshold)), spikes,
-                spikes * epoch.sampling_rate / step.points)
+    handle, found = epoch.recording.handle, StepResponse()
+    asked = StepRecord(step.before, step.start, step.stop, step.level)
+    handle.call(handle.library.CorvantisMeasureStep, epoch.number, channel,
+                ctypes.addressof(asked), threshold, ctypes.addressof(found))
+    spikes = max(found.spikes, 0)
+    return Step(epoch.number, step.level, step.holding, found.baseline, found.peak, found.steady,
+                found.late == 0, spikes, spikes * epoch.sampling_rate / step.points)
 
 
 def measure(epoch: Epoch, channel: int = 0, threshold: float = SPIKE_THRESHOLD) -> Step:
@@ -138,9 +125,10 @@ def find_family(epochs: Iterable[Epoch] | Recording, channel: int = 0,
     if len({step.level for step in steps}) < 2:
         raise ValueError("no family: two epochs with steps of the same timing are needed")
     by_number = {epoch.number: epoch for epoch, _ in largest}
-    units = largest[0][0].units
+    first = largest[0][0]
     return Family([by_number[step.epoch] for step in steps], steps, channel,
-                  units.stimulus[channel], units.response[channel])
+                  first.units.stimulus[channel], first.units.response[channel],
+                  first.response_scales[channel].quantity == Quantity.POTENTIAL)
 
 
 def _voltage_panel(axes: Axes, family: Family) -> None:

@@ -13,6 +13,8 @@ INT8, UINT16, INT32, UINT32, FLOAT, TEXT = range(6)
 EXCITATORY, INHIBITORY = 0, 1
 RESPONSE, STIMULUS, CONDUCTANCE = 0, 1, 2
 DIGITAL_INPUT, DIGITAL_OUTPUT = 8, 4
+SPIKE_THRESHOLD = -20   #: a spike crosses it upwards, where nothing else is said [mV]
+STEADY_PART = 5     #: the steady state is the mean over the last of so many parts of a step
 
 
 NOT_COMPUTED = -1
@@ -147,6 +149,26 @@ class ScaleInfo(ctypes.Structure):
                 ("quantity", c_int32), ("si", c_double)]
 
 
+class StepRecord(ctypes.Structure):
+    """A step of a stimulus."""
+
+    _fields_ = [("before", c_int64), ("start", c_int64), ("stop", c_int64), ("level", c_double)]
+
+
+class CourseRecord(ctypes.Structure):
+    """How a stimulus runs."""
+
+    _fields_ = [("holding", c_double), ("start", c_int64), ("stop", c_int64), ("family", c_int64),
+                ("steps", c_int32), ("longest", c_int32)]
+
+
+class StepResponse(ctypes.Structure):
+    """What a response does during a step."""
+
+    _fields_ = [("baseline", c_double), ("peak", c_double), ("steady", c_double),
+                ("spikes", c_int64), ("late", c_int64)]
+
+
 _SAMPLES = (c_void_p, c_int64, c_int32, c_int64, c_int64, c_void_p, c_int64)
 #: Arguments of each function; all but three return a result code.
 FUNCTIONS: dict[str, tuple[type, ...]] = {
@@ -179,6 +201,8 @@ FUNCTIONS: dict[str, tuple[type, ...]] = {
     "CorvantisStimulusWords": (c_void_p, c_int64, c_int32, c_void_p, c_int64, c_void_p, c_void_p),
     "CorvantisDescribe": (c_void_p, c_int64, c_int64, c_void_p, c_int32, c_void_p, c_void_p,
                           c_void_p, c_void_p, c_void_p),
+    "CorvantisSteps": (c_void_p, c_int64, c_int32, c_void_p, c_void_p, c_int32, c_void_p, c_void_p),
+    "CorvantisMeasureStep": (c_void_p, c_int64, c_int32, c_void_p, c_double, c_void_p, c_void_p),
     "CorvantisAxisName": (c_int32, c_char_p),
     "CorvantisText": (c_char_p, c_int32, c_void_p, c_int32),
 }

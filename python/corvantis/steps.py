@@ -1,21 +1,22 @@
 """The steps of an epoch's stimulus, found in the stimulus as it is recomputed."""
 from __future__ import annotations
 
+import ctypes
 from collections import defaultdict
-from collections.abc import Iterable, Iterator
+from collections.abc import Iterable
 from dataclasses import dataclass
-
-import numpy as np
 
 from .epoch import Epoch
 from .errors import CorvantisError
-from .interface import NO_STIMULUS, DoubtReason
-from .stimuli import Stimulus
-from .units import Counts, Samples
+from .interface import (NO_STIMULUS, SPIKE_THRESHOLD, STEADY_PART, CourseRecord, DoubtReason,
+                        DoubtRecord, StepRecord)
+from .units import Samples
 
-MOST_STRETCHES = 65     # of one level, in a stimulus that is made of steps
-SPIKE_THRESHOLD = -20.0     # what rises above it is a spike [mV]
-STEADY_FRACTION = 0.2   # the last part of a step, over which the steady state is the mean
+__all__ = ["SPIKE_THRESHOLD", "STEADY_FRACTION", "Course", "Members", "StimulusStep", "course",
+           "families_of_steps", "main_step", "slope_through_rest"]
+
+MOST_STEPS = 512    # more than samples and the components of a sum can show
+STEADY_FRACTION = 1 / STEADY_PART   # of a step, at its end
 
 
 @dataclass(frozen=True)
@@ -57,6 +58,8 @@ class Course:
         stop: the point behind the last one at another level; the epoch's end if there is none.
         steps: its steps, in their order; a pulse of no height is one, too.
         unknown: why what was played is not known, since it followed the cell; or empty.
+        family: a number that epochs share whose stimuli differ in nothing but the level of the
+            longest step, their intervals and units being the same; 0 where that is not known.
     """
 
     holding: float
@@ -64,6 +67,7 @@ class Course:
     stop: int
     steps: tuple[StimulusStep, ...]
     unknown: str = ""
+    family: int = 0
 
     @property
     def step(self) -> StimulusStep | None:
@@ -71,34 +75,8 @@ class Course:
         return max(self.steps, key=lambda step: step.points) if self.steps else None
 
 
-def _pulses(stimulus: Stimulus) -> Iterator[Stimulus]:
-    """The pulses that a stimulus is, or has among its components."""
-    for each in getattr(stimulus, "components", (stimulus,)):
-        if each.name == "pulse":
-            yield each
-
-
-def _stretches(counts: Counts) -> list[tuple[int, int]]:
-    """Where the level stays the same: first points, and those behind the last; none if many."""
-    changes = np.flatnonzero(np.diff(counts)) + 1
-    if len(changes) >= MOST_STRETCHES:
-        return []
-    borders = [0, *changes.tolist(), len(counts)]
-    return list(zip(borders, borders[1:]))
-
-
-def _steps(counts: Counts, pulses: list[Stimulus]) -> list[tuple[int, int]]:
-    """First points of steps, and those behind the last. What a pulse without points before it steps
-    from is not known."""
-    if any(pulse.prePoints == 0 and pulse.points > 0 and pulse.amplitude for pulse in pulses):
-        return []
-    held, end = counts[0], len(counts)
-    steps = [(start, stop) for start, stop in _stretches(counts)
-             if counts[start] != held and counts[start - 1] == held
-             and (stop == end or counts[stop] == held)]
-    flat = [(pulse.prePoints, min(pulse.prePoints + pulse.points, end)) for pulse in pulses]
-    return sorted({*steps, *((start, stop) for start, stop in flat
-                             if 0 < start < stop and np.all(counts[start:stop] == held))})
+def _step(record: StepRecord, holding: float) -> StimulusStep:
+    return StimulusStep(record.before, record.start, record.stop, record.level, holding)
 
 
 def course(epoch: Epoch, entry: int) -> Course:
@@ -108,18 +86,16 @@ def course(epoch: Epoch, entry: int) -> Course:
         CorvantisError: with code 2 where the stimulus cannot be computed.
         ValueError: if the epoch has no points.
     """
-    counts, doubt = epoch.compute_stimulus(entry=entry, raw=True)
-    if not len(counts):
+    if not epoch.points:
         raise ValueError(f"epoch {epoch.number} has no points")
-    scale = epoch.stimulus_scales[entry]
-    away = np.flatnonzero(counts != counts[0])
-    holding = float(scale(counts[0]))
-    steps = [StimulusStep(int(away[away < start].max(initial=-1)) + 1, start, stop,
-                          float(scale(counts[start])), holding)
-             for start, stop in _steps(counts, list(_pulses(epoch.parameters[entry])))]
-    reaches = (int(away[0]), int(away[-1]) + 1) if len(away) else (0, len(counts))
-    follows = doubt is not None and doubt.reason == DoubtReason.FOLLOWED_CELL
-    return Course(holding, *reaches, tuple(steps), doubt.text if doubt and follows else "")
+    handle, found, doubt = epoch.recording.handle, CourseRecord(), DoubtRecord()
+    steps = (StepRecord * MOST_STEPS)()
+    handle.call(handle.library.CorvantisSteps, epoch.number, entry, ctypes.addressof(found), steps,
+                MOST_STEPS, ctypes.addressof(doubt))
+    follows = doubt.reason == DoubtReason.FOLLOWED_CELL
+    return Course(found.holding, found.start, found.stop,
+                  tuple(_step(each, found.holding) for each in steps[:found.steps]),
+                  doubt.text.decode() if follows else "", found.family)
 
 
 Members = list[tuple[Epoch, StimulusStep]]
@@ -146,16 +122,11 @@ def _known_course(epoch: Epoch, entry: int) -> Course | None:
 def families_of_steps(epochs: Iterable[Epoch], entry: int = 0) -> list[Members]:
     """Epochs with steps, in groups whose stimuli differ in nothing but the level of the longest
     step; in the order of their first epochs, each with that step."""
-    groups: dict[tuple[object, ...], Members] = defaultdict(list)
+    groups: dict[int, Members] = defaultdict(list)
     for epoch in epochs:
         known = _known_course(epoch, entry)
-        step = known.step if known is not None else None
-        if known is None or step is None:
-            continue
-        others = tuple(each for each in known.steps if each is not step)
-        key = (step.start, step.points, known.holding, others, epoch.sampling_rate,
-               epoch.units.response[entry], epoch.units.stimulus[entry])
-        groups[key].append((epoch, step))
+        if known is not None and known.step is not None:
+            groups[known.family].append((epoch, known.step))
     return list(groups.values())
 
 

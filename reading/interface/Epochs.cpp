@@ -12,10 +12,12 @@
 namespace corvantis::reading {
 namespace {
 
+constexpr int32_t kOwnRecord = -1;
+
 const Stimulus* Choose(const EpochContent& content, int32_t entry, int32_t component) {
     if (entry < 0 || static_cast<size_t>(entry) >= content.stimuli.size()) return nullptr;
     const Stimulus& stimulus = content.stimuli[static_cast<size_t>(entry)];
-    if (component == -1) return &stimulus;
+    if (component == kOwnRecord) return &stimulus;
     if (component < 0 || static_cast<size_t>(component) >= stimulus.components.size()) {
         return nullptr;
     }
@@ -31,15 +33,16 @@ struct Room {
 // say(stimulus, scale, sampling interval)
 template <class Saying>
 int32_t SayOfStimulus(const CorvantisRecording* recording, int64_t epoch, int32_t entry,
-                      const Room& room, CorvantisProblem* problem, Saying say) {
+                      int32_t component, const Room& room, CorvantisProblem* problem, Saying say) {
     return WithEpoch(
         recording, epoch, Depth::kRecords, problem,
         [&](const Contents& contents, const FileView&, const EpochReading& reading,
             const Reporter& reporter) -> int32_t {
-            const Stimulus* stimulus = Choose(reading.content, entry, -1);
+            const Stimulus* stimulus = Choose(reading.content, entry, component);
             if (room.length == nullptr || stimulus == nullptr) {
-                return reporter.ReportEpoch(CORVANTIS_BAD_ARGUMENT, epoch, -1,
-                                            Say("has no entry ", entry));
+                return reporter.ReportEpoch(
+                    CORVANTIS_BAD_ARGUMENT, epoch, -1,
+                    Say("has no entry ", entry, " with component ", component));
             }
             const ITCEpochHeader& header = reading.content.header;
             const Scale scale =
@@ -139,7 +142,7 @@ int32_t CorvantisParameters(const CorvantisRecording* recording, int64_t epoch, 
 int32_t CorvantisStimulusJson(const CorvantisRecording* recording, int64_t epoch, int32_t entry,
                               char* text, int64_t capacity, int64_t* length,
                               CorvantisProblem* problem) {
-    return SayOfStimulus(recording, epoch, entry, {text, capacity, length}, problem,
+    return SayOfStimulus(recording, epoch, entry, kOwnRecord, {text, capacity, length}, problem,
                          [](const Stimulus& stimulus, const Scale& scale, int32_t) {
                              return StimulusJson(stimulus, scale);
                          });
@@ -148,7 +151,15 @@ int32_t CorvantisStimulusJson(const CorvantisRecording* recording, int64_t epoch
 int32_t CorvantisStimulusWords(const CorvantisRecording* recording, int64_t epoch, int32_t entry,
                                char* text, int64_t capacity, int64_t* length,
                                CorvantisProblem* problem) {
-    return SayOfStimulus(recording, epoch, entry, {text, capacity, length}, problem, StimulusWords);
+    return SayOfStimulus(recording, epoch, entry, kOwnRecord, {text, capacity, length}, problem,
+                         StimulusWords);
+}
+
+int32_t CorvantisComponentWords(const CorvantisRecording* recording, int64_t epoch, int32_t entry,
+                                int32_t component, char* text, int64_t capacity, int64_t* length,
+                                CorvantisProblem* problem) {
+    return SayOfStimulus(recording, epoch, entry, component, {text, capacity, length}, problem,
+                         StimulusWords);
 }
 
 int32_t CorvantisScale(const CorvantisRecording* recording, int64_t epoch, int32_t entry,

@@ -88,6 +88,18 @@ constexpr std::array kMembers = {
     MEMBER(CorvantisScaleInfo, isWord),
     MEMBER(CorvantisScaleInfo, unit),
     MEMBER(CorvantisScaleInfo, formula),
+    MEMBER(CorvantisStep, before),
+    MEMBER(CorvantisStep, start),
+    MEMBER(CorvantisStep, stop),
+    MEMBER(CorvantisStep, level),
+    MEMBER(CorvantisCourse, family),
+    MEMBER(CorvantisCourse, steps),
+    MEMBER(CorvantisCourse, longest),
+    MEMBER(CorvantisStepResponse, baseline),
+    MEMBER(CorvantisStepResponse, peak),
+    MEMBER(CorvantisStepResponse, steady),
+    MEMBER(CorvantisStepResponse, spikes),
+    MEMBER(CorvantisStepResponse, late),
 };
 
 constexpr std::array kConstants = {
@@ -116,6 +128,7 @@ constexpr std::array kConstants = {
     CONSTANT(CORVANTIS_CONDUCTANCE),
     CONSTANT(CORVANTIS_NO_DOUBT),
     CONSTANT(CORVANTIS_RESTS_ON_ORDER),
+    CONSTANT(CORVANTIS_SPIKE_THRESHOLD),
 };
 
 std::string Quoted(const char* text) { return '"' + std::string(text) + '"'; }

@@ -54,7 +54,9 @@ for (let epoch = 0n; epoch < epochs; ++epoch) {
   const points = BigInt(memory().getInt32(info.at("points"), true));
   const entries = memory().getInt32(info.at("entries"), true);
   if (Number(points) * entries !== count) throw new Error(`epoch ${epoch} has other samples`);
-  checked(module.CorvantisStimulus(recording, epoch, -1, 0n, points, values, 0n, 0, problem.address));
+  checked(
+    module.CorvantisStimulus(recording, epoch, -1, 0n, points, values, 0n, 0, problem.address),
+  );
   if (!expected.equals(Buffer.from(module.memory.buffer, values, 2 * count))) ++different;
   samples += count;
   module.free(values);

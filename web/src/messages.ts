@@ -10,12 +10,22 @@ export interface Opened {
   version: number;
   foundByWalking: boolean;
   header: FieldRow[];
+  /** What a spike crosses upwards [mV]. */
+  threshold: number;
 }
 export interface FieldRow {
   name: string;
   unit: string;
   meaning: string;
   values: string[];
+}
+/** An entry of the channel sequence, for the list. */
+export interface Channel {
+  type: string;
+  /** Amplitude of its stimulus, in the stimulus's unit. */
+  level: number | null;
+  input: string;
+  output: string;
 }
 export interface Row {
   number: number;
@@ -24,9 +34,26 @@ export interface Row {
   stimulus: string;
   points: number;
   interval: number;
-  entries: number;
+  channels: Channel[];
   problem: string;
-  doubt: string;
+}
+/** Epochs of the same family have the same number; 0 is none. */
+export interface FamilyOf {
+  epoch: number;
+  family: number;
+}
+/** The response to a step. */
+export interface Step {
+  epoch: number;
+  level: number;
+  baseline: number;
+  peak: number;
+  steady: number;
+  /** Whether it ends without spikes. */
+  isSettled: boolean;
+  /** Null where the response is no potential. */
+  spikes: number | null;
+  rate: number | null;
 }
 export interface ScaleInfo {
   unit: string;
@@ -94,7 +121,12 @@ export interface Questions {
   values: { given: { recording: number } & Wanted; answer: Float64Array };
   outline: { given: { recording: number; stretch: number } & Wanted; answer: Outline };
   counts: { given: { recording: number } & Wanted; answer: Int16Array };
-  family: { given: { recording: number; epoch: number; entry: number }; answer: number[] };
+  families: {
+    given: { recording: number; first: number; count: number; entry: number };
+    answer: FamilyOf[];
+  };
+  measured: { given: { recording: number; epochs: number[]; entry: number }; answer: Step[] };
+  spikes: { given: { recording: number; epoch: number }; answer: (number | null)[] };
   findings: { given: { recording: number }; answer: Finding[] };
   refresh: { given: { recording: number }; answer: number };
 }

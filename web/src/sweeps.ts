@@ -1,14 +1,20 @@
 // What is drawn of the chosen epochs, asked for once and kept: responses above, stimuli,
 // conductances or components below.
+import type { Shown } from "./address";
 import type { Client } from "./client";
 import type { Direction, Entry, EpochDetails, Wanted } from "./messages";
 import { DOUBTFUL, SECOND, colours } from "./drawing/colours";
 import { outlineOf, type Trace } from "./drawing/trace";
 
 const LONGEST_AT_HAND = 1 << 22; // points of a curve whose values are all kept here
-const MOST_AT_HAND = 1 << 24; // points of all curves
+const MOST_DRAWN = 1 << 24; // points of all epochs that are drawn together, at 8 bytes a curve
+const MOST_KEPT = 1 << 22; // points of curves that are kept for another look
 const LONG_STRETCH = 1024;
 const CLOSE_UP = 1 << 18; // points
+
+/** How long a curve's values are all kept where so many epochs are drawn together. */
+const longestOf = (epochs: number): number =>
+  Math.max(CLOSE_UP, Math.min(LONGEST_AT_HAND, Math.floor(MOST_DRAWN / Math.max(epochs, 1))));
 
 export interface Curves {
   upper: Trace[];
@@ -26,6 +32,8 @@ interface Source {
   entry: number;
   points: number;
   interval: number;
+  /** Too long for all its values to be kept. */
+  isLong: boolean;
 }
 
 export class Sweeps {
@@ -48,12 +56,16 @@ export class Sweeps {
     return known;
   }
 
-  async sweep(recording: number, epoch: number, entry: number, parts: boolean): Promise<Sweep> {
+  /** One of so many epochs that are drawn together. */
+  async sweep(recording: number, epoch: number, shown: Shown): Promise<Sweep> {
+    const { entry, components: parts, epochs } = shown;
     const details = await this.details(recording, epoch);
     const chosen = details.entries[entry];
     if (chosen === undefined) throw new Error(`Epoch ${epoch} has no channel ${entry}.`);
     const { points } = details;
-    const source = { recording, epoch, entry, points, interval: details.interval / 1e6 };
+    const interval = details.interval / 1e6;
+    const isLong = points > longestOf(epochs.length);
+    const source = { recording, epoch, entry, points, interval, isLong };
     const upper = [await this.trace(source, "response", null)];
     return {
       details,
@@ -78,8 +90,8 @@ export class Sweeps {
   }
 
   private trace(source: Source, direction: Direction, component: number | null): Promise<Trace> {
-    const { recording, epoch, entry } = source;
-    const key = [recording, epoch, entry, direction, component].join(":");
+    const { recording, epoch, entry, isLong } = source;
+    const key = [recording, epoch, entry, direction, component, isLong].join(":");
     const known = this.kept.get(key) ?? this.fetch(source, direction, component);
     this.kept.delete(key);
     this.kept.set(key, known);
@@ -101,19 +113,18 @@ export class Sweeps {
     );
     let sum = sizes.reduce((total, each) => total + each, 0);
     for (const [i, [key]] of all.entries()) {
-      if (sum <= MOST_AT_HAND) break;
+      if (sum <= MOST_KEPT) break;
       if (i < all.length - 4) this.kept.delete(key);
       sum -= sizes[i]!;
     }
   }
 
   private async fetch(
-    { recording, epoch, entry, points, interval }: Source,
+    { recording, epoch, entry, points, interval, isLong }: Source,
     direction: Direction,
     component: number | null,
   ): Promise<Trace> {
     const wanted = { recording, epoch, entry, direction, component, first: 0, count: points };
-    const isLong = points > LONGEST_AT_HAND;
     const values = isLong ? null : await this.client.ask("values", wanted);
     const outline =
       values === null
@@ -122,7 +133,8 @@ export class Sweeps {
     const style = { colour: "#000000", dash: [] };
     const part = component === null ? direction : `component ${component}`;
     const name = `epoch ${epoch} ${part}`;
-    const trace = { epoch, name, style, interval, points, values, outline, closeUp: null };
+    const shape = { epoch, name, component, style, interval, points };
+    const trace: Trace = { ...shape, values, outline, closeUp: null };
     this.wants.set(trace, wanted);
     return trace;
   }

@@ -75,3 +75,10 @@ export const title = (page, text) =>
     (wanted) => document.querySelector("#title").textContent.includes(wanted),
     text,
   );
+
+/** The columns of a CSV file by their names. */
+export function columnsOf(csv) {
+  const [heads, ...lines] = csv.toString().trim().split("\n");
+  const rows = lines.map((line) => line.split(",").map(Number));
+  return new Map(heads.split(",").map((head, i) => [head, rows.map((row) => row[i])]));
+}

@@ -1,4 +1,5 @@
 // Recordings for the tests, of the demo's bytes by docs/file-format.md: long, large and damaged ones.
+import { execFileSync } from "node:child_process";
 import {
   closeSync,
   ftruncateSync,
@@ -7,6 +8,8 @@ import {
   writeFileSync,
   writeSync,
 } from "node:fs";
+import { join } from "node:path";
+import { folder } from "./browser.mjs";
 
 const FILE_HEADER = 580;
 const [NUM_EPOCHS, TABLE_POSITION] = [536, 540];
@@ -52,4 +55,21 @@ export function writeDamaged(path, demoPath, length, changes) {
   const bytes = Buffer.from(readFileSync(demoPath).subarray(0, length));
   for (const [place, byte] of changes) bytes[place] = byte;
   writeFileSync(path, bytes);
+}
+
+/** What the tool says of a recording's epochs. */
+export function epochsOf(path) {
+  const said = execFileSync(process.env.CORVANTIS_TOOL, ["info", "--json", path]);
+  return JSON.parse(said).recordings[0].epochs;
+}
+
+/** Recordings of the kinds that the Python package's tests are made of. */
+export function writeKinds(kinds) {
+  const python = process.env.CORVANTIS_PYTHON;
+  const settings = { env: { ...process.env, PYTHONPATH: python }, stdio: "ignore" };
+  return kinds.map((kind) => {
+    const path = join(folder, `${kind}.dat`);
+    execFileSync("/usr/bin/python3", [join(python, "tests/rig.py"), kind, path], settings);
+    return path;
+  });
 }

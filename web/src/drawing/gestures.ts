@@ -4,20 +4,39 @@ import type { View } from "./panel";
 interface Wishes {
   view: () => View;
   move: (view: View) => void;
-  timeAt: (clientX: number) => number;
+  /** Where on the time axis that is: 0 at its left end, 1 at its right. */
+  shareAt: (clientX: number) => number;
   whole: () => void;
-  step: (by: number) => void;
+  step: (by: 1 | -1) => void;
   click: (time: number, isSecond: boolean) => void;
+  /** A double click began as a click. */
+  takeBack: () => void;
 }
 
 export function zoomed({ from, to }: View, about: number, factor: number): View {
   return { from: about + (from - about) * factor, to: about + (to - about) * factor };
 }
 
+/** The window in which two times are at those shares of the axis; null if they cannot be. */
+function between(times: number[], shares: number[]): View | null {
+  const span = (times[1]! - times[0]!) / (shares[1]! - shares[0]!);
+  if (!(span > 0) || !Number.isFinite(span)) return null;
+  const from = times[0]! - shares[0]! * span;
+  return { from, to: from + span };
+}
+
 const shifted = ({ from, to }: View, by: number): View => ({ from: from + by, to: to + by });
+
+const timesOf =
+  (wishes: Wishes) =>
+  (clientX: number): number => {
+    const { from, to } = wishes.view();
+    return from + wishes.shareAt(clientX) * (to - from);
+  };
 
 export function listen(drawing: HTMLElement, wishes: Wishes): void {
   const span = (): number => wishes.view().to - wishes.view().from;
+  const timeAt = timesOf(wishes);
   const middle = (): number => (wishes.view().to + wishes.view().from) / 2;
 
   drawing.addEventListener(
@@ -27,10 +46,7 @@ export function listen(drawing: HTMLElement, wishes: Wishes): void {
       const isAcross = Math.abs(event.deltaX) > Math.abs(event.deltaY) || event.shiftKey;
       const turned = event.deltaX || event.deltaY;
       if (isAcross) wishes.move(shifted(wishes.view(), (turned / 800) * span()));
-      else
-        wishes.move(
-          zoomed(wishes.view(), wishes.timeAt(event.clientX), Math.exp(event.deltaY / 400)),
-        );
+      else wishes.move(zoomed(wishes.view(), timeAt(event.clientX), Math.exp(event.deltaY / 400)));
     },
     { passive: false },
   );
@@ -54,12 +70,15 @@ export function listen(drawing: HTMLElement, wishes: Wishes): void {
     act();
   });
 
-  drawing.addEventListener("dblclick", wishes.whole);
+  drawing.addEventListener("dblclick", () => {
+    wishes.takeBack();
+    wishes.whole();
+  });
   let pressed = 0;
   drawing.addEventListener("pointerdown", (event) => (pressed = event.clientX), true);
   drawing.addEventListener("click", (event) => {
     const isStill = Math.abs(event.clientX - pressed) < 3 && event.detail === 1;
-    if (isStill) wishes.click(wishes.timeAt(event.clientX), event.shiftKey);
+    if (isStill) wishes.click(timeAt(event.clientX), event.shiftKey);
   });
   listenToDrags(drawing, wishes);
 }
@@ -78,12 +97,13 @@ function listenToDrags(drawing: HTMLElement, wishes: Wishes): void {
   const move = (event: PointerEvent): void => {
     const before = fingers.get(event.pointerId);
     if (before === undefined) return;
-    const was = [...fingers.values()].map(wishes.timeAt);
+    const was = [...fingers.values()].map(timesOf(wishes));
     fingers.set(event.pointerId, event.clientX);
-    const now = [...fingers.values()].map(wishes.timeAt);
+    const places = [...fingers.values()];
+    const now = places.map(timesOf(wishes));
     if (fingers.size === 1) return wishes.move(shifted(wishes.view(), was[0]! - now[0]!));
-    const [wide, narrow] = [Math.abs(was[0]! - was[1]!), Math.abs(now[0]! - now[1]!)];
-    if (narrow > 0) wishes.move(zoomed(wishes.view(), (now[0]! + now[1]!) / 2, wide / narrow));
+    const held = between(was, places.map(wishes.shareAt));
+    if (held !== null) wishes.move(held);
   };
   const end = (event: PointerEvent): void => void fingers.delete(event.pointerId);
   drawing.addEventListener("pointerdown", start, true);

@@ -1,5 +1,6 @@
 // One panel: curves over time, with axes or scale bars.
 import uPlot from "uplot";
+import type { Row } from "./lines";
 import { roundLength, shownNumber } from "./ticks";
 import { drawn, extent, joined, valueAt, type Trace } from "./trace";
 
@@ -10,6 +11,10 @@ export interface View {
 export interface Frame {
   label: string;
   unit: string;
+  /** Whether values are digital words. */
+  isWord: boolean;
+  /** Digital lines have names instead of numbers. */
+  rows: Row[] | null;
   /** Whether the time axis is written below it. */
   hasTime: boolean;
   time: { name: string; perSecond: number };
@@ -20,6 +25,15 @@ export interface Frame {
 }
 
 const LEFT = 64;
+const LINE_HEIGHT = 15; // of a digital line with its name
+const AROUND = 50;
+
+/** What stands at the vertical axis: numbers, or the names of lines halfway up. */
+function heights(rows: Row[] | null): Partial<uPlot.Axis> {
+  if (rows === null) return { values: (_, splits) => splits.map(shownNumber) };
+  const places = rows.map(({ base }) => base + 0.5);
+  return { splits: () => places, values: () => rows.map(({ name }) => name) };
+}
 const FONT = "12px system-ui, sans-serif";
 
 export class Panel {
@@ -61,7 +75,8 @@ export class Panel {
   }
 
   resize(view: View): void {
-    this.plot?.setSize({ width: this.width(), height: this.height() });
+    if (this.frame === null) return;
+    this.plot?.setSize({ width: this.width(), height: this.heightOf(this.frame) });
     this.look(view);
   }
 
@@ -72,9 +87,10 @@ export class Panel {
   get box(): { left: number; top: number; width: number; height: number } | null {
     return this.plot?.bbox ?? null;
   }
-  timeAt(clientX: number): number {
+  /** Where on the time axis: 0 at its left end, 1 at its right. */
+  shareAt(clientX: number): number {
     const over = this.plot?.over.getBoundingClientRect();
-    return over === undefined ? 0 : this.plot!.posToVal(clientX - over.left, "x");
+    return over === undefined ? 0 : (clientX - over.left) / over.width;
   }
   curves(view: View): { trace: Trace; curve: ReturnType<typeof drawn> }[] {
     return this.traces.map((trace) => ({
@@ -83,6 +99,9 @@ export class Panel {
     }));
   }
 
+  private heightOf({ rows }: Frame): number {
+    return Math.max(this.height(), (rows?.length ?? 0) * LINE_HEIGHT + AROUND);
+  }
   private width(): number {
     return Math.max(200, this.place.clientWidth);
   }
@@ -102,8 +121,11 @@ export class Panel {
       low = Math.min(low, least);
       high = Math.max(high, most);
     }
+    if (this.frame?.rows) return [-0.5, 2 * this.frame.rows.length - 0.5];
     if (!Number.isFinite(low) || !Number.isFinite(high)) return [0, 1];
-    const room = 0.06 * (high - low) || 0.5;
+    // Outlines are of single precision, in which a constant may seem to vary.
+    const isFlat = high - low <= 1e-6 * Math.max(Math.abs(high), Math.abs(low));
+    const room = isFlat ? 0.5 : 0.06 * (high - low);
     return [low - room, high + room];
   }
 
@@ -120,7 +142,7 @@ export class Panel {
     const { time, bars } = frame;
     return {
       width: this.width(),
-      height: this.height(),
+      height: this.heightOf(frame),
       legend: { show: false },
       padding: [8, 12, bars ? 26 : 4, 0],
       scales: {
@@ -139,12 +161,12 @@ export class Panel {
         },
         {
           ...axis,
-          show: !bars,
+          show: !bars || frame.rows !== null,
           label: frame.label,
           labelFont: FONT,
           size: LEFT - 18,
           labelSize: 18,
-          values: (_, splits) => splits.map(shownNumber),
+          ...heights(frame.rows),
         },
       ],
       cursor: {
@@ -160,6 +182,7 @@ export class Panel {
           width: 1.2,
           dash: trace.style.dash,
           points: { show: false },
+          ...(frame.rows === null ? {} : { paths: uPlot.paths.stepped!({ align: 1 }) }),
         })),
       ],
       hooks: {
@@ -221,14 +244,15 @@ export class Panel {
     ctx.strokeStyle = ctx.fillStyle = frame.ink;
     ctx.lineWidth = 1.5 * uPlot.pxRatio;
     ctx.beginPath();
-    ctx.moveTo(right, bottom - height);
+    ctx.moveTo(right, bottom - (frame.rows === null ? height : 0));
     ctx.lineTo(right, bottom);
     if (frame.hasTime) ctx.lineTo(right - width, bottom);
     ctx.stroke();
     ctx.font = `${12 * uPlot.pxRatio}px sans-serif`;
     ctx.textAlign = "right";
     ctx.textBaseline = "middle";
-    ctx.fillText(`${shownNumber(up)} ${frame.unit}`, right - 6, bottom - height / 2);
+    if (frame.rows === null)
+      ctx.fillText(`${shownNumber(up)} ${frame.unit}`, right - 6, bottom - height / 2);
     ctx.textBaseline = "top";
     if (frame.hasTime) ctx.fillText(`${shownNumber(across)} ${frame.time.name}`, right, bottom + 4);
     ctx.restore();

@@ -1,5 +1,5 @@
 // The drawing as PNG and SVG, and its values as CSV.
-import type { Panel, View } from "./panel";
+import type { Frame, Panel, View } from "./panel";
 import { shownNumber, ticks } from "./ticks";
 import type { Trace } from "./trace";
 import type { Readings } from "../parts/readout";
@@ -41,26 +41,37 @@ const escaped = (text: string): string =>
 const [WIDTH, LEFT, RIGHT, HEAD, FOOT] = [720, 70, 710, 30, 40];
 const HEIGHTS = [300, 110];
 
-function panelSvg(panel: Panel, view: View, top: number, height: number, label: string): string {
+type Place = readonly [x: string, y: string];
+/** Level until the next place. */
+const stepped = (places: Place[]): Place[] =>
+  places.flatMap((each, i): Place[] => {
+    const next = places[i + 1];
+    return next === undefined ? [each] : [each, [next[0], each[1]]];
+  });
+
+function panelSvg(panel: Panel, view: View, top: number, height: number, frame: Frame): string {
   const [low, high] = panel.range;
   const x = (time: number): string =>
     (LEFT + ((time - view.from) / (view.to - view.from)) * (RIGHT - LEFT)).toFixed(2);
   const y = (value: number): string =>
     (top + height - ((value - low) / (high - low)) * height).toFixed(2);
   const lines = panel.curves(view).map(({ trace, curve }) => {
-    const points = curve[0].map((time, i) => `${x(time)},${y(curve[1][i] ?? 0)}`).join(" ");
+    const places = curve[0].map((time, i) => [x(time), y(curve[1][i] ?? 0)] as const);
+    const points = (frame.rows === null ? places : stepped(places)).map(String).join(" ");
     const { colour, dash } = trace.style;
     const dashed = dash.length > 0 ? ` stroke-dasharray="${dash.join(" ")}"` : "";
     return `<polyline points="${points}" stroke="${colour}"${dashed}/>`;
   });
-  const marks = ticks(low, high).map(
-    (each) =>
-      `<text x="${LEFT - 6}" y="${Number(y(each)) + 4}" text-anchor="end">${shownNumber(each)}</text>`,
+  const heights = frame.rows?.map(({ name, base }) => ({ at: base + 0.5, text: name }));
+  const numbers = ticks(low, high).map((at) => ({ at, text: shownNumber(at) }));
+  const marks = (heights ?? numbers).map(
+    ({ at, text }) =>
+      `<text x="${LEFT - 6}" y="${Number(y(at)) + 4}" text-anchor="end">${text}</text>`,
   );
   const middle = top + height / 2;
   return `<g clip-path="url(#c)" fill="none" stroke-width="1">${lines.join("")}</g>
 <path d="M${LEFT},${top} v${height}" stroke="currentColor" fill="none"/>${marks.join("")}
-<text x="14" y="${middle}" text-anchor="middle" transform="rotate(-90 14 ${middle})">${escaped(label)}</text>`;
+<text x="14" y="${middle}" text-anchor="middle" transform="rotate(-90 14 ${middle})">${escaped(frame.label)}</text>`;
 }
 
 export function asSvg(panels: Panel[], readings: Readings, view: View, title: string): string {
@@ -68,7 +79,7 @@ export function asSvg(panels: Panel[], readings: Readings, view: View, title: st
   const unit = readings.frames[0].time;
   const tops = [HEAD, HEAD + HEIGHTS[0]! + 10];
   const parts = panels.map((panel, i) =>
-    panelSvg(panel, view, tops[i]!, HEIGHTS[i]!, readings.frames[i]!.label),
+    panelSvg(panel, view, tops[i]!, HEIGHTS[i]!, readings.frames[i]!),
   );
   const bottom = height - FOOT;
   const times = ticks(view.from * unit.perSecond, view.to * unit.perSecond).map((each) => {

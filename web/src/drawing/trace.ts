@@ -3,6 +3,7 @@
 import type { Outline } from "../messages";
 
 const STRETCH = 64;
+export type Values = Float64Array | Uint8Array;
 
 export interface Style {
   colour: string;
@@ -15,15 +16,17 @@ export interface Trace {
   /** Of one point [s]. */
   interval: number;
   points: number;
+  /** Of a sum: which component; else null. */
+  component: number | null;
   /** All values, or null of a trace that is too long for it. */
-  values: Float64Array | null;
+  values: Values | null;
   outline: Outline;
   /** Of a long trace the window that was last looked at closely. */
   closeUp: { first: number; values: Float64Array } | null;
 }
 
 /** The outline of values that are at hand. */
-export function outlineOf(values: Float64Array): Outline {
+export function outlineOf(values: Values): Outline {
   const stretches = Math.ceil(values.length / STRETCH);
   const lows = new Float32Array(stretches);
   const highs = new Float32Array(stretches);

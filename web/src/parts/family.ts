@@ -1,5 +1,6 @@
 // The panel of a family: its curves, and its measures as a table.
-import type { Step } from "../analysis/family";
+import type { Step } from "../messages";
+import type { Frame } from "../drawing/panel";
 import { shownNumber, ticks } from "../drawing/ticks";
 import { element, fillTable, make } from "./elements";
 
@@ -50,44 +51,55 @@ function curve(points: [number, number][], across: string, up: string): SVGEleme
   return picture;
 }
 
-export interface FamilyLabels {
-  stimulus: string;
-  stimulusUnit: string;
-  response: string;
-  responseUnit: string;
+export interface FamilyFrames {
+  stimulus: Frame;
+  response: Frame;
+  threshold: number;
 }
 
-export function showFamily(steps: Step[], labels: FamilyLabels): void {
-  element("family-details").hidden = steps.length < 2;
-  if (steps.length < 2) return;
-  const { stimulusUnit, responseUnit } = labels;
-  const hasSpikes = responseUnit === "mV";
-  const settled = steps.filter((step) => step.isSettled || !hasSpikes);
-  const curves: (HTMLElement | SVGElement)[] = [
+function familyTable(
+  steps: Step[],
+  { stimulus, response }: FamilyFrames,
+  hasSpikes: boolean,
+): void {
+  const heads = ["Epoch", `Level (${stimulus.unit})`];
+  heads.push(...["Baseline", "Peak", "Steady"].map((name) => `${name} (${response.unit})`));
+  if (hasSpikes) heads.push("Spikes", "Rate (Hz)");
+  const rows = steps.map((step) => [
+    String(step.epoch),
+    ...[step.level, step.baseline, step.peak, step.steady].map(shownNumber),
+    ...(hasSpikes ? [String(step.spikes), shownNumber(step.rate ?? 0)] : []),
+  ]);
+  fillTable(element("family-table"), heads, rows);
+}
+
+export function showFamily(steps: Step[], frames: FamilyFrames): void {
+  const hasCurves = new Set(steps.map(({ level }) => level)).size > 1;
+  element("family-details").hidden = !hasCurves;
+  if (!hasCurves) return;
+  const hasSpikes = steps.some(({ spikes }) => spikes !== null);
+  const { stimulus, response } = frames;
+  const steady = steps.filter((step) => step.isSettled);
+  const curves = [
     curve(
-      settled.map((step) => [step.level, step.steady]),
-      labels.stimulus,
-      labels.response,
+      steady.map((step) => [step.level, step.steady]),
+      stimulus.label,
+      response.label,
     ),
   ];
   if (hasSpikes)
     curves.push(
       curve(
-        steps.map((step) => [step.level, step.rate]),
-        labels.stimulus,
+        steps.map((step) => [step.level, step.rate ?? 0]),
+        stimulus.label,
         "Spike Rate (Hz)",
       ),
     );
   element("family-curves").replaceChildren(...curves);
-  const heads = ["Epoch", `Level (${stimulusUnit})`];
-  heads.push(...["Baseline", "Peak", "Steady"].map((name) => `${name} (${responseUnit})`));
-  if (hasSpikes) heads.push("Spikes", "Rate (Hz)");
-  const rows = steps.map((step) => [
-    String(step.epoch),
-    ...[step.level, step.baseline, step.peak, step.steady].map(shownNumber),
-    ...(hasSpikes ? [String(step.spikes), shownNumber(step.rate)] : []),
-  ]);
-  fillTable(element("family-table"), heads, rows);
+  element("family-threshold").textContent = hasSpikes
+    ? `A spike crosses ${shownNumber(frames.threshold)} mV upwards.`
+    : "";
+  familyTable(steps, frames, hasSpikes);
 }
 
 export function noFamily(): void {

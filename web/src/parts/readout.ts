@@ -1,6 +1,7 @@
 // Numbers beside the drawing: the cursors with their difference, the value under the pointer, and a
 // table of all that is drawn.
 import { valueAtTime, type Frame, type View } from "../drawing/panel";
+import { highLines } from "../drawing/lines";
 import { shownNumber } from "../drawing/ticks";
 import { extent, type Trace } from "../drawing/trace";
 import { element, fillTable, make, row } from "./elements";
@@ -12,7 +13,22 @@ export interface Readings {
 
 const at = (traces: Trace[], time: number | null): number | null =>
   traces[0] === undefined || time === null ? null : valueAtTime(traces[0], time);
-const shown = (value: number | null): string => (value === null ? "" : shownNumber(value));
+
+/** A value as people read it: of a digital word the lines that are high. */
+function shown(value: number | null, frame?: Frame): string {
+  if (value === null) return "";
+  if (frame?.isWord !== true) return shownNumber(value);
+  const lines = highLines(value);
+  const high = lines.length === 0 ? "no line high" : `high: ${lines.join(", ")}`;
+  return `0x${value.toString(16).padStart(4, "0").toUpperCase()} (${high})`;
+}
+
+function between(a: number | null, b: number | null, frame: Frame): string {
+  if (!frame.isWord) return shown(difference(a, b));
+  if (a === null || b === null) return "";
+  const lines = highLines(a ^ b);
+  return lines.length === 0 ? "the same" : `other: ${lines.join(", ")}`;
+}
 const difference = (a: number | null, b: number | null): number | null =>
   a === null || b === null ? null : b - a;
 
@@ -36,16 +52,20 @@ export function showCursors(
     field.addEventListener("change", () =>
       onType(index, field.value === "" ? null : Number(field.value) / unit.perSecond),
     );
-    const made = row(["AB"[index]!, "", ...traces.map((each) => shown(at(each, time)))]);
+    const made = row([
+      "AB"[index]!,
+      "",
+      ...traces.map((each, i) => shown(at(each, time), frames[i])),
+    ]);
     made.children[1]!.append(field);
     return made;
   });
   const [a, b] = cursors;
-  const between = traces.map((each) => difference(at(each, a ?? null), at(each, b ?? null)));
-  const time = difference(a ?? null, b ?? null);
-  rows.push(
-    row(["B − A", shown(time === null ? null : time * unit.perSecond), ...between.map(shown)]),
+  const differences = traces.map((each, i) =>
+    between(at(each, a ?? null), at(each, b ?? null), frames[i]!),
   );
+  const time = difference(a ?? null, b ?? null);
+  rows.push(row(["B − A", shown(time === null ? null : time * unit.perSecond), ...differences]));
   element("cursor-rows").replaceChildren(...rows);
 }
 
@@ -59,7 +79,8 @@ export function showHover(readings: Readings, time: number | null): void {
   const texts = readings.traces.flatMap((traces, panel) =>
     traces.slice(0, 4).map((trace) => {
       const value = valueAtTime(trace, time);
-      return value === null ? "" : `${trace.name} ${shown(value)} ${readings.frames[panel]!.unit}`;
+      const frame = readings.frames[panel]!;
+      return value === null ? "" : `${trace.name} ${shown(value, frame)} ${frame.unit}`;
     }),
   );
   const words = texts.filter((text) => text !== "").join(", ");
@@ -75,8 +96,8 @@ export function showValues(readings: Readings, view: View): void {
       const end = Math.min(trace.points, Math.floor(view.to / trace.interval) + 1);
       const [low, high] = extent(trace, first, end);
       const values = [valueAtTime(trace, first * trace.interval), low, high];
-      const { label } = readings.frames[panel]!;
-      return [trace.name, label, ...values.map((each) => shown(each))];
+      const frame = readings.frames[panel]!;
+      return [trace.name, frame.label, ...values.map((each) => shown(each, frame))];
     }),
   );
   const table = element("shown");

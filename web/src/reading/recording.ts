@@ -1,48 +1,27 @@
-// An open recording: its epochs, values and findings, as the page shows them.
-import type {
-  Direction,
-  Entry,
-  EpochDetails,
-  FieldRow,
-  Finding,
-  Opened,
-  Outline,
-  Row,
-  ScaleInfo,
-  StimulusInfo,
-  Wanted,
-} from "../messages";
+// An open recording: its values, families and findings, as the page shows them.
+import type { FamilyOf, Finding, Opened, Outline, Step, Wanted } from "../messages";
 import { KeptBytes, type Bytes } from "./bytes";
-import { ReadingError, type Module } from "./module";
-import { fieldTexts, type Field } from "./structures";
+import { Epochs, fieldRows } from "./epochs";
+import type { Module } from "./module";
+import { Steps } from "./steps";
 
-interface EpochPlace {
-  start: number;
-  points: number;
-  entries: number;
-  samplingInterval: number;
-  inputs: number[];
-  outputs: number[];
-}
-interface StimulusRecord {
-  type: number;
-  components: number;
-  isThere: number;
-  record: Uint8Array;
-}
-
-const OWN_RECORD = -1;
 const AT_ONCE = 1 << 20; // points of an outline
 const AT_ONCE_COMPUTED = 1 << 24; // each time from the first point on
 
 export class Recording {
+  readonly epochs: Epochs;
+  readonly steps: Steps;
+
   private constructor(
     private readonly module: Module,
     readonly number: number,
     private readonly handle: number,
     private readonly name: string,
     private readonly bytes: KeptBytes,
-  ) {}
+  ) {
+    this.epochs = new Epochs(module, handle);
+    this.steps = new Steps(module, handle);
+  }
 
   static open(module: Module, number: number, source: Bytes, name: string): Recording {
     const bytes = new KeptBytes(source);
@@ -67,7 +46,7 @@ export class Recording {
     const size = this.module.constant("CORVANTIS_FILE_HEADER_SIZE");
     const header = this.module.withRoom(size, (room) => {
       this.module.call("CorvantisFileHeader", this.handle, room);
-      return this.fieldRows(this.module.fields(record), room, size);
+      return fieldRows(this.module, this.module.fields(record), room, size);
     });
     return {
       recording: this.number,
@@ -77,6 +56,7 @@ export class Recording {
       version: info.version,
       foundByWalking: info.found === this.module.constant("CORVANTIS_BY_WALKING"),
       header,
+      threshold: this.steps.threshold,
     };
   }
 
@@ -86,220 +66,28 @@ export class Recording {
     return this.opened().epochs;
   }
 
-  rows(first: number, count: number): Row[] {
-    return Array.from({ length: count }, (_, i) => this.row(first + i));
-  }
-
-  private row(number: number): Row {
-    const row = { number, comment: "", time: "", stimulus: "", doubt: "", problem: "" };
-    try {
-      const place = this.place(number);
-      const [comment, time] = this.headerFields(number, ["epochComment", "epochTime"]);
-      const words = Array.from({ length: place.entries }, (_, entry) => this.words(number, entry));
-      return {
-        ...row,
-        comment: comment?.values[0] ?? "",
-        time: `${time?.values[0] ?? ""} ${time?.unit ?? ""}`.trim(),
-        stimulus: words.join(" | "),
-        points: place.points,
-        interval: place.samplingInterval,
-        entries: place.entries,
-      };
-    } catch (error) {
-      return {
-        ...row,
-        points: 0,
-        interval: 0,
-        entries: 0,
-        problem: (error as Error).message,
-      };
-    }
-  }
-
-  epoch(number: number): EpochDetails {
-    const place = this.place(number);
-    const header = this.headerFields(number);
-    return {
-      number,
-      comment: header.find((field) => field.name === "epochComment")?.values[0] ?? "",
-      points: place.points,
-      interval: place.samplingInterval,
-      start: place.start,
-      header,
-      entries: Array.from({ length: place.entries }, (_, entry) =>
-        this.entry(number, entry, place),
-      ),
-    };
-  }
-
-  /** Epochs whose stimulus differs from this one's in its amplitude alone. */
-  family(number: number, entry: number): number[] {
-    const wanted = this.protocol(number, entry);
-    const all = Array.from({ length: this.opened().epochs }, (_, each) => each);
-    return all.filter((each) => this.protocol(each, entry) === wanted);
-  }
-
-  private protocol(number: number, entry: number): string {
-    try {
-      const place = this.place(number);
-      const own = this.record(number, entry, OWN_RECORD);
-      const { parameters, name } = this.stimulusInfo(number, entry, OWN_RECORD, own);
-      const same = parameters.filter((field) => field.name !== "amplitude");
-      const scales = [this.scale(number, entry, "response"), this.scale(number, entry, "stimulus")];
-      return JSON.stringify([name, same, place.samplingInterval, scales]);
-    } catch {
-      return `damaged ${number}`;
-    }
-  }
-
-  private place(number: number): EpochPlace {
-    return this.module.filled<EpochPlace>("CorvantisEpochInfo", (room) =>
-      this.module.ask("CorvantisEpoch", this.handle, BigInt(number), room),
-    );
-  }
-
-  private headerFields(number: number, names?: string[]): FieldRow[] {
-    const size = this.module.constant("CORVANTIS_EPOCH_HEADER_SIZE");
-    const all = this.module.fields(this.module.constant("CORVANTIS_EPOCH_HEADER"));
-    const fields = names?.map((name) => all.find((field) => field.name === name)!) ?? all;
-    return this.module.withRoom(size, (room) => {
-      this.module.ask("CorvantisEpochHeader", this.handle, BigInt(number), room);
-      return this.fieldRows(fields, room, size);
+  /** The families of some epochs; of one that cannot be told 0. */
+  families(first: number, count: number, entry: number): FamilyOf[] {
+    return Array.from({ length: count }, (_, i) => {
+      try {
+        return this.steps.family(first + i, entry);
+      } catch {
+        return { epoch: first + i, family: 0 }; // damaged, or without a stimulus
+      }
     });
   }
 
-  private fieldRows(fields: Field[], address: number, size: number): FieldRow[] {
-    const shown = (at: number, length: number): string =>
-      this.module.written((room, capacity) =>
-        this.module.call("CorvantisText", at, length, room, capacity),
-      );
-    return fields.map((field) => {
-      const view = (): DataView => new DataView(this.module.buffer, address, size);
-      const values = fieldTexts(this.module.layout, field, { address, view }, shown);
-      return { name: field.name, unit: field.unit, meaning: field.meaning, values };
-    });
-  }
-
-  private entry(number: number, entry: number, place: EpochPlace): Entry {
-    const own = this.record(number, entry, OWN_RECORD);
-    const response = this.scale(number, entry, "response");
-    const stimulus = this.scale(number, entry, "stimulus");
-    const doubt = this.doubt(number, entry);
-    const channel = (isWord: boolean, kind: string, index: number): string =>
-      isWord ? `digital ${kind}` : `${kind} ${index}`;
-    return {
-      input: channel(response.isWord, "input", place.inputs[entry]!),
-      output: channel(stimulus.isWord, "output", place.outputs[entry]!),
-      response,
-      stimulus,
-      conductance: this.hasConductance(number, entry)
-        ? this.scale(number, entry, "excitatory")
-        : null,
-      parameters: this.stimulusInfo(number, entry, OWN_RECORD, own),
-      components: Array.from({ length: own.components }, (_, k) =>
-        this.stimulusInfo(number, entry, k, this.record(number, entry, k)),
-      ),
-      ...doubt,
-    };
-  }
-
-  private words(number: number, entry: number): string {
-    return this.module.withRoom(8, (length) =>
-      this.module.written((room, capacity) =>
-        this.module.ask(
-          "CorvantisStimulusWords",
-          this.handle,
-          BigInt(number),
-          entry,
-          room,
-          BigInt(capacity),
-          length,
-        ),
-      ),
+  measured(epochs: number[], entry: number): Step[] {
+    const steps = epochs.map((epoch) =>
+      this.steps.measured(epoch, entry, this.epochs.place(epoch).samplingInterval / 1e6),
     );
+    return steps.filter((step) => step !== null);
   }
 
-  private record(number: number, entry: number, component: number): StimulusRecord {
-    return this.module.filled<StimulusRecord>("CorvantisStimulusRecord", (room) =>
-      this.module.ask("CorvantisParameters", this.handle, BigInt(number), entry, component, room),
-    );
-  }
-
-  private stimulusInfo(
-    number: number,
-    entry: number,
-    component: number,
-    record: StimulusRecord,
-  ): StimulusInfo {
-    const type = this.module.filled<{ name: number }>("CorvantisTypeInfo", (room) =>
-      this.module.call("CorvantisType", record.type, room),
-    );
-    const name = this.module.constantText(type.name);
-    const isSum = record.components > 0;
-    const fields = record.isThere === 1 && !isSum ? this.module.fields(record.type) : [];
-    const parameters = this.module.withRoom(record.record.length, (room) => {
-      new Uint8Array(this.module.buffer, room).set(record.record);
-      return this.fieldRows(fields, room, record.record.length);
-    });
-    return {
-      name,
-      words: component === OWN_RECORD ? this.words(number, entry) : name,
-      parameters,
-    };
-  }
-
-  private scale(number: number, entry: number, direction: Direction): ScaleInfo {
-    const code = this.directionCode(direction);
-    const scale = this.module.filled<{ unit: string; formula: string; isWord: number }>(
-      "CorvantisScaleInfo",
-      (room) => this.module.ask("CorvantisScale", this.handle, BigInt(number), entry, code, room),
-    );
-    const quantity = this.module.withText(scale.unit, (unit) =>
-      this.module.constantText(this.module.call("CorvantisAxisName", code, unit)),
-    );
-    return { unit: scale.unit, formula: scale.formula, isWord: scale.isWord === 1, quantity };
-  }
-
-  private directionCode(direction: Direction): number {
-    if (direction === "response") return this.module.constant("CORVANTIS_RESPONSE");
-    if (direction === "stimulus") return this.module.constant("CORVANTIS_STIMULUS");
-    return this.module.constant("CORVANTIS_CONDUCTANCE");
-  }
-
-  /** Asks for the doubt alone: nothing is computed. */
-  private doubt(
-    number: number,
-    entry: number,
-  ): { problem: string; doubt: string; isDoubtful: boolean } {
-    try {
-      const doubt = this.module.filled<{ reason: number; text: string }>("CorvantisDoubt", (room) =>
-        this.module.ask(
-          "CorvantisStimulus",
-          this.handle,
-          BigInt(number),
-          entry,
-          0n,
-          0n,
-          0,
-          0n,
-          room,
-        ),
-      );
-      const isDoubtful = doubt.reason > this.module.constant("CORVANTIS_RESTS_ON_ORDER");
-      return { problem: "", doubt: doubt.text, isDoubtful };
-    } catch (error) {
-      if (!(error instanceof ReadingError)) throw error;
-      return { problem: error.message, doubt: "", isDoubtful: false };
-    }
-  }
-
-  private hasConductance(number: number, entry: number): boolean {
-    try {
-      this.ask("CorvantisConductance", { epoch: number, entry, first: 0, count: 0 }, [0], 0);
-      return true;
-    } catch {
-      return false;
-    }
+  /** The spikes of each channel. */
+  spikes(epoch: number): (number | null)[] {
+    const { entries, points } = this.epochs.place(epoch);
+    return Array.from({ length: entries }, (_, entry) => this.steps.spikes(epoch, entry, points));
   }
 
   private ask(

@@ -1,6 +1,7 @@
 // A shared library of the system's, loaded while the program runs.
 #pragma once
 
+#include <memory>
 #include <string>
 
 namespace corvantis::rig {
@@ -10,9 +11,6 @@ class SharedLibrary {
     // Loads the library of a path, or of a file name that the system's loader looks for in its own
     // places. Where it cannot, the object is empty and Problem() says why.
     explicit SharedLibrary(const std::string& path);
-    ~SharedLibrary();
-    SharedLibrary(SharedLibrary&& other) noexcept;
-    SharedLibrary& operator=(SharedLibrary&&) = delete;
 
     bool IsLoaded() const { return library != nullptr; }
     const std::string& Problem() const { return problem; }
@@ -20,7 +18,11 @@ class SharedLibrary {
     void* Function(const char* name) const;
 
   private:
-    void* library;
+    struct Unload {
+        void operator()(void* loaded) const;
+    };
+
+    std::unique_ptr<void, Unload> library;
     std::string problem;
 };
 

@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <utility>
 
 #include "player/SharedLibrary.h"
 
@@ -40,14 +39,9 @@ SharedLibrary::SharedLibrary(const std::string& path)
     problem = reason != nullptr ? reason : path + ": cannot be loaded";
 }
 
-SharedLibrary::~SharedLibrary() {
-    if (library != nullptr) dlclose(library);
-}
+void SharedLibrary::Unload::operator()(void* loaded) const { dlclose(loaded); }
 
-SharedLibrary::SharedLibrary(SharedLibrary&& other) noexcept
-    : library(std::exchange(other.library, nullptr)), problem(std::move(other.problem)) {}
-
-void* SharedLibrary::Function(const char* name) const { return dlsym(library, name); }
+void* SharedLibrary::Function(const char* name) const { return dlsym(library.get(), name); }
 
 std::string LibraryFileName(const std::string& name) { return "lib" + name + ".so"; }
 

@@ -1,5 +1,4 @@
 // The dynamic loader of Windows.
-#include <utility>
 
 #include "ITCUtilities/WidePath.h"
 #include "ITCUtilities/WindowsMessage.h"
@@ -19,15 +18,12 @@ SharedLibrary::SharedLibrary(const std::string& path)
     if (library == nullptr) problem = path + ": " + WindowsMessage(GetLastError());
 }
 
-SharedLibrary::~SharedLibrary() {
-    if (library != nullptr) FreeLibrary(static_cast<HMODULE>(library));
+void SharedLibrary::Unload::operator()(void* loaded) const {
+    FreeLibrary(static_cast<HMODULE>(loaded));
 }
 
-SharedLibrary::SharedLibrary(SharedLibrary&& other) noexcept
-    : library(std::exchange(other.library, nullptr)), problem(std::move(other.problem)) {}
-
 void* SharedLibrary::Function(const char* name) const {
-    return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(library), name));
+    return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(library.get()), name));
 }
 
 std::string LibraryFileName(const std::string& name) { return name + ".dll"; }

@@ -86,7 +86,8 @@ typedef struct PlayerEpoch {
 } PlayerEpoch;
 
 typedef struct PlayerCalls {
-    int32_t version; /* Player_Version */
+    int32_t version;   /* Player_Version */
+    int32_t simulated; /* 1: there is no cell, which recordings say of themselves; else 0 */
 
     /* The settings that open and change take, for help, schemas and checks: count of them. */
     const PlayerSettingInfo* (*settings)(int32_t* count);

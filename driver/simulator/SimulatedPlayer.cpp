@@ -12,16 +12,17 @@ int32_t Open(void* device, const PlayerSetting* settings, int32_t count, void** 
 }
 
 constexpr PlayerCalls kCalls = {
-    Player_Version,
-    ITC18Simulator_Settings,
-    Open,
-    ITC18Simulator_Change,
-    ITC18Simulator_Start,
-    ITC18Simulator_Write,
-    ITC18Simulator_Read,
-    ITC18Simulator_Stop,
-    ITC18Simulator_Wait,
-    ITC18Simulator_Disconnect,
+    .version = Player_Version,
+    .simulated = 1,
+    .settings = ITC18Simulator_Settings,
+    .open = Open,
+    .change = ITC18Simulator_Change,
+    .start = ITC18Simulator_Start,
+    .write = ITC18Simulator_Write,
+    .read = ITC18Simulator_Read,
+    .stop = ITC18Simulator_Stop,
+    .wait = ITC18Simulator_Wait,
+    .close = ITC18Simulator_Disconnect,
 };
 
 }  // namespace

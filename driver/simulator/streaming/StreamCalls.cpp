@@ -148,7 +148,7 @@ int32_t ITC18Simulator_GetRoom(void* device, ITC18Simulator_Room* room, PlayerPr
 int32_t ITC18Simulator_Write(void* device, const uint16_t* samples, int32_t count, int32_t* written,
                              PlayerProblem* problem) {
     return OnBench(device, ITC18Simulator_CallWrite, problem, [&](Device&, Bench& bench) {
-        if (samples == nullptr || written == nullptr || count < 0)
+        if ((samples == nullptr && count != 0) || written == nullptr || count < 0)
             return Refuse(problem, "there is nothing to write");
         itc18::Proceed(bench);
         if (const int32_t failure = Failure(bench, problem)) return failure;
@@ -162,7 +162,7 @@ int32_t ITC18Simulator_Write(void* device, const uint16_t* samples, int32_t coun
 int32_t ITC18Simulator_Read(void* device, uint16_t* samples, int32_t count, int32_t* taken,
                             PlayerProblem* problem) {
     return OnBench(device, ITC18Simulator_CallRead, problem, [&](Device&, Bench& bench) {
-        if (samples == nullptr || taken == nullptr || count < 0)
+        if ((samples == nullptr && count != 0) || taken == nullptr || count < 0)
             return Refuse(problem, "there is nowhere to read to");
         if (!bench.stream) return Refuse(problem, "no epoch is under way");
         itc18::Proceed(bench);

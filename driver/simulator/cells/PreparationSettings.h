@@ -14,6 +14,8 @@ enum class AmplifierMode : int32_t { kCurrentClamp, kVoltageClamp, kZeroCurrent 
 
 enum class AmplifierFilter : int32_t { kNone, kLowPass, kBessel };
 
+enum class GateRates : int32_t { kComputed, kTabulated };
+
 enum class CellModel : int32_t {
     kSquidAxon,
     kPassive,
@@ -58,6 +60,7 @@ struct PreparationSettings {
     double resistance = 200;
     double restingPotential = -70;
     double channelConductance = 0;
+    GateRates rates = GateRates::kComputed;
 
     double excitatoryConductance = 0;
     double excitatoryDeviation = 0;

@@ -17,7 +17,7 @@ using loopback::FrameHeader;
 constexpr int kSocket = 0;
 
 struct Echo {
-    int64_t dieAfter, hangAfter;
+    int64_t dieAfter = -1, hangAfter = -1;
     int64_t echoed = 0;
     uint32_t epoch = 0;  // none has this number
     std::deque<uint16_t> line;
@@ -78,6 +78,8 @@ bool AnswerFrame(Echo& echo) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    Echo echo{argc > 1 ? std::atoll(argv[1]) : -1, argc > 2 ? std::atoll(argv[2]) : -1};
+    Echo echo;
+    if (argc > 1) echo.dieAfter = std::atoll(argv[1]);
+    if (argc > 2) echo.hangAfter = std::atoll(argv[2]);
     while (AnswerFrame(echo)) continue;
 }

@@ -72,6 +72,8 @@ struct PreparationSettings {
     double inhibitoryReversal = -75;
 
     double seed = 1;
+
+    bool operator==(const PreparationSettings& other) const = default;
 };
 
 // Every setting of a preparation, in groups: amplifier, electrode, cell, synapses, noise.

@@ -8,11 +8,11 @@
  *
  * Conventions
  *  1. Calls return one of PlayerResult. After anything but Player_Success the problem, if the
- *     caller gave one, holds a sentence for people and, where there is one, the setting in
- * question. A refused call changes nothing.
+ *     caller gave one, holds a sentence for people and, where there is one, the number of the
+ *     setting in question. A refused call changes nothing.
  *  2. The order is open, change as often as settings differ, then for each epoch start, write and
- *     read in turn, stop; between epochs wait; at the end close. Samples may be written before
- *     start: an interface that plays at once needs some.
+ *     read in turn, stop; between epochs wait; at the end close. Samples are written before start
+ *     too: an interface that plays at once needs some. A stop drops what is left of them.
  *  3. A sample is a signed 16-bit converter count in unsigned storage. Samples are interleaved: the
  *     sample of sequence entry c at point p is number p * entries + c.
  *  4. The calls are made from one thread at a time. None waits for the interface but `wait`: where
@@ -36,8 +36,9 @@ extern "C" {
 #endif
 
 enum {
-    Player_Version = 1,     /* of these declarations */
-    Player_TextLength = 256 /* bytes of a problem's text, terminator included */
+    Player_Version = 1,        /* of these declarations */
+    Player_TextLength = 256,   /* bytes of a problem's text, terminator included */
+    Player_LongestDelay = 4096 /* samples between a played sample and its echo */
 };
 
 typedef enum PlayerResult {
@@ -67,10 +68,9 @@ typedef struct PlayerSettingInfo {
     const char* name;
     const char* unit;    /* "" without one */
     const char* meaning; /* a clause */
-    const char*
-        choices; /* of a text: what it may be, separated by "|"; "" for any; of a number null */
-    double least, most; /* of a number */
-    const char* unless; /* what holds if it is not given, as it would be written */
+    const char* choices; /* of a text: separated by "|", "" for any; of a number null */
+    double least, most;  /* of a number */
+    const char* unless;  /* what holds if it is not given, as it would be written */
 } PlayerSettingInfo;
 
 typedef struct PlayerEpoch {
@@ -81,17 +81,13 @@ typedef struct PlayerEpoch {
     int32_t trigger;          /* 1: begins with the external trigger, 0: at once */
     int32_t latency; /* of dynamic clamp [points]: from a potential to the current it makes */
     const float* excitatory; /* conductance at each point [nS], or null: no dynamic clamp */
-    const float* inhibitory; /* as many */
+    const float* inhibitory; /* as many, null if the other is */
     double excitatoryReversal, inhibitoryReversal; /* [mV] */
 } PlayerEpoch;
 
-typedef struct PlayerRoom {
-    int32_t writable; /* samples that can be written now, without the epoch's end being a limit */
-    int32_t readable; /* samples that can be read now */
-} PlayerRoom;
-
 typedef struct PlayerCalls {
-    int32_t version; /* Player_Version */
+    int32_t version;   /* Player_Version */
+    int32_t simulated; /* 1: there is no cell, which recordings say of themselves; else 0 */
 
     /* The settings that open and change take, for help, schemas and checks: count of them. */
     const PlayerSettingInfo* (*settings)(int32_t* count);
@@ -111,14 +107,12 @@ typedef struct PlayerCalls {
 
     /*
      * Begin an epoch with the sequence and interval that the device holds.
-     *   delay  samples that are read before the first one that the first played sample is seen in:
-     *          the caller writes as many more at the end, and leaves out the first ones it reads
+     *   delay  samples, 0 to Player_LongestDelay, that are read before the one that shows the first
+     *          played sample: the caller writes as many more at the end, the last point's again,
+     *          and leaves out the first ones it reads
      */
     int32_t (*start)(void* player, const PlayerEpoch* epoch, int32_t* delay,
                      PlayerProblem* problem);
-
-    /* What can be moved now. */
-    int32_t (*room)(void* player, PlayerRoom* room, PlayerProblem* problem);
 
     /* Hand over samples to be played: as many as fit, 0 to count. */
     int32_t (*write)(void* player, const uint16_t* samples, int32_t count, int32_t* written,
@@ -144,7 +138,8 @@ typedef struct PlayerCalls {
     void (*close)(void* player);
 } PlayerCalls;
 
-/* The one symbol that a player's library exports. Never null; the table is the library's. */
+/* The one symbol that a player's library exports. The table is the library's; no call in it is
+ * null. */
 typedef const PlayerCalls* CorvantisPlayerFunction(void);
 PLAYER_EXPORT const PlayerCalls* CorvantisPlayer(void);
 

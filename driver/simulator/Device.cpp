@@ -37,7 +37,7 @@ Device* OpenDevice(const void* structure) {
 }
 
 int32_t CheckInitialized(const Device* device) {
-    if (device == nullptr) return ITC18Simulator_NotOpen;
+    if (device == nullptr || device->lost) return ITC18Simulator_NotOpen;
     return device->state.initialized ? ITC18Simulator_Success : ITC18Simulator_NotInitialized;
 }
 

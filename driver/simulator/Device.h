@@ -2,14 +2,19 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "simulator/ITC18Simulator.h"
 
 namespace itc18 {
 
+struct Bench;
+
 struct Device {
-    const void* structure;  // the caller's memory, known by its address alone; null = not open
-    ITC18Simulator_State state;
+    const void* structure = nullptr;  // the caller's memory, known by its address alone; null: none
+    ITC18Simulator_State state{};
+    std::shared_ptr<Bench> bench;  // what is connected for streaming, or null
+    bool lost = false;             // answers nothing until it is opened again
 };
 
 constexpr int32_t kStructureSize = 512;  // [bytes]
@@ -27,7 +32,7 @@ Device* DeviceNumbered(int32_t deviceNumber);
 // The interface that is open in that structure, or null.
 Device* OpenDevice(const void* structure);
 
-// Whether a device, or null, takes set-up calls: success, not open, or not initialised.
+// Whether a device, or null, takes set-up calls: success, not open or lost, or not initialised.
 int32_t CheckInitialized(const Device* device);
 
 // Whether a sequence can be loaded. Reads no word behind a bad one, and none at all when the

@@ -1,29 +1,27 @@
 // The seven driver calls on the simulated interfaces, with the faults injected into them.
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstring>
 #include <iterator>
 
 #include "simulator/Device.h"
+#include "simulator/Faults.h"
+#include "simulator/streaming/Clock.h"
 
 namespace {
 
 using itc18::Device;
-
-std::array<int32_t, ITC18Simulator_Calls> faults;
-
-bool IsFaulty(ITC18Simulator_Call call) { return faults[call] != 0; }
+using itc18::TakeFault;
 
 }  // namespace
 
 int32_t ITC18_GetStructureSize(void) {
-    constexpr auto kCall = ITC18Simulator_CallGetStructureSize;
-    return IsFaulty(kCall) ? faults[kCall] : itc18::kStructureSize;
+    const int32_t fault = TakeFault(ITC18Simulator_CallGetStructureSize);
+    return fault != 0 ? fault : itc18::kStructureSize;
 }
 
 int32_t ITC18_Open(void* device, int32_t deviceNumber) {
-    if (IsFaulty(ITC18Simulator_CallOpen)) return faults[ITC18Simulator_CallOpen];
+    if (const int32_t fault = TakeFault(ITC18Simulator_CallOpen)) return fault;
     if (device == nullptr) return ITC18Simulator_NullPointer;
     Device* const connected = itc18::DeviceNumbered(deviceNumber);
     if (connected == nullptr) return ITC18Simulator_BadDeviceNumber;
@@ -38,9 +36,9 @@ int32_t ITC18_Open(void* device, int32_t deviceNumber) {
 }
 
 int32_t ITC18_Initialize(void* device, int32_t options) {
-    if (IsFaulty(ITC18Simulator_CallInitialize)) return faults[ITC18Simulator_CallInitialize];
+    if (const int32_t fault = TakeFault(ITC18Simulator_CallInitialize)) return fault;
     Device* const opened = itc18::OpenDevice(device);
-    if (opened == nullptr) return ITC18Simulator_NotOpen;
+    if (opened == nullptr || opened->lost) return ITC18Simulator_NotOpen;
     if (options != 0) return ITC18Simulator_BadOptions;
     opened->state = ITC18Simulator_State{};
     opened->state.open = 1;
@@ -49,8 +47,7 @@ int32_t ITC18_Initialize(void* device, int32_t options) {
 }
 
 int32_t ITC18_SetSamplingInterval(void* device, int32_t interval, int32_t options) {
-    constexpr auto kCall = ITC18Simulator_CallSetSamplingInterval;
-    if (IsFaulty(kCall)) return faults[kCall];
+    if (const int32_t fault = TakeFault(ITC18Simulator_CallSetSamplingInterval)) return fault;
     Device* const opened = itc18::OpenDevice(device);
     const int32_t result = itc18::CheckInitialized(opened);
     if (result != ITC18Simulator_Success) return result;
@@ -62,7 +59,7 @@ int32_t ITC18_SetSamplingInterval(void* device, int32_t interval, int32_t option
 }
 
 int32_t ITC18_SetSequence(void* device, int32_t length, const uint32_t* words) {
-    if (IsFaulty(ITC18Simulator_CallSetSequence)) return faults[ITC18Simulator_CallSetSequence];
+    if (const int32_t fault = TakeFault(ITC18Simulator_CallSetSequence)) return fault;
     Device* const opened = itc18::OpenDevice(device);
     int32_t result = itc18::CheckInitialized(opened);
     if (result == ITC18Simulator_Success) result = itc18::CheckSequence(length, words);
@@ -76,8 +73,7 @@ int32_t ITC18_SetSequence(void* device, int32_t length, const uint32_t* words) {
 }
 
 int32_t ITC18_InitializeAcquisition(void* device) {
-    constexpr auto kCall = ITC18Simulator_CallInitializeAcquisition;
-    if (IsFaulty(kCall)) return faults[kCall];
+    if (const int32_t fault = TakeFault(ITC18Simulator_CallInitializeAcquisition)) return fault;
     Device* const opened = itc18::OpenDevice(device);
     const int32_t result = itc18::CheckInitialized(opened);
     if (result != ITC18Simulator_Success) return result;
@@ -89,13 +85,19 @@ int32_t ITC18_InitializeAcquisition(void* device) {
 int32_t ITC18_Close(void* device) {
     Device* const opened = itc18::OpenDevice(device);
     if (opened != nullptr) *opened = Device{};
-    if (IsFaulty(ITC18Simulator_CallClose)) return faults[ITC18Simulator_CallClose];
+    if (const int32_t fault = TakeFault(ITC18Simulator_CallClose)) return fault;
     return opened != nullptr ? ITC18Simulator_Success : ITC18Simulator_NotOpen;
 }
 
 int32_t ITC18Simulator_FailCall(int32_t call, int32_t result) {
     if (call < 0 || call >= ITC18Simulator_Calls) return ITC18Simulator_BadCall;
-    faults[static_cast<size_t>(call)] = result;
+    itc18::SetFault(call, 0, result);
+    return ITC18Simulator_Success;
+}
+
+int32_t ITC18Simulator_FailNthCall(int32_t call, int32_t nth, int32_t result) {
+    if (call < 0 || call >= ITC18Simulator_Calls || nth < 1) return ITC18Simulator_BadCall;
+    itc18::SetFault(call, nth, result);
     return ITC18Simulator_Success;
 }
 
@@ -109,5 +111,6 @@ int32_t ITC18Simulator_GetState(int32_t deviceNumber, ITC18Simulator_State* stat
 
 void ITC18Simulator_Reset(void) {
     itc18::CloseEveryDevice();
-    faults.fill(0);
+    itc18::ClearFaults();
+    itc18::timeByHand.reset();
 }

@@ -1,6 +1,6 @@
 /*
  * ITC18Simulator.h: what the simulated ITC18 interface offers beside the driver calls: playing an
- * acquisition, injecting faults, looking at the device.
+ * acquisition at once or as a stream, injecting faults, looking at the device.
  *
  * The device
  *   Four interfaces are connected, numbers 0 to 3, each with a model neuron of its own. Their
@@ -37,13 +37,28 @@
  *   first sample that the play gives to output 0, or 0 where the sequence does not drive that.
  *   (A step without points before it is thus all holding command and evokes nothing.)
  *
- * The simulator uses no clock and no random numbers: equal plays give equal samples. It is called
- * from one thread at a time.
+ * Streaming
+ *   What is said above holds for an acquisition that is played at once. Beside it an acquisition
+ *   is streamed as rig programs do it: connect, then for each one start, write and read in turn,
+ *   stop. What is connected, one of several cells behind an electrode and an amplifier, is as the
+ *   settings say, lives on from one acquisition to the next, and sees the same time: while streams
+ *   run and calls wait, not between calls. The outputs hold.
+ *   As it is without further settings, a stream gives what the same samples played at once give
+ *   from the same state on, however they are cut into pieces. Settings add the pipeline's delay;
+ *   the skew of a pass, whose entries then act one interval after the other, the cell going on in
+ *   between; the pace, in which buffers overflow and run empty; a trigger to wait for; and faults.
+ *   The settings `interface.*` say so one by one.
+ *   An interface that is lost fails every call, of the driver too, until it is opened again.
+ *
+ * Equal calls give equal samples: what is random comes from seeds, and the one clock, which
+ * real-time pacing and stalls go by, decides when samples move and not what they are. The simulator
+ * is called from one thread at a time.
  */
 #ifndef ITC18_SIMULATOR_H
 #define ITC18_SIMULATOR_H
 
 #include "ITC18.h"
+#include "Player.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -91,7 +106,14 @@ enum ITC18Simulator_Call {
     ITC18Simulator_CallSetSequence = 4,
     ITC18Simulator_CallInitializeAcquisition = 5,
     ITC18Simulator_CallClose = 6,
-    ITC18Simulator_Calls = 7
+    ITC18Simulator_CallChange = 7, /* from here on those of streams */
+    ITC18Simulator_CallStart = 8,
+    ITC18Simulator_CallGetRoom = 9,
+    ITC18Simulator_CallWrite = 10,
+    ITC18Simulator_CallRead = 11,
+    ITC18Simulator_CallStop = 12,
+    ITC18Simulator_CallWait = 13,
+    ITC18Simulator_Calls = 14
 };
 
 typedef struct ITC18Simulator_State {
@@ -117,7 +139,7 @@ ITC18_API int32_t ITC18Simulator_Play(void* device, const uint16_t* output, uint
                                       int32_t points);
 
 /*
- * Makes one of the driver calls fail on every device until told otherwise. A failing call leaves
+ * Makes one of the calls fail on every device until told otherwise. A failing call leaves
  * the device as it is, except that ITC18_Close lets go of the interface all the same: otherwise
  * nobody who ignores its result could open the interface again.
  *   call    one of ITC18Simulator_Call
@@ -125,10 +147,73 @@ ITC18_API int32_t ITC18Simulator_Play(void* device, const uint16_t* output, uint
  */
 ITC18_API int32_t ITC18Simulator_FailCall(int32_t call, int32_t result);
 
+/* As ITC18Simulator_FailCall, but of the coming calls the nth alone, from 1. */
+ITC18_API int32_t ITC18Simulator_FailNthCall(int32_t call, int32_t nth, int32_t result);
+
 /* Copies the state of an interface, 0 to 3, open or not, into *state. */
 ITC18_API int32_t ITC18Simulator_GetState(int32_t deviceNumber, ITC18Simulator_State* state);
 
-/* Closes every device and removes every fault, as if the simulator had just been loaded. */
+/*
+ * The calls of streams. They return one of PlayerResult, say in `problem`, which may be null, what
+ * is wrong, and are those of Player.h: `device` is the player. CorvantisSimulatedPlayer is made of
+ * them.
+ */
+
+/* The settings of interface, amplifier, electrode and cell. */
+ITC18_API const PlayerSettingInfo* ITC18Simulator_Settings(int32_t* count);
+
+/*
+ * Connects a preparation to an open device, in place of the one before, at rest at a command of 0.
+ * It stays connected until it is disconnected, or the device is opened anew or closed. A failing
+ * call of streams works again, unless the settings say otherwise.
+ */
+ITC18_API int32_t ITC18Simulator_Connect(void* device, const PlayerSetting* settings, int32_t count,
+                                         PlayerProblem* problem);
+ITC18_API void ITC18Simulator_Disconnect(void* device);
+
+/*
+ * Between two epochs, before samples are written. The cell's state stays while its model does, and
+ * played time, by which stall and loss are set, goes on.
+ */
+ITC18_API int32_t ITC18Simulator_Change(void* device, const PlayerSetting* settings, int32_t count,
+                                        PlayerProblem* problem);
+
+/* The device must be prepared, and hold the epoch's sequence and interval. */
+ITC18_API int32_t ITC18Simulator_Start(void* device, const PlayerEpoch* epoch, int32_t* delay,
+                                       PlayerProblem* problem);
+
+typedef struct ITC18Simulator_Room {
+    int32_t writable; /* samples that the output buffer has room for, the epoch's or more */
+    int32_t readable; /* samples that the input buffer holds */
+} ITC18Simulator_Room;
+
+/* What can be written and read now. */
+ITC18_API int32_t ITC18Simulator_GetRoom(void* device, ITC18Simulator_Room* room,
+                                         PlayerProblem* problem);
+
+ITC18_API int32_t ITC18Simulator_Write(void* device, const uint16_t* samples, int32_t count,
+                                       int32_t* written, PlayerProblem* problem);
+ITC18_API int32_t ITC18Simulator_Read(void* device, uint16_t* samples, int32_t count,
+                                      int32_t* taken, PlayerProblem* problem);
+ITC18_API int32_t ITC18Simulator_Stop(void* device, PlayerProblem* problem);
+
+/* In real-time pacing it sleeps. */
+ITC18_API int32_t ITC18Simulator_Wait(void* device, int64_t microseconds, const uint16_t* levels,
+                                      PlayerProblem* problem);
+
+/* The external trigger, for which a started epoch may wait; nothing if none does. */
+ITC18_API int32_t ITC18Simulator_Trigger(void* device);
+
+/*
+ * Moves the clock of all devices by hand, forward: it stands still from the first such call until
+ * ITC18Simulator_Reset, and nothing sleeps by it.
+ */
+ITC18_API void ITC18Simulator_AdvanceClock(int64_t microseconds);
+
+/*
+ * Closes every device, removes every fault and lets the clock go again, as if the simulator had
+ * just been loaded.
+ */
 ITC18_API void ITC18Simulator_Reset(void);
 
 #ifdef __cplusplus

@@ -1,0 +1,52 @@
+// Which membrane each model is.
+#include "simulator/cells/Cell.h"
+
+namespace itc18 {
+namespace {
+
+const AdexParameters& ParametersOf(CellModel model) {
+    switch (model) {
+        case CellModel::kAdexTonic:
+            return kAdexTonic;
+        case CellModel::kAdexAdaptation:
+            return kAdexAdaptation;
+        case CellModel::kAdexInitialBurst:
+            return kAdexInitialBurst;
+        case CellModel::kAdexRegularBursting:
+            return kAdexRegularBursting;
+        case CellModel::kAdexDelayedAccelerating:
+            return kAdexDelayedAccelerating;
+        case CellModel::kAdexTransient:
+            return kAdexTransient;
+        default:
+            return kAdexBretteGerstner;
+    }
+}
+
+}  // namespace
+
+Cell MakeCell(const PreparationSettings& settings) {
+    const MembraneSettings membrane{settings.size, settings.channelConductance,
+                                    settings.rates == GateRates::kTabulated};
+    switch (settings.model) {
+        case CellModel::kSquidAxon:
+            return GatedMembrane<SquidAxon>(membrane);
+        case CellModel::kPassive:
+            return PassiveMembrane(settings.capacitance, settings.resistance,
+                                   settings.restingPotential, settings.size);
+        case CellModel::kRegularSpiking:
+            return GatedMembrane<RegularSpiking>(membrane);
+        case CellModel::kFastSpiking:
+            return GatedMembrane<FastSpiking>(membrane);
+        case CellModel::kConnorStevens:
+            return GatedMembrane<ConnorStevens>(membrane);
+        case CellModel::kConnorStevensWithoutA:
+            return GatedMembrane<ConnorStevensWithoutA>(membrane);
+        case CellModel::kWangBuzsaki:
+            return GatedMembrane<WangBuzsaki>(membrane);
+        default:
+            return AdexMembrane(ParametersOf(settings.model), settings.size);
+    }
+}
+
+}  // namespace itc18

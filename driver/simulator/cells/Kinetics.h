@@ -1,0 +1,34 @@
+// What the models of gated conductances are told in: gates, the currents through them, rate laws.
+#pragma once
+
+#include <cmath>
+#include <cstddef>
+
+namespace itc18 {
+
+// A gate at a potential that stands still: it goes to its steady open fraction at this rate [1/ms].
+struct GateLaw {
+    double steady, rate;
+};
+
+constexpr GateLaw LawOfRates(double opening, double closing) {  // [1/ms]
+    return {opening / (opening + closing), opening + closing};
+}
+
+// x / (1 - exp(-x)), continued through its removable singularity at 0.
+inline double LinoidRatio(double x) {
+    return std::abs(x) < 1e-9 ? 1.0 + x / 2 : -x / std::expm1(-x);
+}
+
+constexpr size_t kNoGate = static_cast<size_t>(-1);
+
+// conductance * activation^particles * inactivation * (potential - reversal)
+struct Current {
+    double conductance;  // all channels open [mS/cm²]
+    double reversal;     // [mV]
+    size_t activation;   // which of the model's gates
+    int particles;       // 0 to 4; 0: no activation gate
+    size_t inactivation = kNoGate;
+};
+
+}  // namespace itc18

@@ -1,0 +1,108 @@
+// The settings of interface and preparation together: which there are, and how they are taken.
+#include "simulator/streaming/Connection.h"
+
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "simulator/Faults.h"
+
+namespace itc18 {
+namespace {
+
+struct Settings {
+    InterfaceSettings own;
+    PreparationSettings preparation;
+};
+
+std::vector<PlayerSettingInfo> AllInfos() {
+    const auto prepared = PreparationSettingInfo();
+    const auto own = InterfaceSettingInfo();
+    std::vector<PlayerSettingInfo> infos(prepared.begin(), prepared.end());
+    infos.insert(infos.end(), own.begin(), own.end());
+    return infos;
+}
+
+void Note(PlayerProblem* problem, int32_t setting, const std::string& text) {
+    if (problem == nullptr) return;
+    problem->setting = setting;
+    std::snprintf(problem->text, sizeof problem->text, "%s", text.c_str());
+}
+
+bool IsOwn(std::string_view name) { return name.starts_with("interface."); }
+
+bool Take(Settings& settings, const PlayerSetting& setting, std::string& problem) {
+    if (setting.name == nullptr) {
+        problem = "a setting has no name";
+        return false;
+    }
+    const Assignment assignment = IsOwn(setting.name)
+                                      ? Assign(settings.own, setting, problem)
+                                      : Assign(settings.preparation, setting, problem);
+    return assignment == Assignment::kDone;
+}
+
+// All are taken, or a problem is noted.
+bool Take(Settings& settings, const PlayerSetting* given, int32_t count, PlayerProblem* problem) {
+    std::string text;
+    for (int32_t number = 0; number < count; ++number) {
+        if (Take(settings, given[number], text)) continue;
+        Note(problem, number, text);
+        return false;
+    }
+    text = Contradiction(settings.preparation);
+    if (!text.empty()) Note(problem, -1, text);
+    return text.empty();
+}
+
+// The kinds of calls stand in the order of the choices, behind "none".
+void SetFailingCall(const InterfaceSettings& settings) {
+    if (settings.failCall == 0) return;
+    const auto kind = ITC18Simulator_CallChange + static_cast<int32_t>(settings.failCall) - 1;
+    SetFault(kind, static_cast<int32_t>(settings.failAt), Player_Refused);
+}
+
+void TakeOwn(Bench& bench, const InterfaceSettings& changed) {
+    const InterfaceSettings& old = bench.settings;
+    if (changed.outputBuffer != old.outputBuffer)
+        bench.output = Fifo(static_cast<size_t>(changed.outputBuffer));
+    if (changed.inputBuffer != old.inputBuffer)
+        bench.input = Fifo(static_cast<size_t>(changed.inputBuffer));
+    if (changed.seed != old.seed) bench.chance = static_cast<uint64_t>(changed.seed);
+    if (changed.stallAt != old.stallAt) bench.hasStalled = false;
+    if (changed.failCall != old.failCall || changed.failAt != old.failAt) SetFailingCall(changed);
+    bench.settings = changed;
+}
+
+}  // namespace
+
+int32_t Connect(Device& device, const PlayerSetting* settings, int32_t count,
+                PlayerProblem* problem) {
+    Settings taken{InterfaceSettings::Usual(), {}};
+    if (!Take(taken, settings, count, problem)) return Player_BadSetting;
+    device.bench = std::make_shared<Bench>(taken.own, taken.preparation);
+    for (int32_t kind = ITC18Simulator_CallChange; kind < ITC18Simulator_Calls; ++kind)
+        SetFault(kind, 0, 0);
+    SetFailingCall(taken.own);
+    return Player_Success;
+}
+
+int32_t Change(Bench& bench, const PlayerSetting* settings, int32_t count, PlayerProblem* problem) {
+    Settings taken{bench.settings, bench.preparationSettings};
+    if (!Take(taken, settings, count, problem)) return Player_BadSetting;
+    bench.preparation.Change(taken.preparation);
+    bench.preparationSettings = taken.preparation;
+    TakeOwn(bench, taken.own);
+    return Player_Success;
+}
+
+}  // namespace itc18
+
+const PlayerSettingInfo* ITC18Simulator_Settings(int32_t* count) {
+    static const std::vector<PlayerSettingInfo> infos = itc18::AllInfos();
+    *count = static_cast<int32_t>(infos.size());
+    return infos.data();
+}

@@ -156,7 +156,7 @@ TEST(FiguresTest, APotentialDoesNotDependOnHowOftenItIsLookedAt) {
                     cells[i].Advance(1.5 * model.firesFive, intervals[i]);
             for (const Rehearsal& other : cells)
                 ASSERT_NEAR(other.preparation.MembranePotential(),
-                            cells[0].preparation.MembranePotential(), 1e-3);
+                            cells[0].preparation.MembranePotential(), 1e-4);
         }
     }
 }

@@ -12,24 +12,35 @@ void AdexMembrane::Settle(RandomStream* /*stream*/) {
 }
 
 void AdexMembrane::AdvanceGates(double milliseconds, RandomStream* /*noise*/, bool held) {
-    const double target = parameters.coupling * (potential - parameters.leakPotential);
-    adaptation =
-        target + (adaptation - target) * std::exp(-milliseconds / parameters.adaptationTime);
     if (!held) FollowExponential(milliseconds);
 }
 
-// With y = e^(-(V - threshold) / sharpness) the current alone is y' = -leak / capacitance.
+double AdexMembrane::AdaptationAfter(double milliseconds) const {
+    const double target = parameters.coupling * (potential - parameters.leakPotential);
+    return target + (adaptation - target) * LeftAfter(milliseconds / parameters.adaptationTime);
+}
+
+Load AdexMembrane::LoadOver(double milliseconds) const {
+    return {parameters.leak,
+            parameters.leak * parameters.leakPotential - AdaptationAfter(milliseconds / 2)};
+}
+
+void AdexMembrane::MoveTo(double moved, double milliseconds) {
+    adaptation = AdaptationAfter(milliseconds / 2);
+    potential = moved;
+    adaptation = AdaptationAfter(milliseconds / 2);
+}
+
+// With y = e^-((V - threshold) / sharpness) the current alone is y' = -leak / capacitance. The peak
+// is reached if y is at most `atPeak` at the end; both sides are taken by the present y.
 void AdexMembrane::FollowExponential(double milliseconds) {
     if (potential >= kPeak) Spike();
-    const double rate = parameters.leak / parameters.capacitance;
-    const double now = (potential - parameters.threshold) / parameters.sharpness;
-    const double atPeak = (kPeak - parameters.threshold) / parameters.sharpness;
-    const double until = (std::exp(-now) - std::exp(-atPeak)) / rate;
-    if (until > milliseconds) {
-        potential -= parameters.sharpness * std::log1p(-rate * milliseconds * std::exp(now));
-    } else {
+    const double grown = std::exp((potential - parameters.threshold) / parameters.sharpness);
+    const double lost = parameters.leak / parameters.capacitance * milliseconds * grown;
+    if (1 - lost > atPeak * grown)
+        potential -= parameters.sharpness * std::log1p(-lost);
+    else
         Spike();
-    }
 }
 
 void AdexMembrane::Spike() {
@@ -42,10 +53,6 @@ bool AdexMembrane::TakeSpike() {
     const bool taken = spiked;
     spiked = false;
     return taken;
-}
-
-Load AdexMembrane::LoadOver(double /*milliseconds*/) const {
-    return {parameters.leak, parameters.leak * parameters.leakPotential - adaptation};
 }
 
 double AdexMembrane::Outward() const {

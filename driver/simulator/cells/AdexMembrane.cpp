@@ -32,21 +32,21 @@ void AdexMembrane::MoveTo(double moved, double milliseconds) {
 }
 
 // With y = e^-((V - threshold) / sharpness) the current alone is y' = -leak / capacitance. The peak
-// is reached if y is at most `atPeak` at the end; both sides are taken by the present y.
+// is reached if y is at most `atPeak` at the end; all is taken by the present y. From a reset the
+// next spike is farther than a step.
 void AdexMembrane::FollowExponential(double milliseconds) {
-    if (potential >= kPeak) Spike();
+    const double rate = parameters.leak / parameters.capacitance;
     const double grown = std::exp((potential - parameters.threshold) / parameters.sharpness);
-    const double lost = parameters.leak / parameters.capacitance * milliseconds * grown;
-    if (1 - lost > atPeak * grown)
+    const double lost = rate * milliseconds * grown;
+    if (1 - lost > atPeak * grown) {
         potential -= parameters.sharpness * std::log1p(-lost);
-    else
-        Spike();
-}
-
-void AdexMembrane::Spike() {
+        return;
+    }
+    const double until = std::max((1 / grown - atPeak) / rate, 0.0);
     potential = parameters.reset;
     adaptation += parameters.jump;
     spiked = true;
+    FollowExponential(milliseconds - until);
 }
 
 bool AdexMembrane::TakeSpike() {

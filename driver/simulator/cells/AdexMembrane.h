@@ -69,7 +69,6 @@ class AdexMembrane {
   private:
     double AdaptationAfter(double milliseconds) const;
     void FollowExponential(double milliseconds);
-    void Spike();
 
     AdexParameters parameters;
     double area;

@@ -12,40 +12,47 @@ void AdexMembrane::Settle(RandomStream* /*stream*/) {
 }
 
 void AdexMembrane::AdvanceGates(double milliseconds, RandomStream* /*noise*/, bool held) {
-    const double target = parameters.coupling * (potential - parameters.leakPotential);
-    adaptation =
-        target + (adaptation - target) * std::exp(-milliseconds / parameters.adaptationTime);
     if (!held) FollowExponential(milliseconds);
 }
 
-// With y = e^(-(V - threshold) / sharpness) the current alone is y' = -leak / capacitance.
-void AdexMembrane::FollowExponential(double milliseconds) {
-    if (potential >= kPeak) Spike();
-    const double rate = parameters.leak / parameters.capacitance;
-    const double now = (potential - parameters.threshold) / parameters.sharpness;
-    const double atPeak = (kPeak - parameters.threshold) / parameters.sharpness;
-    const double until = (std::exp(-now) - std::exp(-atPeak)) / rate;
-    if (until > milliseconds) {
-        potential -= parameters.sharpness * std::log1p(-rate * milliseconds * std::exp(now));
-    } else {
-        Spike();
-    }
+double AdexMembrane::AdaptationAfter(double milliseconds) const {
+    const double target = parameters.coupling * (potential - parameters.leakPotential);
+    return target + (adaptation - target) * LeftAfter(milliseconds / parameters.adaptationTime);
 }
 
-void AdexMembrane::Spike() {
+Load AdexMembrane::LoadOver(double milliseconds) const {
+    return {parameters.leak,
+            parameters.leak * parameters.leakPotential - AdaptationAfter(milliseconds / 2)};
+}
+
+void AdexMembrane::MoveTo(double moved, double milliseconds) {
+    adaptation = AdaptationAfter(milliseconds / 2);
+    potential = moved;
+    adaptation = AdaptationAfter(milliseconds / 2);
+}
+
+// With y = e^-((V - threshold) / sharpness) the current alone is y' = -leak / capacitance. The peak
+// is reached if y is at most `atPeak` at the end; all is taken by the present y. From a reset the
+// next spike is farther than a step.
+void AdexMembrane::FollowExponential(double milliseconds) {
+    const double rate = parameters.leak / parameters.capacitance;
+    const double grown = std::exp((potential - parameters.threshold) / parameters.sharpness);
+    const double lost = rate * milliseconds * grown;
+    if (1 - lost > atPeak * grown) {
+        potential -= parameters.sharpness * std::log1p(-lost);
+        return;
+    }
+    const double until = std::max((1 / grown - atPeak) / rate, 0.0);
     potential = parameters.reset;
     adaptation += parameters.jump;
     spiked = true;
+    FollowExponential(milliseconds - until);
 }
 
 bool AdexMembrane::TakeSpike() {
     const bool taken = spiked;
     spiked = false;
     return taken;
-}
-
-Load AdexMembrane::LoadOver(double /*milliseconds*/) const {
-    return {parameters.leak, parameters.leak * parameters.leakPotential - adaptation};
 }
 
 double AdexMembrane::Outward() const {

@@ -6,11 +6,13 @@
 // model", Biol. Cybern. 99:335-347 (2008).
 //
 // The exponential current alone has a solution in closed form, the moment of the spike included; it
-// is taken in turn with the leak and the adaptation. So no upstroke is too steep for a step.
+// is taken in turn with the leak, and the leak with the adaptation. So no upstroke is too steep for
+// a step.
 #pragma once
 
-#include <cstdint>
+#include <cmath>
 
+#include "simulator/cells/Kinetics.h"
 #include "simulator/cells/Membrane.h"
 #include "simulator/cells/RandomStream.h"
 
@@ -28,13 +30,15 @@ struct AdexParameters {
     double reset;           // [mV]
 };
 
-inline constexpr AdexParameters kAdexBretteGerstner{281, 30, -70.6, -50.4, 2, 4, 144, 80.5, -70.6};
-inline constexpr AdexParameters kAdexTonic{200, 10, -70, -50, 2, 2, 30, 0, -58};
-inline constexpr AdexParameters kAdexAdaptation{200, 12, -70, -50, 2, 2, 300, 60, -58};
-inline constexpr AdexParameters kAdexInitialBurst{130, 18, -58, -50, 2, 4, 150, 120, -50};
-inline constexpr AdexParameters kAdexRegularBursting{200, 10, -58, -50, 2, 2, 120, 100, -46};
-inline constexpr AdexParameters kAdexDelayedAccelerating{200, 12, -70, -50, 2, -10, 300, 0, -58};
-inline constexpr AdexParameters kAdexTransient{100, 10, -65, -50, 2, 10, 90, 100, -47};
+inline constexpr AdexParameters kBretteGerstnerParameters{281, 30,  -70.6, -50.4, 2,
+                                                          4,   144, 80.5,  -70.6};
+inline constexpr AdexParameters kTonicParameters{200, 10, -70, -50, 2, 2, 30, 0, -58};
+inline constexpr AdexParameters kAdaptationParameters{200, 12, -70, -50, 2, 2, 300, 60, -58};
+inline constexpr AdexParameters kInitialBurstParameters{130, 18, -58, -50, 2, 4, 150, 120, -50};
+inline constexpr AdexParameters kRegularBurstingParameters{200, 10, -58, -50, 2, 2, 120, 100, -46};
+inline constexpr AdexParameters kDelayedAcceleratingParameters{200, 12,  -70, -50, 2,
+                                                               -10, 300, 0,   -58};
+inline constexpr AdexParameters kTransientParameters{100, 10, -65, -50, 2, 10, 90, 100, -47};
 
 class AdexMembrane {
   public:
@@ -46,7 +50,10 @@ class AdexMembrane {
     double potential;  // [mV]
 
     AdexMembrane(const AdexParameters& given, double size)
-        : potential(given.leakPotential), parameters(given), area(100 * size) {}
+        : potential(given.leakPotential),
+          parameters(given),
+          area(100 * size),
+          atPeak(std::exp((given.threshold - kPeak) / given.sharpness)) {}
 
     double Area() const { return area; }
     double Capacitance() const { return parameters.capacitance; }
@@ -54,16 +61,18 @@ class AdexMembrane {
     void AdvanceGates(double milliseconds, RandomStream* noise, bool held);
     Load LoadOver(double milliseconds) const;
     double Outward() const;
-    void MoveTo(double moved, double /*milliseconds*/) { potential = moved; }
+    static double LeftAfter(double x) { return x < 0.125 ? ExponentialSeries(-x) : std::exp(-x); }
+    void MoveTo(double moved, double milliseconds);
     void JumpTo(double moved) { potential = moved; }
     bool TakeSpike();
 
   private:
+    double AdaptationAfter(double milliseconds) const;
     void FollowExponential(double milliseconds);
-    void Spike();
 
     AdexParameters parameters;
     double area;
+    double atPeak;          // e^-((kPeak - threshold) / sharpness)
     double adaptation = 0;  // [pA] of a membrane of the model's own size
     bool spiked = false;
 };

@@ -7,19 +7,19 @@ namespace {
 const AdexParameters& ParametersOf(CellModel model) {
     switch (model) {
         case CellModel::kAdexTonic:
-            return kAdexTonic;
+            return kTonicParameters;
         case CellModel::kAdexAdaptation:
-            return kAdexAdaptation;
+            return kAdaptationParameters;
         case CellModel::kAdexInitialBurst:
-            return kAdexInitialBurst;
+            return kInitialBurstParameters;
         case CellModel::kAdexRegularBursting:
-            return kAdexRegularBursting;
+            return kRegularBurstingParameters;
         case CellModel::kAdexDelayedAccelerating:
-            return kAdexDelayedAccelerating;
+            return kDelayedAcceleratingParameters;
         case CellModel::kAdexTransient:
-            return kAdexTransient;
+            return kTransientParameters;
         default:
-            return kAdexBretteGerstner;
+            return kBretteGerstnerParameters;
     }
 }
 

@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstddef>
 #include <memory>
+#include <utility>
 
 #include "simulator/cells/ChannelNoise.h"
 #include "simulator/cells/Kinetics.h"
@@ -64,6 +65,11 @@ class GatedMembrane {
         return load.conductance * potential - load.drive;
     }
 
+    // What is left of a deviation, e^-x.
+    double LeftAfter(double x) const {
+        return tabulated && x < 0.125 ? ExponentialSeries(-x) : std::exp(-x);
+    }
+
     void MoveTo(double moved, double milliseconds) {
         slope = (moved - potential) / milliseconds;
         potential = moved;
@@ -104,13 +110,17 @@ class GatedMembrane {
         for (size_t i = 0; i < kCurrents; ++i) {
             double conductance = ConductanceOf(i);
             if constexpr (requires { Model::InstantFactor(v); })
-                if (i == 0) conductance *= Model::InstantFactor(std::clamp(v, -1000.0, 1000.0));
+                if (i == 0) conductance *= InstantFactorAt(std::clamp(v, -1000.0, 1000.0));
             load.conductance += conductance;
             load.drive += conductance * Model::kCurrents[i].reversal;
         }
         load.conductance += Model::kLeakConductance;
         load.drive += Model::kLeakConductance * Model::kLeakPotential;
         return load;
+    }
+
+    double InstantFactorAt(double v) const {
+        return tables[0] ? tables[0]->InstantFactor(v) : Model::InstantFactor(v);
     }
 
     // What the gates do over a step at a potential is kept: the second half of one step and the
@@ -127,11 +137,15 @@ class GatedMembrane {
     }
 
     bool AdvanceByTable(double milliseconds) {
-        for (const auto& table : tables)
-            if (table && table->Duration() == milliseconds) return table->Advance(gates, potential);
-        tables[0] = std::move(tables[1]);
-        tables[1] = std::make_shared<const RateTable<Model>>(milliseconds);
-        return tables[1]->Advance(gates, potential);
+        if (!tables[0] || tables[0]->Duration() != milliseconds) TakeTable(milliseconds);
+        return tables[0]->Advance(gates, potential);
+    }
+
+    // Whole steps and half ones take turns.
+    void TakeTable(double milliseconds) {
+        std::swap(tables[0], tables[1]);
+        if (!tables[0] || tables[0]->Duration() != milliseconds)
+            tables[0] = std::make_shared<const RateTable<Model>>(milliseconds);
     }
 
     void AddChannels(double conductance) {  // of one channel [pS]

@@ -9,6 +9,7 @@
 //   AdvanceGates(ms, stream, held) lets everything but the potential pass time; `held`
 //                                 by a clamp
 //   LoadOver(ms)                  what acts on the potential in a coming step of it
+//   LeftAfter(x)                  e^-x
 //   Outward()                     the current outwards at the potential [µA/cm²]
 //   MoveTo(v, ms), JumpTo(v)      the potential after a step of it, or by force
 //   TakeSpike()                   whether it has spiked since it was asked, if spikes are not in

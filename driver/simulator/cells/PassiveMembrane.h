@@ -1,6 +1,8 @@
 // A membrane of constant conductance: a capacitance and a resistance beside it.
 #pragma once
 
+#include <cmath>
+
 #include "simulator/cells/Membrane.h"
 #include "simulator/cells/RandomStream.h"
 
@@ -27,6 +29,7 @@ class PassiveMembrane {
     static void AdvanceGates(double /*milliseconds*/, RandomStream* /*noise*/, bool /*held*/) {}
     Load LoadOver(double /*milliseconds*/) const { return load; }
     double Outward() const { return load.conductance * potential - load.drive; }
+    static double LeftAfter(double x) { return std::exp(-x); }
     void MoveTo(double moved, double /*milliseconds*/) { potential = moved; }
     void JumpTo(double moved) { potential = moved; }
     static constexpr bool TakeSpike() { return false; }

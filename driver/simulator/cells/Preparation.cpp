@@ -47,6 +47,10 @@ bool MayOpen(const PreparationSettings& settings) {
            settings.inhibitoryConductance > 0 || settings.inhibitoryDeviation > 0;
 }
 
+// What moves the cell's potential: a current, into it alone or through a pipette that is charged
+// too; a held pipette through a resistance, or without one.
+enum class Path { kInjected, kPipetteToo, kResistance, kHeld };
+
 // The amplifier and the electrode in the cell's units; by the cell's area where densities stand.
 struct Circuit {
     Circuit(const PreparationSettings& settings, double area)
@@ -67,11 +71,16 @@ struct Circuit {
         voltsPerPicoampere = (settings.accessResistance - settings.bridge) / 1000;
         junction = settings.junctionPotential;
         clampTime = settings.clampTime / 1000;
+        if (clampsVoltage)
+            path = accessConductance > 0 ? Path::kResistance : Path::kHeld;
+        else if (pipetteCapacitance > 0 && accessConductance > 0)
+            path = Path::kPipetteToo;
     }
 
     double CurrentOf(double density) const { return density * membraneArea / 100; }
 
     bool clampsVoltage;
+    Path path = Path::kInjected;
     double picoamperesPerCount, millivoltsPerCount, countsPerUnit, noise, membraneArea;
     double pipetteCapacitance;  // what the amplifier does not charge [µF/cm²]
     double accessConductance;   // of what is not compensated [mS/cm²]; 0: no resistance
@@ -91,7 +100,12 @@ struct Preparation::Parts {
           streams(given.seed),
           excitatory(Excitatory(given)),
           inhibitory(Inhibitory(given)),
-          hasSynapses(MayOpen(given)) {}
+          hasSynapses(MayOpen(given)) {
+        const double capacitance =
+            std::visit([](const auto& membrane) { return membrane.Capacitance(); }, cell);
+        perCapacitance =
+            1 / (capacitance + (circuit.path == Path::kInjected ? circuit.pipetteCapacitance : 0));
+    }
 
     template <class Membrane>
     void Settle(Membrane& membrane, double command);
@@ -110,8 +124,7 @@ struct Preparation::Parts {
 
     bool IsOtherCell(const Parts& former) const;
     void GoOnFrom(const Parts& former);
-    bool HoldsMembrane() const { return circuit.clampsVoltage && circuit.accessConductance == 0; }
-    bool HasPipette() const { return !circuit.clampsVoltage && circuit.pipetteCapacitance > 0; }
+    bool HoldsMembrane() const { return circuit.path == Path::kHeld; }
     double ClampCurrent(ClampConductances conductances);
     void FinishSignal(double recorded);
 
@@ -123,6 +136,7 @@ struct Preparation::Parts {
     SynapticNoise excitatory, inhibitory;
 
     bool hasSynapses;
+    double perCapacitance;        // 1 over all that a current charges with the cell [cm²/µF]
     double injected = 0;          // into the pipette [pA]
     double injectedDensity = 0;   // the same [µA/cm²]
     double heldPipette = 0;       // where voltage clamp takes the pipette [mV]
@@ -151,7 +165,7 @@ template <class Membrane>
 double Preparation::Parts::Recorded(const Membrane& membrane, bool spiked) const {
     if (!circuit.clampsVoltage) {
         const double shown = spiked ? AdexMembrane::kPeak : membrane.potential;
-        if (HasPipette() && circuit.accessConductance > 0)
+        if (circuit.path == Path::kPipetteToo)
             return pipettePotential + (spiked ? shown - membrane.potential : 0) -
                    settings.bridge * injected / 1000 + circuit.junction;
         return shown + circuit.voltsPerPicoampere * injected + circuit.junction;
@@ -187,38 +201,42 @@ template <class Membrane>
 void Preparation::Parts::StepOfPotential(Membrane& membrane, const Load& load,
                                          double milliseconds) {
     double next = membrane.potential;
-    if (circuit.clampsVoltage) {
-        const double before = pipettePotential;
-        if (circuit.clampTime > 0)
-            Relax(pipettePotential, heldPipette, 1 / circuit.clampTime, milliseconds);
-        if (HoldsMembrane()) {
-            next = pipettePotential;
-        } else {
-            const double total = load.conductance + circuit.accessConductance;
-            const double pipette = (before + pipettePotential) / 2;
-            Relax(next, (load.drive + circuit.accessConductance * pipette) / total,
-                  total / membrane.Capacitance(), milliseconds);
-        }
-    } else {
-        const double density = injectedDensity;
-        if (HasPipette() && circuit.accessConductance > 0)
+    const auto relax = [&](double drive, double conductance) {
+        const double target = drive / conductance;
+        const double left = membrane.LeftAfter(conductance * perCapacitance * milliseconds);
+        next = target + (next - target) * left;
+    };
+    const double before = pipettePotential;
+    if (circuit.clampTime > 0 && circuit.clampsVoltage)
+        Relax(pipettePotential, heldPipette, 1 / circuit.clampTime, milliseconds);
+    switch (circuit.path) {
+        case Path::kInjected:
+            relax(load.drive + injectedDensity, load.conductance);
+            break;
+        case Path::kPipetteToo:
             PipetteAndCell{circuit.accessConductance, circuit.pipetteCapacitance,
-                           membrane.Capacitance(), load, density}
+                           membrane.Capacitance(), load, injectedDensity}
                 .Advance(pipettePotential, next, milliseconds);
-        else
-            Relax(next, (load.drive + density) / load.conductance,
-                  load.conductance / (membrane.Capacitance() + circuit.pipetteCapacitance),
-                  milliseconds);
+            break;
+        case Path::kResistance:
+            relax(load.drive + circuit.accessConductance * (before + pipettePotential) / 2,
+                  load.conductance + circuit.accessConductance);
+            break;
+        case Path::kHeld:
+            next = pipettePotential;
     }
     membrane.MoveTo(next, milliseconds);
 }
 
 template <class Membrane>
 void Preparation::Parts::Step(Membrane& membrane, double milliseconds) {
-    excitatory.Advance(streams.synapses, milliseconds);
-    inhibitory.Advance(streams.synapses, milliseconds);
-    StepOfPotential(membrane, LoadWithSynapses(membrane, membrane.LoadOver(milliseconds)),
-                    milliseconds);
+    Load load = membrane.LoadOver(milliseconds);
+    if (hasSynapses) {
+        excitatory.Advance(streams.synapses, milliseconds);
+        inhibitory.Advance(streams.synapses, milliseconds);
+        load = LoadWithSynapses(membrane, load);
+    }
+    StepOfPotential(membrane, load, milliseconds);
 }
 
 // Gates and potential alternate, the gates half a step ahead; between two steps the second half of
@@ -273,7 +291,7 @@ void Preparation::Parts::Settle(Membrane& membrane, double command) {
     }
     membrane.Settle(&streams.channels);
     pipettePotential = circuit.clampsVoltage ? heldPipette : membrane.potential;
-    if (HasPipette() && circuit.accessConductance > 0)
+    if (circuit.path == Path::kPipetteToo)
         pipettePotential += DensityOf(injected, membrane.Area()) / circuit.accessConductance;
     filter.Settle(Recorded(membrane, false));
     FinishSignal(Recorded(membrane, false));

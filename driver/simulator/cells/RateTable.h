@@ -9,6 +9,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "simulator/cells/Kinetics.h"
@@ -29,25 +30,39 @@ class RateTable {
 
     // False, and the gates as before, where the table does not reach.
     bool Advance(Gates& gates, double potential) const {
-        const double place = (potential - kLeast) * kPerMillivolt;
-        if (!(place >= 0 && place < kIntervals)) return false;
-        const auto interval = static_cast<size_t>(place);
-        const double x = place - static_cast<double>(interval);
-        const Cubics& of = intervals[interval];
-        std::array<double, kValues> value;
-        for (size_t i = 0; i < kValues; ++i)
-            value[i] = ((of[3][i] * x + of[2][i]) * x + of[1][i]) * x + of[0][i];
+        Values value;
+        if (!Interpolate<Model::kGates * 2>(potential, value)) return false;
         for (size_t gate = 0; gate < Model::kGates; ++gate)
             gates[gate] = value[gate] + value[Model::kGates + gate] * gates[gate];
         return true;
     }
 
+    double InstantFactor(double potential) const {
+        Values value;
+        return Interpolate<kValues, kValues - 1>(potential, value)
+                   ? value[kValues - 1]
+                   : Model::InstantFactor(potential);
+    }
+
   private:
     static constexpr double kLeast = -128;  // [mV]
     static constexpr size_t kIntervals = 1536, kPerMillivolt = 8;
-    static constexpr size_t kValues = 2 * Model::kGates;
+    static constexpr bool kHasFactor = requires { Model::InstantFactor(0.0); };
+    static constexpr size_t kValues = 2 * Model::kGates + (kHasFactor ? 1 : 0);
     using Values = std::array<double, kValues>;
     using Cubics = std::array<Values, 4>;  // by power
+
+    template <size_t kEnd, size_t kBegin = 0>
+    bool Interpolate(double potential, Values& value) const {
+        const double place = (potential - kLeast) * kPerMillivolt;
+        if (!(place >= 0 && place < kIntervals)) return false;
+        const auto interval = static_cast<int32_t>(place);
+        const double x = place - static_cast<double>(interval), square = x * x;
+        const Cubics& of = intervals[static_cast<size_t>(interval)];
+        for (size_t i = kBegin; i < kEnd; ++i)
+            value[i] = (of[0][i] + of[1][i] * x) + (of[2][i] + of[3][i] * x) * square;
+        return true;
+    }
 
     Values ValuesAt(double potential) const {
         const auto laws = Model::Laws(potential);
@@ -57,6 +72,7 @@ class RateTable {
             values[gate] = laws[gate].steady * (1 - left);
             values[Model::kGates + gate] = left;
         }
+        if constexpr (kHasFactor) values[kValues - 1] = Model::InstantFactor(potential);
         return values;
     }
 

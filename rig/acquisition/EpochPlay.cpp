@@ -80,7 +80,7 @@ std::span<const uint16_t> NextSamples(const Play& play) {
 Answer WriteSome(Play& play, bool& moved) {
     while (play.written < play.stimulus.size() + play.delay) {
         int32_t written = 0;
-        const Answer answer = play.player.Write(NextSamples(play), written);
+        Answer answer = play.player.Write(NextSamples(play), written);
         if (!answer) return answer;
         if (written == 0) break;
         play.written += static_cast<size_t>(written);
@@ -92,7 +92,7 @@ Answer WriteSome(Play& play, bool& moved) {
 Answer ReadDelay(Play& play, int32_t& taken) {
     uint16_t unwanted[64];
     const size_t count = std::min(play.delay - play.skipped, std::size(unwanted));
-    const Answer answer = play.player.Read({unwanted, count}, taken);
+    Answer answer = play.player.Read({unwanted, count}, taken);
     play.skipped += static_cast<size_t>(taken);
     return answer;
 }
@@ -100,11 +100,11 @@ Answer ReadDelay(Play& play, int32_t& taken) {
 Answer ReadSome(Play& play, bool& moved) {
     int32_t taken = 0;
     while (play.skipped < play.delay) {
-        const Answer answer = ReadDelay(play, taken);
+        Answer answer = ReadDelay(play, taken);
         if (!answer || taken == 0) return answer;
         moved = true;
     }
-    const Answer answer = play.player.Read(play.response.subspan(play.acquired), taken);
+    Answer answer = play.player.Read(play.response.subspan(play.acquired), taken);
     if (!answer || taken == 0) return answer;
     play.acquired += static_cast<size_t>(taken);
     moved = true;

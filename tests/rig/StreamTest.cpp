@@ -164,7 +164,7 @@ TEST(StreamTest, TheCellLivesOnBetweenEpochs) {
 
 TEST(StreamTest, RealTimeFollowsTheClock) {
     Streams streams(kEcho,
-                    {Text("interface.pacing", "real-time"), Number("interface.outputBuffer", 8),
+                    {Text("interface.pacing", "realTime"), Number("interface.outputBuffer", 8),
                      Number("interface.inputBuffer", 4)});
     ITC18Simulator_AdvanceClock(0);
     EXPECT_EQ(streams.Write({1, 2, 3, 4, 5, 6, 7, 8, 9}), 8);
@@ -189,7 +189,7 @@ TEST(StreamTest, RealTimeFollowsTheClock) {
 
 TEST(StreamTest, WaitsForItsTrigger) {
     Streams streams(kEcho,
-                    {Text("interface.pacing", "real-time"), Number("interface.triggerAfter", -1)});
+                    {Text("interface.pacing", "realTime"), Number("interface.triggerAfter", -1)});
     ITC18Simulator_AdvanceClock(0);
     streams.Write({1, 2, 3});
     streams.Start(3, 1);
@@ -201,7 +201,7 @@ TEST(StreamTest, WaitsForItsTrigger) {
 }
 
 TEST(StreamTest, StallsForAWhileAndGoesOn) {
-    for (const char* pacing : {"fast", "real-time"}) {
+    for (const char* pacing : {"fast", "realTime"}) {
         Streams streams(kEcho, {Text("interface.pacing", pacing), Number("interface.stallAt", 0.02),
                                 Number("interface.stallFor", 5)});
         ITC18Simulator_AdvanceClock(0);

@@ -12,8 +12,7 @@ namespace {
 
 constexpr int64_t kRestStep = 1000;  // [µs]
 
-bool IsRealTime(const Bench& bench) { return bench.settings.Pace() == Pacing::kRealTime; }
-bool IsSkewed(const Bench& bench) { return bench.settings.skew != 0; }
+bool IsRealTime(const Bench& bench) { return bench.settings.pacing == Pacing::kRealTime; }
 int64_t Microseconds(double milliseconds) { return static_cast<int64_t>(milliseconds * 1000); }
 
 size_t EntryAt(const Stream& stream, int64_t tick) {
@@ -23,7 +22,7 @@ size_t EntryAt(const Stream& stream, int64_t tick) {
 
 // How many ticks happen as one: a pass's entries together, unless they are skewed.
 size_t TicksAtOnce(const Bench& bench, const Stream& stream) {
-    return stream.ticks < stream.delay || IsSkewed(bench) ? 1 : stream.sequence.size();
+    return stream.ticks < stream.delay || bench.settings.skew ? 1 : stream.sequence.size();
 }
 
 // [counts]
@@ -34,7 +33,7 @@ uint16_t InputLevel(const Bench& bench, uint32_t input) {
 void StartClamp(Bench& bench, const Stream& stream) {
     const PlayerEpoch& epoch = stream.epoch;
     if (epoch.excitatory == nullptr) return;
-    const auto steps = IsSkewed(bench) ? epoch.entries : 1;
+    const auto steps = bench.settings.skew ? epoch.entries : 1;
     bench.preparation.StartDynamicClamp(
         {epoch.latency * steps, epoch.excitatoryReversal, epoch.inhibitoryReversal});
 }
@@ -133,7 +132,7 @@ void AwaitTrigger(Bench& bench, Stream& stream) {
 
 void Begin(Bench& bench, const ITC18Simulator_State& device, const PlayerEpoch& epoch) {
     const std::span words(device.sequence, static_cast<size_t>(device.sequenceLength));
-    const auto delay = static_cast<int64_t>(bench.settings.pipeline);
+    const int64_t delay = bench.settings.pipeline;
     bench.stream.emplace(Stream{
         .epoch = epoch,
         .sequence = {words.begin(), words.end()},

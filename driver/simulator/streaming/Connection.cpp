@@ -58,11 +58,10 @@ bool Take(Settings& settings, const PlayerSetting* given, int32_t count, PlayerP
     return text.empty();
 }
 
-// The kinds of calls stand in the order of the choices, behind "none".
 void SetFailingCall(const InterfaceSettings& settings) {
-    if (settings.failCall == 0) return;
-    const auto kind = ITC18Simulator_CallChange + static_cast<int32_t>(settings.failCall) - 1;
-    SetFault(kind, static_cast<int32_t>(settings.failAt), Player_Refused);
+    if (settings.failCall == FailingCall::kNone) return;
+    const auto behindNone = static_cast<int32_t>(settings.failCall) - 1;
+    SetFault(ITC18Simulator_CallChange + behindNone, settings.failAt, Player_Refused);
 }
 
 void TakeOwn(Bench& bench, const InterfaceSettings& changed) {
@@ -81,7 +80,7 @@ void TakeOwn(Bench& bench, const InterfaceSettings& changed) {
 
 int32_t Connect(Device& device, const PlayerSetting* settings, int32_t count,
                 PlayerProblem* problem) {
-    Settings taken{InterfaceSettings::Usual(), {}};
+    Settings taken{{}, {}};
     if (!Take(taken, settings, count, problem)) return Player_BadSetting;
     device.bench = std::make_shared<Bench>(taken.own, taken.preparation);
     for (int32_t kind = ITC18Simulator_CallChange; kind < ITC18Simulator_Calls; ++kind)

@@ -14,7 +14,6 @@ namespace {
 
 using itc18::Bench;
 using itc18::Device;
-using itc18::Stream;
 
 int32_t Say(PlayerProblem* problem, int32_t result, const std::string& text, int32_t setting = -1) {
     if (problem == nullptr) return result;
@@ -188,7 +187,7 @@ int32_t ITC18Simulator_Wait(void* device, int64_t microseconds, const uint16_t* 
         const int64_t end = itc18::ClockNow() + microseconds;
         if (levels != nullptr) std::copy_n(levels, bench.levels.size(), bench.levels.begin());
         itc18::Rest(bench, microseconds);
-        if (bench.settings.Pace() == itc18::Pacing::kRealTime) itc18::SleepUntil(end);
+        if (bench.settings.pacing == itc18::Pacing::kRealTime) itc18::SleepUntil(end);
         return int32_t{Player_Success};
     });
 }

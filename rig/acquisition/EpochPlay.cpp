@@ -10,6 +10,9 @@
 namespace corvantis::rig {
 namespace {
 
+// What is written between two looks at the response and at who may want to stop [samples].
+constexpr size_t kRound = 16384;
+
 double MonotonicSeconds() {
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
     return std::chrono::duration<double>(now).count();
@@ -76,11 +79,14 @@ std::span<const uint16_t> NextSamples(const Play& play) {
                                  std::min(entries - entry, play.delay - behind));
 }
 
-// Writes until nothing more fits. Notes whether anything did.
-Answer WriteSome(Play& play, bool& moved) {
-    while (play.written < play.stimulus.size() + play.delay) {
+// Writes until nothing more fits, at most so many. Notes whether anything did.
+Answer WriteSome(Play& play, size_t most, bool& moved) {
+    const size_t end = std::min(play.stimulus.size() + play.delay, play.written + most);
+    while (play.written < end) {
+        const auto next = NextSamples(play);
         int32_t written = 0;
-        Answer answer = play.player.Write(NextSamples(play), written);
+        Answer answer =
+            play.player.Write(next.first(std::min(next.size(), end - play.written)), written);
         if (!answer) return answer;
         if (written == 0) break;
         play.written += static_cast<size_t>(written);
@@ -139,7 +145,7 @@ std::optional<EpochResult> Round(Play& play) {
         return Ended(play, EpochEnd::Stopped, "stopped before the epoch's end");
     const bool hadBegun = HasBegun(play);
     bool moved = false;
-    Answer answer = WriteSome(play, moved);
+    Answer answer = WriteSome(play, kRound, moved);
     if (answer) answer = ReadSome(play, moved);
     if (!answer) return Ended(play, answer);
     if (moved) {
@@ -155,7 +161,7 @@ std::optional<EpochResult> Round(Play& play) {
 EpochResult Run(Play& play) {
     int32_t delay = 0;
     bool moved = false;
-    Answer answer = WriteSome(play, moved);
+    Answer answer = WriteSome(play, play.stimulus.size(), moved);
     if (answer) answer = play.player.Start(play.epoch, delay);
     if (!answer) return Ended(play, answer);
     play.delay = static_cast<size_t>(delay);

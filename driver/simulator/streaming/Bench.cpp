@@ -10,7 +10,8 @@
 namespace itc18 {
 namespace {
 
-constexpr int64_t kRestStep = 1000;  // [µs]
+constexpr int64_t kRestStep = 1000;    // [µs]
+constexpr int64_t kFastTicks = 16384;  // in one call, so that none takes long
 
 bool IsRealTime(const Bench& bench) { return bench.settings.pacing == Pacing::kRealTime; }
 int64_t Microseconds(double milliseconds) { return static_cast<int64_t>(milliseconds * 1000); }
@@ -113,7 +114,8 @@ bool HasSamples(const Bench& bench, Stream& stream, size_t count) {
 }
 
 bool MayPass(Bench& bench, Stream& stream, size_t count) {
-    if (stream.ticks >= stream.total || IsStalled(bench, stream)) return false;
+    if (stream.failure != Player_Success || stream.ticks >= stream.total) return false;
+    if (IsStalled(bench, stream)) return false;
     if (!IsDue(bench, stream, count)) return false;
     bench.lost = IsReached(bench, bench.settings.loseAt);
     return !bench.lost && HasSamples(bench, stream, count);
@@ -150,8 +152,9 @@ void Proceed(Bench& bench) {
     Stream& stream = *bench.stream;
     if (stream.waits) AwaitTrigger(bench, stream);
     if (stream.waits) return;
+    const int64_t end = IsRealTime(bench) ? stream.total : stream.ticks + kFastTicks;
     size_t count = TicksAtOnce(bench, stream);
-    while (stream.failure == Player_Success && MayPass(bench, stream, count)) {
+    while (stream.ticks < end && MayPass(bench, stream, count)) {
         PassTicks(bench, stream, count);
         count = TicksAtOnce(bench, stream);
     }

@@ -81,12 +81,12 @@ size_t MostMoved(Bench& bench, int32_t count) {
     const auto most = static_cast<uint64_t>(bench.settings.mostMoved);
     const auto asked = static_cast<size_t>(std::max(count, 0));
     if (most == 0) return asked;
-    if (bench.settings.seed == 0) return std::min<size_t>(asked, most);
+    if (bench.settings.seed == 0) return static_cast<size_t>(std::min<uint64_t>(asked, most));
     // Steele, Lea and Flood, "Fast splittable pseudorandom number generators", 2014.
     uint64_t mixed = bench.chance += 0x9E3779B97F4A7C15U;
     mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9U;
     mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EBU;
-    return std::min<size_t>(asked, (mixed ^ (mixed >> 31)) % (most + 1));
+    return static_cast<size_t>(std::min<uint64_t>(asked, (mixed ^ (mixed >> 31)) % (most + 1)));
 }
 
 bool IsStanding(const Bench& bench) { return bench.stream && bench.stream->stalled; }

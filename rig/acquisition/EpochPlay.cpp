@@ -171,6 +171,16 @@ EpochResult Run(Play& play) {
     return Ended(play, EpochEnd::Complete, "");
 }
 
+// A hook may throw, and the next epoch shall find the player stopped all the same.
+EpochResult RunOrStop(Play& play) {
+    try {
+        return Run(play);
+    } catch (...) {
+        play.player.Stop();
+        throw;
+    }
+}
+
 bool IsWellFormed(const PlayerEpoch& epoch, size_t stimulus, size_t response) {
     if (epoch.entries < 1 || epoch.points < 1 || epoch.sequence == nullptr) return false;
     const auto samples = static_cast<size_t>(int64_t{epoch.entries} * epoch.points);
@@ -186,7 +196,7 @@ EpochResult PlayEpoch(OpenPlayer& player, const PlayerEpoch& epoch,
         return {EpochEnd::Malformed, "the epoch's samples are not points x entries", 0, false};
     const EpochTime clock = WithDefaults(time);
     Play play{player, epoch, stimulus, response, hooks, clock};
-    EpochResult result = Run(play);
+    EpochResult result = RunOrStop(play);
     if (result.lost) return result;
     const Answer stopped = player.Stop();
     result.lost = stopped.result == Player_Lost;

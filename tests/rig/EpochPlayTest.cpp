@@ -149,6 +149,8 @@ TEST_F(EpochPlayTest, StopsWhenAskedAndShowsWhatHasCome) {
     const EpochResult result = Play(1000);
     EXPECT_EQ(result.end, EpochEnd::Stopped);
     EXPECT_EQ(result.acquired, seen);
+    hooks.stopAsked = []() -> bool { throw std::bad_function_call(); };
+    EXPECT_THROW(Play(1000), std::bad_function_call);
     hooks.stopAsked = nullptr;
     seen = 0;
     ExpectWhole(1000);

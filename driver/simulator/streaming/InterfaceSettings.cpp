@@ -31,7 +31,7 @@ const std::array kRows{
         "interface.seed", "", 0, 4294967295,
         "from which the limit of each call is drawn, 0 to mostMoved; 0: it is mostMoved"),
     Number<&Settings::triggerAfter>(
-        "interface.triggerAfter", "ms", -1, kLongestTime,
+        "interface.triggerAfter", "ms", -1, 60000,
         "when an external trigger comes that an epoch waits for; -1: never"),
     Choice<&Settings::failCall>("interface.failCall", "none|change|start|room|write|read|stop|wait",
                                 "the call that fails once"),

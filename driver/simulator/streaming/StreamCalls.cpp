@@ -1,10 +1,10 @@
 // The streaming calls: what they refuse, and their faults.
 #include <algorithm>
-#include <cstdio>
 #include <memory>
 #include <new>
 #include <string>
 
+#include "Problem.h"
 #include "simulator/Faults.h"
 #include "simulator/streaming/Bench.h"
 #include "simulator/streaming/Clock.h"
@@ -14,22 +14,23 @@ namespace {
 
 using itc18::Bench;
 using itc18::Device;
-
-int32_t Say(PlayerProblem* problem, int32_t result, const std::string& text, int32_t setting = -1) {
-    if (problem == nullptr) return result;
-    problem->setting = setting;
-    std::snprintf(problem->text, sizeof problem->text, "%s", text.c_str());
-    return result;
-}
-
-int32_t Refuse(PlayerProblem* problem, const std::string& text) {
-    return Say(problem, Player_Refused, text);
-}
+using player::Refuse;
+using player::Say;
 
 const char* FailureText(int32_t failure) {
     return failure == Player_Overflow
                ? "acquired samples were lost: the interface's input buffer was full"
                : "the interface had nothing left to play: its output buffer was empty";
+}
+
+// Nothing is thrown out of a call.
+template <class Call>
+int32_t Caught(PlayerProblem* problem, Call call) {
+    try {
+        return call();
+    } catch (const std::bad_alloc&) {
+        return Say(problem, Player_OutOfMemory, "memory is out");
+    }
 }
 
 // Runs a call on what is connected to an open interface, unless it is one that is to fail.
@@ -41,14 +42,10 @@ int32_t OnBench(void* structure, ITC18Simulator_Call kind, PlayerProblem* proble
     if (device->lost) return Say(problem, Player_Lost, "the interface does not answer any more");
     if (const int32_t fault = itc18::TakeFault(kind))
         return Say(problem, fault, "the interface has refused a call, as it was told to");
-    try {
-        const int32_t result = call(*device, *device->bench);
-        device->lost = device->bench->lost;
-        if (!device->lost) return result;
-        return Say(problem, Player_Lost, "the interface was lost in mid-epoch");
-    } catch (const std::bad_alloc&) {
-        return Say(problem, Player_OutOfMemory, "memory is out");
-    }
+    const int32_t result = Caught(problem, [&] { return call(*device, *device->bench); });
+    device->lost = device->bench->lost;
+    if (!device->lost) return result;
+    return Say(problem, Player_Lost, "the interface was lost in mid-epoch");
 }
 
 // What is wrong with an epoch, or "".
@@ -103,7 +100,7 @@ int32_t ITC18Simulator_Connect(void* device, const PlayerSetting* settings, int3
     Device* const opened = itc18::OpenDevice(device);
     if (opened == nullptr) return Refuse(problem, "the interface is not open");
     if (opened->lost) return Say(problem, Player_Lost, "the interface does not answer any more");
-    return itc18::Connect(*opened, settings, count, problem);
+    return Caught(problem, [&] { return itc18::Connect(*opened, settings, count, problem); });
 }
 
 void ITC18Simulator_Disconnect(void* device) {

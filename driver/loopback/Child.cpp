@@ -14,7 +14,9 @@
 #include <cstring>
 #include <limits>
 
+#if defined(__APPLE__)
 extern char** environ;
+#endif
 
 namespace loopback {
 namespace {
@@ -38,6 +40,7 @@ ssize_t Moved(ssize_t result) {
 
 std::vector<char*> Pointers(std::vector<std::string>& arguments) {
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (std::string& argument : arguments) pointers.push_back(argument.data());
     pointers.push_back(nullptr);
     return pointers;
@@ -77,16 +80,16 @@ std::string Child::Start(const std::string& program, std::vector<std::string> ar
     return program + ": " + std::strerror(error);
 }
 
-ssize_t Child::Send(std::span<const uint8_t> bytes) {
+ssize_t Child::Send(std::span<const uint8_t> bytes) const {
     return Moved(send(socket, bytes.data(), bytes.size(), kFlags));
 }
 
-ssize_t Child::Receive(std::span<uint8_t> bytes) {
+ssize_t Child::Receive(std::span<uint8_t> bytes) const {
     const ssize_t got = recv(socket, bytes.data(), bytes.size(), kFlags);
     return got == 0 ? -1 : Moved(got);
 }
 
-void Child::Wait(int64_t microseconds) {
+void Child::Wait(int64_t microseconds) const {
     constexpr int64_t kLongest = std::numeric_limits<int>::max();
     pollfd end{.fd = socket, .events = POLLIN, .revents = 0};
     poll(&end, 1, static_cast<int>(std::min((microseconds + 999) / 1000, kLongest)));

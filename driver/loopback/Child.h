@@ -23,11 +23,11 @@ class Child {
     std::string Start(const std::string& program, std::vector<std::string> arguments);
 
     // Sends or receives what can be moved now; -1: the program has ended.
-    ssize_t Send(std::span<const uint8_t> bytes);
-    ssize_t Receive(std::span<uint8_t> bytes);
+    ssize_t Send(std::span<const uint8_t> bytes) const;
+    ssize_t Receive(std::span<uint8_t> bytes) const;
 
     // Waits until something is to be received, or for so long.
-    void Wait(int64_t microseconds);
+    void Wait(int64_t microseconds) const;
 
   private:
     int socket = -1;

@@ -79,7 +79,7 @@ bool AnswerFrame(Echo& echo) {
 
 int main(int argc, char** argv) {
     Echo echo;
-    if (argc > 1) echo.dieAfter = std::atoll(argv[1]);
-    if (argc > 2) echo.hangAfter = std::atoll(argv[2]);
+    if (argc > 1) echo.dieAfter = std::strtoll(argv[1], nullptr, 10);
+    if (argc > 2) echo.hangAfter = std::strtoll(argv[2], nullptr, 10);
     while (AnswerFrame(echo)) continue;
 }

@@ -6,15 +6,14 @@
 #include <array>
 #include <chrono>
 #include <cmath>
-#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <new>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "Player.h"
+#include "Problem.h"
 #include "loopback/Child.h"
 #include "loopback/Frame.h"
 
@@ -22,6 +21,8 @@ namespace {
 
 using loopback::Child;
 using loopback::FrameHeader;
+using player::Refuse;
+using player::Say;
 
 constexpr size_t kQueue = 65536;  // [samples] that wait on either side
 
@@ -52,18 +53,6 @@ struct Loopback {
     std::vector<uint8_t> outgoing, incoming;
     std::vector<uint16_t> acquired;
 };
-
-int32_t Say(PlayerProblem* problem, int32_t result, std::string_view text, int32_t setting = -1) {
-    if (problem == nullptr) return result;
-    problem->setting = setting;
-    std::snprintf(problem->text, sizeof problem->text, "%.*s", static_cast<int>(text.size()),
-                  text.data());
-    return result;
-}
-
-int32_t Refuse(PlayerProblem* problem, std::string_view text) {
-    return Say(problem, Player_Refused, text);
-}
 
 std::string ProgramBesideThis() {
     Dl_info info;

@@ -10,6 +10,9 @@
 namespace corvantis::rig {
 namespace {
 
+// What is written between two looks at the response and at who may want to stop [samples].
+constexpr size_t kRound = 16384;
+
 double MonotonicSeconds() {
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
     return std::chrono::duration<double>(now).count();
@@ -76,11 +79,14 @@ std::span<const uint16_t> NextSamples(const Play& play) {
                                  std::min(entries - entry, play.delay - behind));
 }
 
-// Writes until nothing more fits. Notes whether anything did.
-Answer WriteSome(Play& play, bool& moved) {
-    while (play.written < play.stimulus.size() + play.delay) {
+// Writes until nothing more fits, at most so many. Notes whether anything did.
+Answer WriteSome(Play& play, size_t most, bool& moved) {
+    const size_t end = std::min(play.stimulus.size() + play.delay, play.written + most);
+    while (play.written < end) {
+        const auto next = NextSamples(play);
         int32_t written = 0;
-        const Answer answer = play.player.Write(NextSamples(play), written);
+        Answer answer =
+            play.player.Write(next.first(std::min(next.size(), end - play.written)), written);
         if (!answer) return answer;
         if (written == 0) break;
         play.written += static_cast<size_t>(written);
@@ -92,7 +98,7 @@ Answer WriteSome(Play& play, bool& moved) {
 Answer ReadDelay(Play& play, int32_t& taken) {
     uint16_t unwanted[64];
     const size_t count = std::min(play.delay - play.skipped, std::size(unwanted));
-    const Answer answer = play.player.Read({unwanted, count}, taken);
+    Answer answer = play.player.Read({unwanted, count}, taken);
     play.skipped += static_cast<size_t>(taken);
     return answer;
 }
@@ -100,11 +106,11 @@ Answer ReadDelay(Play& play, int32_t& taken) {
 Answer ReadSome(Play& play, bool& moved) {
     int32_t taken = 0;
     while (play.skipped < play.delay) {
-        const Answer answer = ReadDelay(play, taken);
+        Answer answer = ReadDelay(play, taken);
         if (!answer || taken == 0) return answer;
         moved = true;
     }
-    const Answer answer = play.player.Read(play.response.subspan(play.acquired), taken);
+    Answer answer = play.player.Read(play.response.subspan(play.acquired), taken);
     if (!answer || taken == 0) return answer;
     play.acquired += static_cast<size_t>(taken);
     moved = true;
@@ -139,7 +145,7 @@ std::optional<EpochResult> Round(Play& play) {
         return Ended(play, EpochEnd::Stopped, "stopped before the epoch's end");
     const bool hadBegun = HasBegun(play);
     bool moved = false;
-    Answer answer = WriteSome(play, moved);
+    Answer answer = WriteSome(play, kRound, moved);
     if (answer) answer = ReadSome(play, moved);
     if (!answer) return Ended(play, answer);
     if (moved) {
@@ -155,7 +161,7 @@ std::optional<EpochResult> Round(Play& play) {
 EpochResult Run(Play& play) {
     int32_t delay = 0;
     bool moved = false;
-    Answer answer = WriteSome(play, moved);
+    Answer answer = WriteSome(play, play.stimulus.size(), moved);
     if (answer) answer = play.player.Start(play.epoch, delay);
     if (!answer) return Ended(play, answer);
     play.delay = static_cast<size_t>(delay);
@@ -163,6 +169,16 @@ EpochResult Run(Play& play) {
     while (!play.IsOver())
         if (auto end = Round(play)) return *std::move(end);
     return Ended(play, EpochEnd::Complete, "");
+}
+
+// A hook may throw, and the next epoch shall find the player stopped all the same.
+EpochResult RunOrStop(Play& play) {
+    try {
+        return Run(play);
+    } catch (...) {
+        play.player.Stop();
+        throw;
+    }
 }
 
 bool IsWellFormed(const PlayerEpoch& epoch, size_t stimulus, size_t response) {
@@ -180,7 +196,7 @@ EpochResult PlayEpoch(OpenPlayer& player, const PlayerEpoch& epoch,
         return {EpochEnd::Malformed, "the epoch's samples are not points x entries", 0, false};
     const EpochTime clock = WithDefaults(time);
     Play play{player, epoch, stimulus, response, hooks, clock};
-    EpochResult result = Run(play);
+    EpochResult result = RunOrStop(play);
     if (result.lost) return result;
     const Answer stopped = player.Stop();
     result.lost = stopped.result == Player_Lost;

@@ -49,7 +49,7 @@ struct EpochTime {
 // Plays an epoch on an open player, whose device holds the epoch's sequence and interval.
 //   stimulus  points x entries samples, as Player.h has them
 //   response  room for as many
-// The player is stopped in any case, but not if it is lost.
+// The player is stopped in any case, also where a hook throws, but not if it is lost.
 EpochResult PlayEpoch(OpenPlayer& player, const PlayerEpoch& epoch,
                       std::span<const uint16_t> stimulus, std::span<uint16_t> response,
                       const EpochHooks& hooks = {}, const EpochTime& time = {});

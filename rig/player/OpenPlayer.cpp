@@ -27,6 +27,16 @@ int32_t KnownResult(int32_t result) {
 
 int32_t CountOf(size_t samples) { return static_cast<int32_t>(std::min(samples, kMostSamples)); }
 
+// The answer to a call that has moved samples, unless it has moved more than was asked for.
+Answer Moved(Answer answer, const char* what, int32_t moved, int32_t asked, int32_t& result) {
+    if (!answer) return answer;
+    if (moved < 0 || moved > asked)
+        return Refused(std::string("the player says that it has ") + what + ' ' +
+                       std::to_string(moved) + " of " + std::to_string(asked) + " samples");
+    result = moved;
+    return answer;
+}
+
 }  // namespace
 
 template <class Call>
@@ -36,16 +46,6 @@ Answer OpenPlayer::Ask(const char* what, Call call) {
     const int32_t result = call(&problem);
     if (result == Player_Success) return {};
     return {KnownResult(result), problem.setting, TextOf(problem, what)};
-}
-
-Answer OpenPlayer::Moved(Answer answer, const char* what, int32_t moved, int32_t asked,
-                         int32_t& result) {
-    if (!answer) return answer;
-    if (moved < 0 || moved > asked)
-        return Refused(std::string("the player says that it has ") + what + ' ' +
-                       std::to_string(moved) + " of " + std::to_string(asked) + " samples");
-    result = moved;
-    return answer;
 }
 
 OpenPlayer::~OpenPlayer() { Close(); }

@@ -44,7 +44,6 @@ class OpenPlayer {
   private:
     template <class Call>
     Answer Ask(const char* what, Call call);
-    Answer Moved(Answer answer, const char* what, int32_t moved, int32_t asked, int32_t& result);
 
     const PlayerCalls& calls;
     void* player = nullptr;

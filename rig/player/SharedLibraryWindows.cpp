@@ -1,4 +1,5 @@
 // The dynamic loader of Windows.
+#include <algorithm>
 
 #include "ITCUtilities/WidePath.h"
 #include "ITCUtilities/WindowsMessage.h"
@@ -9,11 +10,18 @@ namespace {
 
 constexpr DWORD kLongestPath = 32768;
 
+// The loader takes other slashes for part of a name.
+std::wstring Native(const std::string& path) {
+    std::wstring wide = WidePath(path);
+    std::replace(wide.begin(), wide.end(), L'/', L'\\');
+    return wide;
+}
+
 }  // namespace
 
 // What the player itself needs is looked for beside it too.
 SharedLibrary::SharedLibrary(const std::string& path)
-    : library(LoadLibraryExW(WidePath(path).c_str(), nullptr,
+    : library(LoadLibraryExW(Native(path).c_str(), nullptr,
                              IsPath(path) ? LOAD_WITH_ALTERED_SEARCH_PATH : 0)) {
     if (library == nullptr) problem = path + ": " + WindowsMessage(GetLastError());
 }

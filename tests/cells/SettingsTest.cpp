@@ -34,7 +34,7 @@ TEST(SettingsTest, WhatCannotBeTakenIsNamedAndChangesNothing) {
            "electrode.accessResistance is a number from 0 to 1000 MOhm"},
           {{"noise.seed", "1.5", 1.5},
            Assignment::kBadValue,
-           "noise.seed is a number from 0 to 9007199254740991"},
+           "noise.seed is a whole number from 0 to 9007199254740991"},
           {{nullptr, nullptr, 0}, Assignment::kUnknownName, "no setting is called "}}) {
         itc18::PreparationSettings settings;
         settings.bridge = 3;

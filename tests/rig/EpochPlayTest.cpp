@@ -61,7 +61,7 @@ TEST_F(EpochPlayTest, PlaysWholeEpochsHoweverTheyAreMoved) {
         {Number("interface.pipeline", 3), Number("interface.mostMoved", 9),
          Number("interface.seed", 3), Number("interface.outputBuffer", 4),
          Number("interface.inputBuffer", 4)},
-        {Text("interface.pacing", "real-time"), Number("interface.outputBuffer", 500),
+        {Text("interface.pacing", "realTime"), Number("interface.outputBuffer", 500),
          Number("interface.inputBuffer", 500), Number("interface.pipeline", 5)},
     };
     for (const auto& settings : ways) {
@@ -82,7 +82,7 @@ TEST_F(EpochPlayTest, EndsWithAReasonAndGoesOnUnlessLost) {
         {EpochEnd::Lost, {Number("interface.loseAt", 5)}},
     };
     for (auto [end, settings] : cases) {
-        settings.push_back(Text("interface.pacing", "real-time"));
+        settings.push_back(Text("interface.pacing", "realTime"));
         Open(settings);
         time.pause = 2e-3;  // 100 pairs of samples, more than the small buffers hold
         const double begin = clock;
@@ -97,7 +97,7 @@ TEST_F(EpochPlayTest, EndsWithAReasonAndGoesOnUnlessLost) {
         EXPECT_LT(clock - begin, 5.1) << "20 ms and a margin of 5 s";
         if (result.lost) break;
         time.pause = 1e-4;
-        Open({Text("interface.pacing", "real-time")});
+        Open({Text("interface.pacing", "realTime")});
         ExpectWhole(1000);
     }
 }
@@ -149,6 +149,8 @@ TEST_F(EpochPlayTest, StopsWhenAskedAndShowsWhatHasCome) {
     const EpochResult result = Play(1000);
     EXPECT_EQ(result.end, EpochEnd::Stopped);
     EXPECT_EQ(result.acquired, seen);
+    hooks.stopAsked = []() -> bool { throw std::bad_function_call(); };
+    EXPECT_THROW(Play(1000), std::bad_function_call);
     hooks.stopAsked = nullptr;
     seen = 0;
     ExpectWhole(1000);

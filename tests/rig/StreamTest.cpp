@@ -164,7 +164,7 @@ TEST(StreamTest, TheCellLivesOnBetweenEpochs) {
 
 TEST(StreamTest, RealTimeFollowsTheClock) {
     Streams streams(kEcho,
-                    {Text("interface.pacing", "real-time"), Number("interface.outputBuffer", 8),
+                    {Text("interface.pacing", "realTime"), Number("interface.outputBuffer", 8),
                      Number("interface.inputBuffer", 4)});
     ITC18Simulator_AdvanceClock(0);
     EXPECT_EQ(streams.Write({1, 2, 3, 4, 5, 6, 7, 8, 9}), 8);
@@ -187,9 +187,28 @@ TEST(StreamTest, RealTimeFollowsTheClock) {
     EXPECT_EQ(streams.result, Player_Underrun);
 }
 
+TEST(StreamTest, PaceDoesNotChangeTheSamples) {
+    const Samples stimulus = StepAndCount(500, 5);
+    const auto response = [&](const char* pacing) {
+        Streams streams(kNeuronAndEcho,
+                        {Text("interface.pacing", pacing), Number("interface.pipeline", 5)});
+        ITC18Simulator_AdvanceClock(0);
+        streams.Write(stimulus);
+        streams.Start(500);
+        Samples all;
+        while (all.size() < stimulus.size()) {
+            ITC18Simulator_AdvanceClock(77);
+            const Samples taken = streams.Read();
+            all.insert(all.end(), taken.begin(), taken.end());
+        }
+        return all;
+    };
+    EXPECT_EQ(response("realTime"), response("fast"));
+}
+
 TEST(StreamTest, WaitsForItsTrigger) {
     Streams streams(kEcho,
-                    {Text("interface.pacing", "real-time"), Number("interface.triggerAfter", -1)});
+                    {Text("interface.pacing", "realTime"), Number("interface.triggerAfter", -1)});
     ITC18Simulator_AdvanceClock(0);
     streams.Write({1, 2, 3});
     streams.Start(3, 1);
@@ -198,10 +217,20 @@ TEST(StreamTest, WaitsForItsTrigger) {
     EXPECT_EQ(ITC18Simulator_Trigger(streams.device), 0);
     ITC18Simulator_AdvanceClock(20);
     EXPECT_EQ(streams.Room().readable, 2);
+    streams.Stop();
+
+    const PlayerSetting after = Number("interface.triggerAfter", 2);
+    EXPECT_EQ(ITC18Simulator_Change(streams.device, &after, 1, nullptr), Player_Success);
+    streams.Write({1, 2, 3});
+    streams.Start(3, 1);
+    ITC18Simulator_AdvanceClock(1999);
+    EXPECT_EQ(streams.Room().readable, 0);
+    ITC18Simulator_AdvanceClock(21);
+    EXPECT_EQ(streams.Room().readable, 2);
 }
 
 TEST(StreamTest, StallsForAWhileAndGoesOn) {
-    for (const char* pacing : {"fast", "real-time"}) {
+    for (const char* pacing : {"fast", "realTime"}) {
         Streams streams(kEcho, {Text("interface.pacing", pacing), Number("interface.stallAt", 0.02),
                                 Number("interface.stallFor", 5)});
         ITC18Simulator_AdvanceClock(0);

@@ -1,49 +1,12 @@
-// The table of a preparation's settings and what is done by it.
+// The table of a preparation's settings.
 #include "simulator/cells/PreparationSettings.h"
 
-#include <algorithm>
 #include <array>
-#include <cmath>
-#include <cstddef>
-#include <cstdio>
-#include <string_view>
-#include <vector>
 
 namespace itc18 {
 namespace {
 
 using Settings = PreparationSettings;
-
-struct Row {
-    const char* name;
-    const char* unit;
-    const char* meaning;
-    const char* choices;  // null for a number
-    double least, most;
-    double (*get)(const Settings&);  // of a choice, its place among the choices
-    void (*set)(Settings&, double);
-};
-
-template <auto kField>
-constexpr Row With(Row row) {
-    using Field = std::remove_reference_t<decltype(std::declval<Settings>().*kField)>;
-    row.get = [](const Settings& settings) { return static_cast<double>(settings.*kField); };
-    row.set = [](Settings& settings, double value) {
-        settings.*kField = static_cast<Field>(value);
-    };
-    return row;
-}
-
-template <auto kField>
-constexpr Row Number(const char* name, const char* unit, double least, double most,
-                     const char* meaning) {
-    return With<kField>({name, unit, meaning, nullptr, least, most, nullptr, nullptr});
-}
-
-template <auto kField>
-constexpr Row Choice(const char* name, const char* choices, const char* meaning) {
-    return With<kField>({name, "", meaning, choices, 0, 0, nullptr, nullptr});
-}
 
 constexpr double kLargestSeed = 9007199254740991;  // every whole number up to it is a double
 
@@ -118,87 +81,18 @@ const std::array kRows{
     Number<&Settings::inhibitoryReversal>("synapses.inhibitoryReversal", "mV", -200, 200,
                                           "reversal potential"),
 
-    Number<&Settings::seed>("noise.seed", "", 0, kLargestSeed,
-                            "whole number that decides all noise")};
-
-std::vector<std::string_view> ChoicesOf(const char* choices) {
-    std::vector<std::string_view> found;
-    std::string_view rest(choices);
-    for (size_t bar = rest.find('|'); bar != std::string_view::npos; bar = rest.find('|')) {
-        found.push_back(rest.substr(0, bar));
-        rest.remove_prefix(bar + 1);
-    }
-    found.push_back(rest);
-    return found;
-}
-
-std::string NumberText(double number) {
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%.16g", number);
-    return text.data();
-}
-
-std::string DefaultText(const Row& row) {
-    const double value = row.get(Settings{});
-    if (row.choices == nullptr) return NumberText(value);
-    return std::string(ChoicesOf(row.choices)[static_cast<size_t>(value)]);
-}
-
-Assignment AssignChoice(Settings& settings, const Row& row, const char* text,
-                        std::string& problem) {
-    const auto choices = ChoicesOf(row.choices);
-    const auto found = std::find(choices.begin(), choices.end(), text == nullptr ? "" : text);
-    if (found != choices.end()) {
-        row.set(settings, static_cast<double>(found - choices.begin()));
-        return Assignment::kDone;
-    }
-    problem = std::string(row.name) + " is one of " + row.choices;
-    return Assignment::kBadValue;
-}
-
-Assignment AssignNumber(Settings& settings, const Row& row, double number, std::string& problem) {
-    const bool isWhole = row.most != kLargestSeed || number == std::floor(number);
-    if (number >= row.least && number <= row.most && isWhole) {
-        row.set(settings, number);
-        return Assignment::kDone;
-    }
-    problem = std::string(row.name) + " is a number from " + NumberText(row.least) + " to " +
-              NumberText(row.most) + (*row.unit != 0 ? std::string(" ") + row.unit : "");
-    return Assignment::kBadValue;
-}
-
-// The settings as Player.h tells them, with the texts of their defaults.
-struct Told {
-    std::array<std::string, kRows.size()> defaults;
-    std::array<PlayerSettingInfo, kRows.size()> settings{};
-
-    Told() {
-        for (size_t i = 0; i < kRows.size(); ++i) {
-            const Row& row = kRows[i];
-            defaults[i] = DefaultText(row);
-            settings[i] = {row.name,  row.unit, row.meaning,        row.choices,
-                           row.least, row.most, defaults[i].c_str()};
-        }
-    }
-};
+    WholeNumber<&Settings::seed>("noise.seed", "", 0, kLargestSeed,
+                                 "whole number that decides all noise")};
 
 }  // namespace
 
 std::span<const PlayerSettingInfo> PreparationSettingInfo() {
-    static const Told told;
+    static const ToldSettings told(kRows);
     return told.settings;
 }
 
 Assignment Assign(Settings& settings, const PlayerSetting& setting, std::string& problem) {
-    const std::string_view name = setting.name == nullptr ? "" : setting.name;
-    const auto row = std::find_if(kRows.begin(), kRows.end(),
-                                  [&](const Row& candidate) { return name == candidate.name; });
-    if (row == kRows.end()) {
-        problem = "no setting is called " + std::string(name);
-        return Assignment::kUnknownName;
-    }
-    return row->choices != nullptr ? AssignChoice(settings, *row, setting.text, problem)
-                                   : AssignNumber(settings, *row, setting.number, problem);
+    return AssignTo(settings, kRows, setting, problem);
 }
 
 std::string Contradiction(const Settings& settings) {

@@ -7,6 +7,7 @@
 
 #include "Player.h"
 #include "simulator/ITC18Simulator.h"
+#include "simulator/SettingTable.h"
 
 namespace itc18 {
 
@@ -78,8 +79,6 @@ struct PreparationSettings {
 
 // Every setting of a preparation, in groups: amplifier, electrode, cell, synapses, noise.
 std::span<const PlayerSettingInfo> PreparationSettingInfo();
-
-enum class Assignment { kDone, kUnknownName, kBadValue };
 
 // Takes one setting. After anything but kDone the settings are as before and the problem is a
 // sentence that says what may be given instead.

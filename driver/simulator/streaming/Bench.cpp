@@ -10,10 +10,10 @@
 namespace itc18 {
 namespace {
 
-constexpr int64_t kRestStep = 1000;  // [µs]
+constexpr int64_t kRestStep = 1000;    // [µs]
+constexpr int64_t kFastTicks = 16384;  // in one call, so that none takes long
 
-bool IsRealTime(const Bench& bench) { return bench.settings.Pace() == Pacing::kRealTime; }
-bool IsSkewed(const Bench& bench) { return bench.settings.skew != 0; }
+bool IsRealTime(const Bench& bench) { return bench.settings.pacing == Pacing::kRealTime; }
 int64_t Microseconds(double milliseconds) { return static_cast<int64_t>(milliseconds * 1000); }
 
 size_t EntryAt(const Stream& stream, int64_t tick) {
@@ -23,7 +23,7 @@ size_t EntryAt(const Stream& stream, int64_t tick) {
 
 // How many ticks happen as one: a pass's entries together, unless they are skewed.
 size_t TicksAtOnce(const Bench& bench, const Stream& stream) {
-    return stream.ticks < stream.delay || IsSkewed(bench) ? 1 : stream.sequence.size();
+    return stream.ticks < stream.delay || bench.settings.skew ? 1 : stream.sequence.size();
 }
 
 // [counts]
@@ -34,7 +34,7 @@ uint16_t InputLevel(const Bench& bench, uint32_t input) {
 void StartClamp(Bench& bench, const Stream& stream) {
     const PlayerEpoch& epoch = stream.epoch;
     if (epoch.excitatory == nullptr) return;
-    const auto steps = IsSkewed(bench) ? epoch.entries : 1;
+    const auto steps = bench.settings.skew ? epoch.entries : 1;
     bench.preparation.StartDynamicClamp(
         {epoch.latency * steps, epoch.excitatoryReversal, epoch.inhibitoryReversal});
 }
@@ -114,7 +114,8 @@ bool HasSamples(const Bench& bench, Stream& stream, size_t count) {
 }
 
 bool MayPass(Bench& bench, Stream& stream, size_t count) {
-    if (stream.ticks >= stream.total || IsStalled(bench, stream)) return false;
+    if (stream.failure != Player_Success || stream.ticks >= stream.total) return false;
+    if (IsStalled(bench, stream)) return false;
     if (!IsDue(bench, stream, count)) return false;
     bench.lost = IsReached(bench, bench.settings.loseAt);
     return !bench.lost && HasSamples(bench, stream, count);
@@ -133,7 +134,7 @@ void AwaitTrigger(Bench& bench, Stream& stream) {
 
 void Begin(Bench& bench, const ITC18Simulator_State& device, const PlayerEpoch& epoch) {
     const std::span words(device.sequence, static_cast<size_t>(device.sequenceLength));
-    const auto delay = static_cast<int64_t>(bench.settings.pipeline);
+    const int64_t delay = bench.settings.pipeline;
     bench.stream.emplace(Stream{
         .epoch = epoch,
         .sequence = {words.begin(), words.end()},
@@ -151,8 +152,9 @@ void Proceed(Bench& bench) {
     Stream& stream = *bench.stream;
     if (stream.waits) AwaitTrigger(bench, stream);
     if (stream.waits) return;
+    const int64_t end = IsRealTime(bench) ? stream.total : stream.ticks + kFastTicks;
     size_t count = TicksAtOnce(bench, stream);
-    while (stream.failure == Player_Success && MayPass(bench, stream, count)) {
+    while (stream.ticks < end && MayPass(bench, stream, count)) {
         PassTicks(bench, stream, count);
         count = TicksAtOnce(bench, stream);
     }

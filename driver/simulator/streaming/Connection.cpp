@@ -1,13 +1,13 @@
 // The settings of interface and preparation together: which there are, and how they are taken.
 #include "simulator/streaming/Connection.h"
 
-#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "Problem.h"
 #include "simulator/Faults.h"
 
 namespace itc18 {
@@ -26,12 +26,6 @@ std::vector<PlayerSettingInfo> AllInfos() {
     return infos;
 }
 
-void Note(PlayerProblem* problem, int32_t setting, const std::string& text) {
-    if (problem == nullptr) return;
-    problem->setting = setting;
-    std::snprintf(problem->text, sizeof problem->text, "%s", text.c_str());
-}
-
 bool IsOwn(std::string_view name) { return name.starts_with("interface."); }
 
 bool Take(Settings& settings, const PlayerSetting& setting, std::string& problem) {
@@ -45,24 +39,23 @@ bool Take(Settings& settings, const PlayerSetting& setting, std::string& problem
     return assignment == Assignment::kDone;
 }
 
-// All are taken, or a problem is noted.
-bool Take(Settings& settings, const PlayerSetting* given, int32_t count, PlayerProblem* problem) {
+// PlayerResult: all are taken, or what is wrong is said.
+int32_t Take(Settings& settings, const PlayerSetting* given, int32_t count,
+             PlayerProblem* problem) {
     std::string text;
     for (int32_t number = 0; number < count; ++number) {
         if (Take(settings, given[number], text)) continue;
-        Note(problem, number, text);
-        return false;
+        return player::Say(problem, Player_BadSetting, text, number);
     }
     text = Contradiction(settings.preparation);
-    if (!text.empty()) Note(problem, -1, text);
-    return text.empty();
+    if (text.empty()) return Player_Success;
+    return player::Say(problem, Player_BadSetting, text);
 }
 
-// The kinds of calls stand in the order of the choices, behind "none".
 void SetFailingCall(const InterfaceSettings& settings) {
-    if (settings.failCall == 0) return;
-    const auto kind = ITC18Simulator_CallChange + static_cast<int32_t>(settings.failCall) - 1;
-    SetFault(kind, static_cast<int32_t>(settings.failAt), Player_Refused);
+    if (settings.failCall == FailingCall::kNone) return;
+    const auto behindNone = static_cast<int32_t>(settings.failCall) - 1;
+    SetFault(ITC18Simulator_CallChange + behindNone, settings.failAt, Player_Refused);
 }
 
 void TakeOwn(Bench& bench, const InterfaceSettings& changed) {
@@ -81,8 +74,9 @@ void TakeOwn(Bench& bench, const InterfaceSettings& changed) {
 
 int32_t Connect(Device& device, const PlayerSetting* settings, int32_t count,
                 PlayerProblem* problem) {
-    Settings taken{InterfaceSettings::Usual(), {}};
-    if (!Take(taken, settings, count, problem)) return Player_BadSetting;
+    Settings taken{{}, {}};
+    const int32_t result = Take(taken, settings, count, problem);
+    if (result != Player_Success) return result;
     device.bench = std::make_shared<Bench>(taken.own, taken.preparation);
     for (int32_t kind = ITC18Simulator_CallChange; kind < ITC18Simulator_Calls; ++kind)
         SetFault(kind, 0, 0);
@@ -92,7 +86,8 @@ int32_t Connect(Device& device, const PlayerSetting* settings, int32_t count,
 
 int32_t Change(Bench& bench, const PlayerSetting* settings, int32_t count, PlayerProblem* problem) {
     Settings taken{bench.settings, bench.preparationSettings};
-    if (!Take(taken, settings, count, problem)) return Player_BadSetting;
+    const int32_t result = Take(taken, settings, count, problem);
+    if (result != Player_Success) return result;
     bench.preparation.Change(taken.preparation);
     bench.preparationSettings = taken.preparation;
     TakeOwn(bench, taken.own);

@@ -9,7 +9,7 @@
 namespace itc18 {
 
 // Connects anew, with every setting as usual but those that are given. PlayerResult; after anything
-// but success all is as before. May throw std::bad_alloc no more than any other call.
+// but success all is as before.
 int32_t Connect(Device& device, const PlayerSetting* settings, int32_t count,
                 PlayerProblem* problem);
 

@@ -6,32 +6,31 @@
 #include <string>
 
 #include "Player.h"
-#include "simulator/cells/PreparationSettings.h"
+#include "simulator/SettingTable.h"
 
 namespace itc18 {
 
 enum class Pacing : int32_t { kFast, kRealTime };
 
-// Of choices the number; the units are those of the table.
+// In the order of ITC18Simulator_Call, from that of `change` on.
+enum class FailingCall : int32_t { kNone, kChange, kStart, kRoom, kWrite, kRead, kStop, kWait };
+
+// As they stand here: an interface without delay, limits and faults, faster than real time. The
+// units are those of the table.
 struct InterfaceSettings {
-    double pacing = 0;
-    double pipeline = 0;
-    double skew = 0;
-    double outputBuffer = 0;
-    double inputBuffer = 0;
-    double mostMoved = 0;
-    double seed = 0;
+    Pacing pacing = Pacing::kFast;
+    int64_t pipeline = 0;
+    bool skew = false;
+    int64_t outputBuffer = 262144;
+    int64_t inputBuffer = 262144;
+    int64_t mostMoved = 0;
+    int64_t seed = 0;
     double triggerAfter = 0;
-    double failCall = 0;
-    double failAt = 0;
-    double stallAt = 0;
-    double stallFor = 0;
-    double loseAt = 0;
-
-    // Every setting as the table's `unless` says.
-    static InterfaceSettings Usual();
-
-    Pacing Pace() const { return static_cast<Pacing>(pacing); }
+    FailingCall failCall = FailingCall::kNone;
+    int32_t failAt = 1;
+    double stallAt = -1;
+    double stallFor = -1;
+    double loseAt = -1;
 };
 
 std::span<const PlayerSettingInfo> InterfaceSettingInfo();

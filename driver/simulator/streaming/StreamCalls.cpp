@@ -1,10 +1,10 @@
 // The streaming calls: what they refuse, and their faults.
 #include <algorithm>
-#include <cstdio>
 #include <memory>
 #include <new>
 #include <string>
 
+#include "Problem.h"
 #include "simulator/Faults.h"
 #include "simulator/streaming/Bench.h"
 #include "simulator/streaming/Clock.h"
@@ -14,23 +14,23 @@ namespace {
 
 using itc18::Bench;
 using itc18::Device;
-using itc18::Stream;
-
-int32_t Say(PlayerProblem* problem, int32_t result, const std::string& text, int32_t setting = -1) {
-    if (problem == nullptr) return result;
-    problem->setting = setting;
-    std::snprintf(problem->text, sizeof problem->text, "%s", text.c_str());
-    return result;
-}
-
-int32_t Refuse(PlayerProblem* problem, const std::string& text) {
-    return Say(problem, Player_Refused, text);
-}
+using player::Refuse;
+using player::Say;
 
 const char* FailureText(int32_t failure) {
     return failure == Player_Overflow
                ? "acquired samples were lost: the interface's input buffer was full"
                : "the interface had nothing left to play: its output buffer was empty";
+}
+
+// Nothing is thrown out of a call.
+template <class Call>
+int32_t Caught(PlayerProblem* problem, Call call) {
+    try {
+        return call();
+    } catch (const std::bad_alloc&) {
+        return Say(problem, Player_OutOfMemory, "memory is out");
+    }
 }
 
 // Runs a call on what is connected to an open interface, unless it is one that is to fail.
@@ -42,14 +42,10 @@ int32_t OnBench(void* structure, ITC18Simulator_Call kind, PlayerProblem* proble
     if (device->lost) return Say(problem, Player_Lost, "the interface does not answer any more");
     if (const int32_t fault = itc18::TakeFault(kind))
         return Say(problem, fault, "the interface has refused a call, as it was told to");
-    try {
-        const int32_t result = call(*device, *device->bench);
-        device->lost = device->bench->lost;
-        if (!device->lost) return result;
-        return Say(problem, Player_Lost, "the interface was lost in mid-epoch");
-    } catch (const std::bad_alloc&) {
-        return Say(problem, Player_OutOfMemory, "memory is out");
-    }
+    const int32_t result = Caught(problem, [&] { return call(*device, *device->bench); });
+    device->lost = device->bench->lost;
+    if (!device->lost) return result;
+    return Say(problem, Player_Lost, "the interface was lost in mid-epoch");
 }
 
 // What is wrong with an epoch, or "".
@@ -82,12 +78,12 @@ size_t MostMoved(Bench& bench, int32_t count) {
     const auto most = static_cast<uint64_t>(bench.settings.mostMoved);
     const auto asked = static_cast<size_t>(std::max(count, 0));
     if (most == 0) return asked;
-    if (bench.settings.seed == 0) return std::min<size_t>(asked, most);
+    if (bench.settings.seed == 0) return static_cast<size_t>(std::min<uint64_t>(asked, most));
     // Steele, Lea and Flood, "Fast splittable pseudorandom number generators", 2014.
     uint64_t mixed = bench.chance += 0x9E3779B97F4A7C15U;
     mixed = (mixed ^ (mixed >> 30)) * 0xBF58476D1CE4E5B9U;
     mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EBU;
-    return std::min<size_t>(asked, (mixed ^ (mixed >> 31)) % (most + 1));
+    return static_cast<size_t>(std::min<uint64_t>(asked, (mixed ^ (mixed >> 31)) % (most + 1)));
 }
 
 bool IsStanding(const Bench& bench) { return bench.stream && bench.stream->stalled; }
@@ -104,7 +100,7 @@ int32_t ITC18Simulator_Connect(void* device, const PlayerSetting* settings, int3
     Device* const opened = itc18::OpenDevice(device);
     if (opened == nullptr) return Refuse(problem, "the interface is not open");
     if (opened->lost) return Say(problem, Player_Lost, "the interface does not answer any more");
-    return itc18::Connect(*opened, settings, count, problem);
+    return Caught(problem, [&] { return itc18::Connect(*opened, settings, count, problem); });
 }
 
 void ITC18Simulator_Disconnect(void* device) {
@@ -188,7 +184,7 @@ int32_t ITC18Simulator_Wait(void* device, int64_t microseconds, const uint16_t* 
         const int64_t end = itc18::ClockNow() + microseconds;
         if (levels != nullptr) std::copy_n(levels, bench.levels.size(), bench.levels.begin());
         itc18::Rest(bench, microseconds);
-        if (bench.settings.Pace() == itc18::Pacing::kRealTime) itc18::SleepUntil(end);
+        if (bench.settings.pacing == itc18::Pacing::kRealTime) itc18::SleepUntil(end);
         return int32_t{Player_Success};
     });
 }

@@ -191,8 +191,8 @@ std::span<const PlayerSettingInfo> PreparationSettingInfo() {
 
 Assignment Assign(Settings& settings, const PlayerSetting& setting, std::string& problem) {
     const std::string_view name = setting.name == nullptr ? "" : setting.name;
-    const auto row = std::find_if(kRows.begin(), kRows.end(),
-                                  [&](const Row& candidate) { return name == candidate.name; });
+    const auto* const row = std::find_if(
+        kRows.begin(), kRows.end(), [&](const Row& candidate) { return name == candidate.name; });
     if (row == kRows.end()) {
         problem = "no setting is called " + std::string(name);
         return Assignment::kUnknownName;

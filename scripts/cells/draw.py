@@ -1,4 +1,4 @@
-"""Draws every cell's response to two steps: draw.py PROGRAM PICTURE, from `cell-sheet responses`."""
+"""Draws every cell's response to two steps, of `cell-sheet responses`: draw.py PROGRAM PICTURE."""
 import subprocess
 import sys
 

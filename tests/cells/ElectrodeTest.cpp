@@ -144,6 +144,10 @@ TEST(ElectrodeTest, DynamicClampInjectsTheCurrentOfAnEarlierPotential) {
         EXPECT_NEAR(cell.Signal(), -35, 1e-6);
     }
     Rehearsal cell{{"cell.model", "passive"}};
+    ASSERT_TRUE(cell.preparation.StartDynamicClamp({0, 0, -75}));
+    for (const double conductance : {HUGE_VAL, std::nan(""), 1e300, -1e9})
+        for (int point = 0; point < 9; ++point) cell.preparation.Advance(0, 1000, {conductance, 1});
+    EXPECT_LE(std::abs(cell.Signal()), 70 + 4096 * 0.2) << "the converter's 4,096 pA";
     EXPECT_FALSE(cell.preparation.StartDynamicClamp({-1, 0, 0}));
     EXPECT_FALSE(cell.preparation.StartDynamicClamp({itc18::kLongestLatency + 1, 0, 0}));
 }

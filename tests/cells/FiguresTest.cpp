@@ -31,8 +31,10 @@ struct Model {
     double rest, resistance, firesOnce, firesFive;  // [mV], [MOhm], from [pA] on
 };
 
-// Membranes told by area have 2000 µm².
+// Membranes told by area have 2000 µm². The squid axon's figures are those of a NEURON 8.2.2
+// section with `hh`, of second order in steps of 5 µs.
 const Model kModels[] = {
+    {"squidAxon", -64.9997, 43.0205, 44.8193, 124.712},
     {"regularSpiking", -70.5712, 32.1351, 560.42, 685.35},
     {"fastSpiking", -70.0000, 47.2728, 384.18, 385.1},
     {"connorStevens", -67.9781, 27.6923, 162.486, 165.392},
@@ -70,8 +72,7 @@ struct Step {
     double first = 0, next = 0, last = 0;  // spike, interval after it, last interval [ms]
 };
 
-// The squid axon's rows are those of a NEURON 8.2.2 section with `hh`, of second order in steps of
-// 1 µs.
+// The squid axon's are of steps of 1 µs.
 const Step kSteps[] = {
     {"squidAxon", 50, 1, 0, 5.7945},
     {"squidAxon", 100, 1, 0, 2.9050},

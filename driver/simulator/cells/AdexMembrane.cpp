@@ -5,6 +5,15 @@
 #include <cmath>
 
 namespace itc18 {
+namespace {
+
+// ln(1 - x); the series leaves 1e-16 of it.
+double LogarithmLess(double x) {
+    if (x > 1e-3) return std::log1p(-x);
+    return -x * (1 + x * (1.0 / 2 + x * (1.0 / 3 + x * (1.0 / 4 + x * (1.0 / 5)))));
+}
+
+}  // namespace
 
 void AdexMembrane::Settle(RandomStream* /*stream*/) {
     adaptation = parameters.coupling * (potential - parameters.leakPotential);
@@ -17,7 +26,7 @@ void AdexMembrane::AdvanceGates(double milliseconds, RandomStream* /*noise*/, bo
 
 double AdexMembrane::AdaptationAfter(double milliseconds) const {
     const double target = parameters.coupling * (potential - parameters.leakPotential);
-    return target + (adaptation - target) * LeftAfter(milliseconds / parameters.adaptationTime);
+    return target + (adaptation - target) * LeftAfter(milliseconds * adaptationRate);
 }
 
 Load AdexMembrane::LoadOver(double milliseconds) const {
@@ -35,11 +44,10 @@ void AdexMembrane::MoveTo(double moved, double milliseconds) {
 // is reached if y is at most `atPeak` at the end; all is taken by the present y. From a reset the
 // next spike is farther than a step.
 void AdexMembrane::FollowExponential(double milliseconds) {
-    const double rate = parameters.leak / parameters.capacitance;
     const double grown = std::exp((potential - parameters.threshold) / parameters.sharpness);
     const double lost = rate * milliseconds * grown;
     if (1 - lost > atPeak * grown) {
-        potential -= parameters.sharpness * std::log1p(-lost);
+        potential -= parameters.sharpness * LogarithmLess(lost);
         return;
     }
     const double until = std::max((1 / grown - atPeak) / rate, 0.0);

@@ -53,6 +53,8 @@ class AdexMembrane {
         : potential(given.leakPotential),
           parameters(given),
           area(100 * size),
+          rate(given.leak / given.capacitance),
+          adaptationRate(1 / given.adaptationTime),
           atPeak(std::exp((given.threshold - kPeak) / given.sharpness)) {}
 
     double Area() const { return area; }
@@ -72,8 +74,9 @@ class AdexMembrane {
 
     AdexParameters parameters;
     double area;
-    double atPeak;          // e^-((kPeak - threshold) / sharpness)
-    double adaptation = 0;  // [pA] of a membrane of the model's own size
+    double rate, adaptationRate;  // of the leak and of the adaptation [1/ms]
+    double atPeak;                // e^-((kPeak - threshold) / sharpness)
+    double adaptation = 0;        // [pA] of a membrane of the model's own size
     bool spiked = false;
 };
 

@@ -45,11 +45,13 @@ struct Turn {
 // The lowest turn, since a cell rests at the lowest.
 template <class Membrane>
 Turn FindTurn(Membrane& membrane, const Load& outside) {
-    constexpr double kFarthest = 1e9, kSearchStep = 0.25;
+    constexpr double kFarthest = 1e9;
     double low = Membrane::kLowest, high = Membrane::kHighest;
     while (OutwardAt(membrane, outside, low) > 0 && low > -kFarthest) low *= 2;
     double nearest = low, most = -HUGE_VAL;
-    for (double v = Membrane::kLowest; !Membrane::kRises && v <= high; v += kSearchStep) {
+    const int steps = Membrane::kRises ? 0 : static_cast<int>((high - Membrane::kLowest) * 4);
+    for (int step = 0; step < steps; ++step) {
+        const double v = Membrane::kLowest + step / 4.0;
         const double outward = OutwardAt(membrane, outside, v);
         if (outward >= 0) return {low, v};
         low = v;

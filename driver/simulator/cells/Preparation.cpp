@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "simulator/cells/Cell.h"
+#include "simulator/cells/Circuit.h"
 #include "simulator/cells/Electrode.h"
 #include "simulator/cells/OutputFilter.h"
 #include "simulator/cells/SynapticNoise.h"
@@ -21,6 +22,8 @@ namespace {
 // train moves by less than 0.1 µs and its firing rate by 20 parts in a million.
 constexpr double kLongestStep = 5;
 
+constexpr double kMostCounts = 32768;  // a converter's range
+
 enum StreamNumber : uint64_t { kOfSynapses, kOfChannels, kOfRecording };
 
 struct Streams {
@@ -30,63 +33,6 @@ struct Streams {
           recording(static_cast<uint64_t>(seed), kOfRecording) {}
 
     RandomStream synapses, channels, recording;
-};
-
-SynapseSettings Excitatory(const PreparationSettings& settings) {
-    return {settings.excitatoryConductance, settings.excitatoryDeviation, settings.excitatoryTime,
-            settings.excitatoryReversal};
-}
-
-SynapseSettings Inhibitory(const PreparationSettings& settings) {
-    return {settings.inhibitoryConductance, settings.inhibitoryDeviation, settings.inhibitoryTime,
-            settings.inhibitoryReversal};
-}
-
-bool MayOpen(const PreparationSettings& settings) {
-    return settings.excitatoryConductance > 0 || settings.excitatoryDeviation > 0 ||
-           settings.inhibitoryConductance > 0 || settings.inhibitoryDeviation > 0;
-}
-
-// What moves the cell's potential: a current, into it alone or through a pipette that is charged
-// too; a held pipette through a resistance, or without one.
-enum class Path { kInjected, kPipetteToo, kResistance, kHeld };
-
-// The amplifier and the electrode in the cell's units; by the cell's area where densities stand.
-struct Circuit {
-    Circuit(const PreparationSettings& settings, double area)
-        : clampsVoltage(settings.mode == AmplifierMode::kVoltageClamp),
-          picoamperesPerCount(settings.mode == AmplifierMode::kCurrentClamp
-                                  ? settings.currentCommand / ITC18Simulator_CountsPerVolt
-                                  : 0),
-          millivoltsPerCount(settings.voltageCommand / ITC18Simulator_CountsPerVolt),
-          countsPerUnit(ITC18Simulator_CountsPerVolt /
-                        (clampsVoltage ? settings.currentOutput : settings.potentialOutput)),
-          noise(clampsVoltage ? settings.currentNoise : settings.potentialNoise),
-          membraneArea(area) {
-        const double pipette = settings.pipetteCapacitance - settings.capacitanceCompensation;
-        const double resistance =
-            settings.accessResistance * (clampsVoltage ? 1 - settings.seriesCompensation / 100 : 1);
-        pipetteCapacitance = DensityOf(pipette, area);
-        accessConductance = resistance > 0 ? DensityOf(1000 / resistance, area) : 0;
-        voltsPerPicoampere = (settings.accessResistance - settings.bridge) / 1000;
-        junction = settings.junctionPotential;
-        clampTime = settings.clampTime / 1000;
-        if (clampsVoltage)
-            path = accessConductance > 0 ? Path::kResistance : Path::kHeld;
-        else if (pipetteCapacitance > 0 && accessConductance > 0)
-            path = Path::kPipetteToo;
-    }
-
-    double CurrentOf(double density) const { return density * membraneArea / 100; }
-
-    bool clampsVoltage;
-    Path path = Path::kInjected;
-    double picoamperesPerCount, millivoltsPerCount, countsPerUnit, noise, membraneArea;
-    double pipetteCapacitance;  // what the amplifier does not charge [µF/cm²]
-    double accessConductance;   // of what is not compensated [mS/cm²]; 0: no resistance
-    double voltsPerPicoampere;  // of the bridge's error [mV]
-    double junction;            // [mV]
-    double clampTime;           // [ms]
 };
 
 }  // namespace
@@ -122,10 +68,11 @@ struct Preparation::Parts {
     template <class Membrane>
     Load LoadWithSynapses(const Membrane& membrane, Load load) const;
 
+    Load LoadBeside(double area) const;
     bool IsOtherCell(const Parts& former) const;
     void GoOnFrom(const Parts& former);
     bool HoldsMembrane() const { return circuit.path == Path::kHeld; }
-    double ClampCurrent(ClampConductances conductances);
+    void Inject(double command, ClampConductances conductances);
     void FinishSignal(double recorded);
 
     PreparationSettings settings;
@@ -168,7 +115,7 @@ double Preparation::Parts::Recorded(const Membrane& membrane, bool spiked) const
         if (circuit.path == Path::kPipetteToo)
             return pipettePotential + (spiked ? shown - membrane.potential : 0) -
                    settings.bridge * injected / 1000 + circuit.junction;
-        return shown + circuit.voltsPerPicoampere * injected + circuit.junction;
+        return shown + circuit.millivoltsPerPicoampere * injected + circuit.junction;
     }
     const double slope =
         circuit.clampTime > 0 ? (heldPipette - pipettePotential) / circuit.clampTime : 0;
@@ -267,32 +214,32 @@ void Preparation::Parts::FinishSignal(double recorded) {
     if (circuit.noise > 0) signal += circuit.noise * streams.recording.Normal();
 }
 
+// What stands beside the membrane in the long run: the mean of each synapse, and the amplifier.
+Load Preparation::Parts::LoadBeside(double area) const {
+    Load beside{circuit.accessConductance, circuit.accessConductance * heldPipette};
+    if (!circuit.clampsVoltage) beside = {0, injectedDensity};
+    for (const SynapticNoise* noise : {&excitatory, &inhibitory}) {
+        const double mean = DensityOf(noise->Mean(), area);
+        beside.conductance += mean;
+        beside.drive += mean * noise->Reversal();
+    }
+    return beside;
+}
+
 template <class Membrane>
 void Preparation::Parts::Settle(Membrane& membrane, double command) {
     clampsDynamically = false;
     injected = command * circuit.picoamperesPerCount;
+    injectedDensity = DensityOf(injected, membrane.Area());
     heldPipette = command * circuit.millivoltsPerCount - circuit.junction;
     excitatory.Settle(streams.synapses);
     inhibitory.Settle(streams.synapses);
-    Load outside{0, circuit.clampsVoltage ? 0 : DensityOf(injected, membrane.Area())};
-    for (const SynapticNoise* noise : {&excitatory, &inhibitory}) {
-        const double mean = DensityOf(noise->Mean(), membrane.Area());
-        outside.conductance += mean;
-        outside.drive += mean * noise->Reversal();
-    }
-    if (HoldsMembrane()) {
-        membrane.JumpTo(heldPipette);
-    } else {
-        if (circuit.clampsVoltage) {
-            outside.conductance += circuit.accessConductance;
-            outside.drive += circuit.accessConductance * heldPipette;
-        }
-        membrane.JumpTo(SteadyPotential(membrane, outside));
-    }
+    membrane.JumpTo(HoldsMembrane() ? heldPipette
+                                    : SteadyPotential(membrane, LoadBeside(membrane.Area())));
     membrane.Settle(&streams.channels);
     pipettePotential = circuit.clampsVoltage ? heldPipette : membrane.potential;
     if (circuit.path == Path::kPipetteToo)
-        pipettePotential += DensityOf(injected, membrane.Area()) / circuit.accessConductance;
+        pipettePotential += injectedDensity / circuit.accessConductance;
     filter.Settle(Recorded(membrane, false));
     FinishSignal(Recorded(membrane, false));
 }
@@ -305,27 +252,33 @@ bool Preparation::Parts::IsOtherCell(const Parts& former) const {
     return cellOf(settings) != cellOf(former.settings);
 }
 
-// A pipette that is no longer, or now, clamped is at the cell's potential.
+// Where the pipette's potential was the amplifier's own matter, it is at the cell's.
 void Preparation::Parts::GoOnFrom(const Parts& former) {
     cell = former.cell;
     excitatory.GoOnFrom(former.excitatory);
     inhibitory.GoOnFrom(former.inhibitory);
     const auto potential = std::visit([](const auto& of) { return of.potential; }, cell);
     const bool sameMode = settings.mode == former.settings.mode;
-    pipettePotential = heldPipette = sameMode ? former.pipettePotential : potential;
+    const bool knowsPipette = sameMode && former.circuit.path != Path::kInjected;
+    pipettePotential = heldPipette = knowsPipette ? former.pipettePotential : potential;
     if (sameMode) injected = former.injected;
     const double recorded = std::visit([&](auto& of) { return Recorded(of, false); }, cell);
     filter.Settle(recorded);
     FinishSignal(recorded);
 }
 
-double Preparation::Parts::ClampCurrent(ClampConductances conductances) {
-    if (!clampsDynamically || settings.mode != AmplifierMode::kCurrentClamp) return 0;
+// The converter limits the sum of both currents, so that no conductance runs away, nor is one of a
+// recording that is not a number more than nothing.
+void Preparation::Parts::Inject(double command, ClampConductances conductances) {
+    injected = command * circuit.picoamperesPerCount;
+    if (!clampsDynamically) return;
     seen[point] = signal;
     point = point + 1 < seen.size() ? point + 1 : 0;
     const double potential = seen[point];  // the oldest
-    return conductances.excitatory * (clamp.excitatoryReversal - potential) +
-           conductances.inhibitory * (clamp.inhibitoryReversal - potential);
+    const double current = conductances.excitatory * (clamp.excitatoryReversal - potential) +
+                           conductances.inhibitory * (clamp.inhibitoryReversal - potential);
+    const double most = kMostCounts * circuit.picoamperesPerCount;
+    if (!std::isnan(current)) injected = std::clamp(injected + current, -most, most);
 }
 
 Preparation::Preparation(const PreparationSettings& settings)
@@ -348,10 +301,10 @@ void Preparation::Settle(double command) {
 }
 
 void Preparation::Advance(double command, double microseconds, ClampConductances conductances) {
+    if (!(microseconds > 0)) return;
     const auto steps = static_cast<int64_t>(std::ceil(microseconds / kLongestStep));
     const double step = microseconds / static_cast<double>(steps) / 1000;
-    parts->injected = command * parts->circuit.picoamperesPerCount;
-    parts->injected += parts->ClampCurrent(conductances);
+    parts->Inject(command, conductances);
     std::visit([&](auto& membrane) { parts->Advance(membrane, command, step, steps); },
                parts->cell);
 }
@@ -371,11 +324,11 @@ void Preparation::EndDynamicClamp() { parts->clampsDynamically = false; }
 
 void Preparation::Change(const PreparationSettings& settings) {
     auto changed = std::make_unique<Parts>(settings);
+    if (settings.seed == parts->settings.seed) changed->streams = parts->streams;
     if (changed->IsOtherCell(*parts))
         std::visit([&](auto& membrane) { changed->Settle(membrane, 0); }, changed->cell);
     else
         changed->GoOnFrom(*parts);
-    if (settings.seed == parts->settings.seed) changed->streams = parts->streams;
     parts = std::move(changed);
 }
 

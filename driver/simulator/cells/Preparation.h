@@ -39,7 +39,7 @@ class Preparation {
     // cell that fires at it, a state from which it begins to. Ends dynamic clamp.
     void Settle(double command);
 
-    // Lets `microseconds` [above 0] pass at a constant command [counts]. In dynamic clamp this is
+    // Lets `microseconds` pass at a constant command [counts]. In dynamic clamp this is
     // one point, whose conductances [nS] make a current with the signal of `latency` points before;
     // without dynamic clamp they are not looked at.
     void Advance(double command, double microseconds, ClampConductances conductances = {});
@@ -49,16 +49,18 @@ class Preparation {
     double Signal() const;
 
     // From the next point on the amplifier injects the current of conductances beside the command,
-    // in current clamp; in the other modes there is nowhere to inject it. Before the first point
-    // the signal has been what it is now. False, and nothing changed, for a latency out of range.
+    // in current clamp, as far as the converter's range goes; in the other modes there is nowhere
+    // to inject it. Before the first point the signal has been what it is now. False, and nothing
+    // changed, for a latency out of range.
     bool StartDynamicClamp(const DynamicClamp& clamp);
     void EndDynamicClamp();
 
     // Takes other settings between two epochs. The cell's state stays while its model does; another
     // model begins settled at a command of 0. The noise goes on while the seed is the same.
+    // Ends dynamic clamp.
     void Change(const PreparationSettings& settings);
 
-    // The cell's own potential and what flows through its membrane, which no amplifier sees.
+    // The cell's own potential, which no amplifier sees.
     double MembranePotential() const;  // [mV]
 
   private:

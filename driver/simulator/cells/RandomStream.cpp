@@ -23,6 +23,7 @@ double LogFactorial(int64_t k) {
 }
 
 double LogProbability(int64_t k, int64_t count, double probability) {
+    if (k == 0) return static_cast<double>(count) * std::log1p(-probability);
     return LogFactorial(count) - LogFactorial(k) - LogFactorial(count - k) +
            static_cast<double>(k) * std::log(probability) +
            static_cast<double>(count - k) * std::log1p(-probability);
@@ -95,9 +96,10 @@ int64_t RandomStream::Binomial(int64_t count, double probability) {
     if (count <= 0 || probability <= 0) return 0;
     if (probability >= 1) return count;
     if (probability > 0.5) return count - Binomial(count, 1 - probability);
-    const double uniform = Uniform();
-    const auto mode = static_cast<int64_t>(static_cast<double>(count + 1) * probability);
-    return InvertFrom(std::min(mode, count), count, probability, uniform);
+    const double mean = static_cast<double>(count) * probability;
+    // From 0 it takes as many terms as happen, but the first one takes no factorials.
+    const auto first = mean < 16 ? 0 : static_cast<int64_t>(mean);
+    return InvertFrom(first, count, probability, Uniform());
 }
 
 }  // namespace itc18

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "simulator/cells/PreparationSettings.h"
 #include "simulator/cells/RandomStream.h"
 
 namespace itc18 {
@@ -18,6 +19,22 @@ struct SynapseSettings {
     double time;             // [ms]
     double reversal;         // [mV]
 };
+
+inline SynapseSettings Excitatory(const PreparationSettings& settings) {
+    return {settings.excitatoryConductance, settings.excitatoryDeviation, settings.excitatoryTime,
+            settings.excitatoryReversal};
+}
+
+inline SynapseSettings Inhibitory(const PreparationSettings& settings) {
+    return {settings.inhibitoryConductance, settings.inhibitoryDeviation, settings.inhibitoryTime,
+            settings.inhibitoryReversal};
+}
+
+// Whether any of these synapses is ever open.
+inline bool MayOpen(const PreparationSettings& settings) {
+    return settings.excitatoryConductance > 0 || settings.excitatoryDeviation > 0 ||
+           settings.inhibitoryConductance > 0 || settings.inhibitoryDeviation > 0;
+}
 
 class SynapticNoise {
   public:

@@ -147,7 +147,7 @@ class Recording:
             height: of the cell's output [pixels].
 
         Raises:
-            ValueError: if it is too large for a notebook or was opened from a file object, or if the
+            ValueError: if it is too large for a notebook, was opened from a file object, or if the
                 page was not built.
         """
         if self._file is not None:

@@ -163,7 +163,8 @@ test("axe finds nothing serious, in light and dark, wide and narrow", async () =
     await openFiles(page, [demo]);
     await page.waitForSelector("#row-3 .figures span");
     if (isDark) await page.click("#theme");
-    for (const each of ["#epoch-details", "#shown-details"]) await page.click(`${each} summary`);
+    for (const each of ["#epoch-details", "#shown-details", "#filters"])
+      await page.click(`${each} summary`);
     await page.waitForSelector("#details table");
     await page.waitForSelector("#cursor-a");
     // The page's own policy lets no script in but through the browser's tools.

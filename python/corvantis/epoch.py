@@ -12,7 +12,7 @@ from .errors import CorvantisError, CorvantisWarning
 from .interface import (ALL_ENTRIES, DAMAGED, DIGITAL_INPUT, DIGITAL_OUTPUT, EPOCH_HEADER,
                         EPOCH_HEADER_SIZE, RESPONSE, STIMULUS, DoubtReason, DoubtRecord, EpochInfo)
 from .lazy import lazy
-from .notebook import epoch_html
+from .notebook import View, epoch_html
 from .records import Record, fields_of, header
 from .samples import Neighbours, fill, room
 from .stimuli import Stimulus, read_json, read_stimulus, read_words, with_conductances
@@ -76,6 +76,11 @@ class Epoch:
 
     def _repr_html_(self) -> str:
         return epoch_html(self)
+
+    def view(self, height: int = 900) -> View:
+        """The page that shows recordings, for a notebook, with this epoch drawn; as
+        `Recording.view`."""
+        return self.recording.view(f"epochs={self.number}", height)
 
     # ---- Header ---------------------------------------------------------------------------
 

@@ -1,19 +1,23 @@
-"""How recordings and epochs show themselves in a notebook: a table, and of an epoch a figure."""
+"""How recordings and epochs show themselves in a notebook: a table, of an epoch with a figure; or
+the page, if asked for."""
 from __future__ import annotations
 
 import base64
 import io
 from collections.abc import Iterable
 from html import escape
+from pathlib import Path
 from typing import TYPE_CHECKING
 
 from .errors import CorvantisError
+from .page import page_containing
 
 if TYPE_CHECKING:
     from .epoch import Epoch
     from .recording import Recording
 
 MOST_ROWS = 20
+MOST_WITHIN = 32 << 20  # of a recording that a notebook keeps in its output [bytes]
 
 
 def _table(heads: Iterable[str], rows: Iterable[Iterable[object]]) -> str:
@@ -62,3 +66,21 @@ def epoch_html(epoch: Epoch) -> str:
     heads = "input", "unit", "output", "unit", "stimulus"
     text = f"epoch {epoch.number}: {epoch.points} points at {epoch.sampling_rate:g} Hz"
     return f"<p>{escape(text)}. {escape(epoch.comment)}</p>{_table(heads, rows)}{_figure(epoch)}"
+
+
+class View:
+    """The page that shows a recording, as the output of a notebook's cell.
+
+    The recording lies within it, so that the notebook shows it wherever it is opened; the page may
+    read nothing else, not even the notebook around it.
+    """
+
+    def __init__(self, path: str, shown: str, height: int) -> None:
+        self._page = page_containing([Path(path)], MOST_WITHIN, shown)
+        self._height = height
+        self._name = Path(path).name
+
+    def _repr_html_(self) -> str:
+        page, name = escape(self._page, quote=True), escape(self._name, quote=True)
+        return (f'<iframe title="{name}" width="100%" height="{self._height}" frameborder="0" '
+                f'sandbox="allow-scripts allow-downloads" srcdoc="{page}"></iframe>')

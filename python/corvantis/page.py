@@ -43,17 +43,22 @@ def page_showing(shown: dict[str, Any]) -> str:
     return LIST.sub(lambda found: found[1] + listed + found[2], page())
 
 
-def page_containing(files: Sequence[Path]) -> str:
+def page_containing(files: Sequence[Path], most: int = MOST_WITHIN, shown: str = "") -> str:
     """The page with whole recordings in it, which needs neither server nor network.
+
+    Args:
+        most: their size [bytes].
+        shown: what it shows first, as the part of its address behind "#"; its own address goes
+            before.
 
     Raises:
         ValueError: if they are too large for that, or the page was not built.
     """
     size = sum(file.stat().st_size for file in files)
-    if size > MOST_WITHIN:
-        raise ValueError(f"{size} bytes are too many for one page ({MOST_WITHIN}); "
-                         "without --export they are read by ranges")
+    if size > most:
+        raise ValueError(f"{size} bytes are too many for one page ({most}); "
+                         "`corvantis view` without --export reads them by ranges")
     within = [{"name": file.name,
                "content": base64.b64encode(gzip.compress(file.read_bytes(), mtime=0)).decode()}
               for file in files]
-    return page_showing({"within": within})
+    return page_showing({"within": within, "shown": shown})

@@ -16,7 +16,7 @@ from .errors import CorvantisError
 from .handle import Handle, Known
 from .identity import Identity, checksum, local, portable
 from .interface import CHANGED, FILE_HEADER_SIZE, FindingRecord, RecordingInfo, Weight
-from .notebook import recording_html
+from .notebook import View, recording_html
 from .records import Record, header
 from .samples import stacked
 from .source import is_file_object
@@ -138,6 +138,22 @@ class Recording:
 
     def _repr_html_(self) -> str:
         return escape(repr(self)) if self._closed else recording_html(self)
+
+    def view(self, shown: str = "", height: int = 900) -> View:
+        """The page that shows recordings, for a notebook, with this one in it.
+
+        Args:
+            shown: what it shows first, as behind "#" in the page's address, such as "epochs=3-9".
+            height: of the cell's output [pixels].
+
+        Raises:
+            ValueError: if it is too large for a notebook, was opened from a file object, or if the
+                page was not built.
+        """
+        if self._file is not None:
+            raise ValueError("a recording that was opened from a file object has no path to be "
+                             "shown by")
+        return View(self.path, shown, height)
 
     def refresh(self) -> int:
         """Take in the epochs that another program has saved meanwhile; returns how many.

@@ -13,6 +13,8 @@ export interface CameWith {
   within?: Within[];
   served?: Served[];
   follow?: boolean;
+  /** What to show first, if the address does not say. */
+  shown?: string;
 }
 
 export function cameWith(): CameWith {

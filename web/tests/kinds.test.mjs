@@ -79,7 +79,7 @@ test("digital lines, conductances and doubts are drawn as what they are", async 
   await openFiles(page, [types, clamps, unstored]);
   // A sine of 500 and 40 points on 100 from point 30 on: at point 50 it is 100, or lines 2, 5 and 6.
   await shown(page, "#epochs=11&channel=1&a=0.005");
-  await said(page, "#cursor-rows tr", "0x0064 (high: 2, 5, 6)");
+  await said(page, "#cursor-rows tr", "0x0064 (high: 2,5-6)");
   const lines = (await saved(page, "svg")).toString();
   assert.equal(lines.match(/<polyline/g).length, 32);
   const words = columnsOf(await saved(page, "csv")).get("stimulus_word");

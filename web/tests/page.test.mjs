@@ -163,7 +163,8 @@ test("axe finds nothing serious, in light and dark, wide and narrow", async () =
     await openFiles(page, [demo]);
     await page.waitForSelector("#row-3 .figures span");
     if (isDark) await page.click("#theme");
-    for (const each of ["#epoch-details", "#shown-details"]) await page.click(`${each} summary`);
+    for (const each of ["#epoch-details", "#shown-details", "#filters"])
+      await page.click(`${each} summary`);
     await page.waitForSelector("#details table");
     await page.waitForSelector("#cursor-a");
     // The page's own policy lets no script in but through the browser's tools.
@@ -273,7 +274,7 @@ test("large files are read by ranges, and long epochs pan at once", async (repor
   await page.close();
 });
 
-test("the command view serves one page, follows a file, and makes a page to mail", async () => {
+test("the command view serves a page, follows a file, and makes pages to mail and for notebooks", async () => {
   const [growing, mailed] = [join(folder, "growing.dat"), join(folder, "mailed.html")];
   writeLong(growing, demo, epochs[7].position, 4000, 1);
   const server = spawn(...python("view", growing, "--no-browser", "--follow"));
@@ -309,4 +310,22 @@ test("the command view serves one page, follows a file, and makes a page to mail
   await title(alone, "Epoch 5");
   assert.deepEqual(none, []);
   await alone.close();
+  await checkNotebook(program);
 });
+
+/** What a cell with an epoch's view shows, within a page of another's. */
+async function checkNotebook(program) {
+  const cell = join(folder, "cell.html");
+  const script =
+    "import corvantis, sys; print(corvantis.open(sys.argv[1]).epochs[6].view()._repr_html_())";
+  const html = execFileSync(program, ["-c", script, demo], { env: environment });
+  writeFileSync(cell, `<!doctype html><title>Notebook</title>${html}`);
+  const { page, problems } = await visit(context, `file://${cell}`);
+  const frame = page.frameLocator("iframe");
+  await frame.locator("#title", { hasText: "Epoch 6:" }).waitFor();
+  await frame.locator("#row-6 .spikes", { hasText: "31 spikes" }).waitFor();
+  await frame.locator("#next").click();
+  await frame.locator("#title", { hasText: "Epoch 7:" }).waitFor();
+  assert.deepEqual(problems, []);
+  await page.close();
+}

@@ -1,4 +1,5 @@
 // Digital words as their lines: each line that changes is a curve of its own, the others are named.
+import { inRanges } from "../address";
 import { outlineOf, type Trace } from "./trace";
 
 const LINES = 16;
@@ -66,7 +67,7 @@ function seenIn(word: Trace): Seen {
 
 function wordsOf(changing: number[], high: number[]): string {
   const listed = (lines: number[]): string =>
-    `line${lines.length > 1 ? "s" : ""} ${lines.join(", ")}`;
+    `line${lines.length > 1 ? "s" : ""} ${inRanges(lines)}`;
   const parts = changing.length > 0 ? [`${listed(changing)} drawn`] : ["no line changes"];
   if (high.length > 0) parts.push(`${listed(high)} high throughout`);
   if (changing.length + high.length < LINES) parts.push("the others low");

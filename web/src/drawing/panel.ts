@@ -182,6 +182,7 @@ export class Panel {
           width: 1.2,
           dash: trace.style.dash,
           points: { show: false },
+          pxAlign: 0,
           ...(frame.rows === null ? {} : { paths: uPlot.paths.stepped!({ align: 1 }) }),
         })),
       ],

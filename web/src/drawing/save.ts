@@ -4,12 +4,14 @@ import { shownNumber, ticks } from "./ticks";
 import type { Trace } from "./trace";
 import type { Readings } from "../parts/readout";
 
+const KEPT = 60_000; // a busy browser takes its time to begin [ms]
+
 export function download(name: string, content: Blob): void {
   const link = document.createElement("a");
   link.href = URL.createObjectURL(content);
   link.download = name;
   link.click();
-  setTimeout(() => URL.revokeObjectURL(link.href), 10_000);
+  setTimeout(() => URL.revokeObjectURL(link.href), KEPT);
 }
 
 /** Both panels as they are on the screen, under the title. */

@@ -89,7 +89,7 @@ async function follow(): Promise<void> {
 
 /** Opens what the page came with. */
 export async function openWhatCame(): Promise<void> {
-  const { within = [], served = [], follow: isFollowed } = cameWith();
+  const { within = [], served = [], follow: isFollowed, shown = "" } = cameWith();
   for (const each of within) {
     const opened = await trying(fileWithin(each).then((file) => client.ask("openFile", { file })));
     if (opened !== null) add(opened);
@@ -99,6 +99,6 @@ export async function openWhatCame(): Promise<void> {
     const opened = await trying(client.ask("openAddress", given));
     if (opened !== null) add(opened);
   }
-  if (state.recordings.length > 0) await show(fromAddress(location.hash));
+  if (state.recordings.length > 0) await show(fromAddress(location.hash || shown));
   if (isFollowed === true) void follow();
 }

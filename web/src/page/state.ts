@@ -58,5 +58,6 @@ export function remember(): void {
   const isWhole = view.from === whole.from && view.to === whole.to;
   shown.from = isWhole ? null : Number(view.from.toPrecision(9));
   shown.to = isWhole ? null : Number(view.to.toPrecision(9));
-  history.replaceState(null, "", toAddress(shown));
+  // Within a notebook the page has no address of its own.
+  if (location.protocol !== "about:") history.replaceState(null, "", toAddress(shown));
 }

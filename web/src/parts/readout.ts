@@ -1,5 +1,6 @@
 // Numbers beside the drawing: the cursors with their difference, the value under the pointer, and a
 // table of all that is drawn.
+import { inRanges } from "../address";
 import { valueAtTime, type Frame, type View } from "../drawing/panel";
 import { highLines } from "../drawing/lines";
 import { shownNumber } from "../drawing/ticks";
@@ -19,7 +20,7 @@ function shown(value: number | null, frame?: Frame): string {
   if (value === null) return "";
   if (frame?.isWord !== true) return shownNumber(value);
   const lines = highLines(value);
-  const high = lines.length === 0 ? "no line high" : `high: ${lines.join(", ")}`;
+  const high = lines.length === 0 ? "no line high" : `high: ${inRanges(lines)}`;
   return `0x${value.toString(16).padStart(4, "0").toUpperCase()} (${high})`;
 }
 
@@ -27,7 +28,7 @@ function between(a: number | null, b: number | null, frame: Frame): string {
   if (!frame.isWord) return shown(difference(a, b));
   if (a === null || b === null) return "";
   const lines = highLines(a ^ b);
-  return lines.length === 0 ? "the same" : `other: ${lines.join(", ")}`;
+  return lines.length === 0 ? "the same" : `other: ${inRanges(lines)}`;
 }
 const difference = (a: number | null, b: number | null): number | null =>
   a === null || b === null ? null : b - a;

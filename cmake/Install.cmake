@@ -11,12 +11,10 @@ if(NOT ITC18_DRIVER)
     set_target_properties(ITC18 PROPERTIES EXPORT_NAME Simulator)
     install(FILES driver/ITC18.h driver/simulator/ITC18Simulator.h
             DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-    # Where the programs that load it find it: the system's loader or, on Windows, they themselves.
-    set(PLAYERS_DIR ${CMAKE_INSTALL_LIBDIR})
-    if(WIN32)
-        set(PLAYERS_DIR ${CMAKE_INSTALL_BINDIR})
-    endif()
-    install(TARGETS CorvantisSimulatedPlayer LIBRARY DESTINATION ${PLAYERS_DIR} COMPONENT library)
+    # Nobody links it.
+    install(TARGETS CorvantisSimulatedPlayer
+            RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT library
+            LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library)
 endif()
 
 install(TARGETS ${INSTALLED_TARGETS} EXPORT CorvantisTargets

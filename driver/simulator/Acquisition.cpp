@@ -1,23 +1,19 @@
 // One acquisition: the device's outputs and inputs, and the neuron between them.
 #include <cstddef>
+#include <new>
 #include <span>
 
-#include "simulator/ModelNeuron.h"
 #include "simulator/Wiring.h"
+#include "simulator/cells/Preparation.h"
 
 namespace {
 
 using itc18::Device;
-using itc18::ModelNeuron;
 using itc18::OutputLevels;
+using itc18::Preparation;
 
-double CommandCurrent(const OutputLevels& levels) {
-    return static_cast<double>(itc18::CommandCounts(levels)) / ITC18Simulator_CountsPerPicoampere;
-}
-
-uint16_t ReadInput(uint32_t input, const OutputLevels& levels, const ModelNeuron& neuron) {
-    return input == 0 ? itc18::Converted(neuron.potential * ITC18Simulator_CountsPerMillivolt)
-                      : itc18::EchoAt(input, levels);
+uint16_t ReadInput(uint32_t input, const OutputLevels& levels, const Preparation& neuron) {
+    return input == 0 ? itc18::Converted(neuron.Signal()) : itc18::EchoAt(input, levels);
 }
 
 void PlayPasses(const ITC18Simulator_State& state, const uint16_t* output, uint16_t* input,
@@ -27,12 +23,13 @@ void PlayPasses(const ITC18Simulator_State& state, const uint16_t* output, uint1
     const double passDuration = static_cast<double>(state.interval) * state.sequenceLength;
     OutputLevels levels{};
     itc18::SetOutputs(levels, sequence, output);
-    ModelNeuron neuron = itc18::SteadyState(CommandCurrent(levels));
+    Preparation neuron{itc18::PreparationSettings{}};
+    neuron.Settle(itc18::CommandCounts(levels));
     for (size_t point = 0; point < points; ++point, output += entries, input += entries) {
         itc18::SetOutputs(levels, sequence, output);
         for (size_t entry = 0; entry < entries; ++entry)
             input[entry] = ReadInput(itc18::InputOf(sequence[entry]), levels, neuron);
-        itc18::Advance(neuron, CommandCurrent(levels), passDuration);
+        neuron.Advance(itc18::CommandCounts(levels), passDuration);
     }
 }
 
@@ -45,7 +42,15 @@ int32_t ITC18Simulator_Play(void* device, const uint16_t* output, uint16_t* inpu
     if (opened->state.interval == 0) return ITC18Simulator_NoInterval;
     if (output == nullptr || input == nullptr) return ITC18Simulator_NullPointer;
     if (points < 1) return ITC18Simulator_BadPoints;
+#if defined(__cpp_exceptions)
+    try {
+        PlayPasses(opened->state, output, input, static_cast<size_t>(points));
+    } catch (const std::bad_alloc&) {
+        return ITC18Simulator_OutOfMemory;
+    }
+#else
     PlayPasses(opened->state, output, input, static_cast<size_t>(points));
+#endif
     opened->state.prepared = 0;
     return ITC18Simulator_Success;
 }

@@ -29,7 +29,7 @@
  *   counts, 3200 per volt, in unsigned storage (two's complement).
  *
  * The neuron
- *   See ModelNeuron.h: Hodgkin and Huxley's squid axon membrane, 2000 µm², 20 pF, resting at
+ *   See cells/SquidAxon.h: Hodgkin and Huxley's squid axon membrane, 2000 µm², 20 pF, resting at
  *   -65 mV with 43 MOhm. A long step from rest fires it once from about 46 pA and repetitively,
  *   at 50 Hz, from about 126 pA; 200 pA give 68 Hz. The spikes get smaller as the current grows,
  *   from about 1.4 nA all but the first stay below 0 mV, and above 3.1 nA it rests depolarised.
@@ -95,7 +95,8 @@ enum ITC18Simulator_Result {
     ITC18Simulator_NoInterval = 12,
     ITC18Simulator_NotPrepared = 13, /* no InitializeAcquisition since the last play */
     ITC18Simulator_BadPoints = 14,
-    ITC18Simulator_BadCall = 15
+    ITC18Simulator_BadCall = 15,
+    ITC18Simulator_OutOfMemory = 16
 };
 
 enum ITC18Simulator_Call {

@@ -13,7 +13,8 @@ namespace corvantis::rig {
 class PlayerLibrary {
   public:
     // Finds and loads a player.
-    //   name     a path, taken as it is; or a plain name, whose file libNAME.so (NAME.dll) lies
+    //   name     a path, taken as it is; or a plain name, whose file, as LibraryFileName has it,
+    //   lies
     //            beside the program or where the system's loader looks
     //   problem  why there is nothing, a sentence that names the library
     static std::optional<PlayerLibrary> Load(const std::string& name, std::string& problem);

@@ -26,7 +26,7 @@ class SharedLibrary {
     std::string problem;
 };
 
-// The name of the file that a library is in: libNAME.so, or NAME.dll.
+// The name of the file that a library is in: libNAME.so, libNAME.dylib or NAME.dll.
 std::string LibraryFileName(const std::string& name);
 // Whether a text says where a file is, and not only its name.
 bool IsPath(const std::string& text);

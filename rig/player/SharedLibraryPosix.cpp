@@ -16,6 +16,8 @@ namespace corvantis::rig {
 namespace {
 
 #if defined(__APPLE__)
+constexpr const char* kSuffix = ".dylib";
+
 std::filesystem::path ProgramPath() {
     uint32_t size = 0;
     _NSGetExecutablePath(nullptr, &size);
@@ -23,6 +25,8 @@ std::filesystem::path ProgramPath() {
     return _NSGetExecutablePath(path.data(), &size) == 0 ? path.data() : "";
 }
 #else
+constexpr const char* kSuffix = ".so";
+
 std::filesystem::path ProgramPath() {
     std::error_code unknown;
     return std::filesystem::read_symlink("/proc/self/exe", unknown);
@@ -43,7 +47,7 @@ void SharedLibrary::Unload::operator()(void* loaded) const { dlclose(loaded); }
 
 void* SharedLibrary::Function(const char* name) const { return dlsym(library.get(), name); }
 
-std::string LibraryFileName(const std::string& name) { return "lib" + name + ".so"; }
+std::string LibraryFileName(const std::string& name) { return "lib" + name + kSuffix; }
 
 bool IsPath(const std::string& text) { return text.find('/') != std::string::npos; }
 

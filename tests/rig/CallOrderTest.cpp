@@ -26,7 +26,7 @@ class AnyOrder {
     // That every call has been let through at times.
     void ExpectSuccesses() const {
         for (size_t which = 0; which < calls.size(); ++which)
-            EXPECT_GT(successes[which], 20) << "call " << which;
+            EXPECT_GT(successes[which], 5) << "call " << which;
     }
 
   private:
@@ -128,7 +128,7 @@ class AnyOrder {
 TEST(CallOrderTest, AnyOrderIsAnsweredWithoutHarm) {
     ITC18Simulator_Reset();
     AnyOrder calls(20);
-    for (int call = 0; call < 40000; ++call) calls.Call();
+    for (int call = 0; call < 20000; ++call) calls.Call();
     calls.ExpectSuccesses();
     ITC18Simulator_Reset();
 }

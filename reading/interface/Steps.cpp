@@ -41,15 +41,14 @@ int32_t ForEachValue(const EntryOf& from, int64_t first, int64_t count, Take tak
 }
 
 // The threshold in the response's own unit, and whether that is a potential.
-int32_t FindThreshold(const EntryOf& from, double millivolts, double& threshold,
-                      bool& isPotential) {
+int32_t FindThreshold(const EntryOf& from, double millivolts, double& inUnit, bool& isPotential) {
     CorvantisScaleInfo scale;
     const int32_t result = CorvantisScale(from.recording, from.epoch, from.entry,
                                           CORVANTIS_RESPONSE, &scale, from.problem);
     if (result != CORVANTIS_SUCCESS) return result;
     isPotential = scale.quantity == CORVANTIS_POTENTIAL;
     // Exactly the threshold in millivolts, the usual unit.
-    threshold = scale.si == 1e-3 ? millivolts : millivolts * 1e-3 / scale.si;
+    inUnit = scale.si == 1e-3 ? millivolts : millivolts * 1e-3 / scale.si;
     return CORVANTIS_SUCCESS;
 }
 
@@ -110,6 +109,7 @@ void DescribeCourse(const Contents& contents, const EpochReading& reading, size_
     const Stimulus& stimulus = reading.content.stimuli[entry];
     const std::vector<StepPoints> steps = FindSteps(counts, stimulus);
     std::vector<double> levels;
+    levels.reserve(steps.size());
     for (const StepPoints& step : steps) {
         levels.push_back(LevelOf(scale, counts[static_cast<size_t>(step.start)]));
     }

@@ -70,15 +70,18 @@ export function listen(drawing: HTMLElement, wishes: Wishes): void {
     act();
   });
 
-  drawing.addEventListener("dblclick", () => {
-    wishes.takeBack();
-    wishes.whole();
-  });
   let pressed = 0;
+  let isClick = false; // the last single one, which may become a double click
   drawing.addEventListener("pointerdown", (event) => (pressed = event.clientX), true);
   drawing.addEventListener("click", (event) => {
-    const isStill = Math.abs(event.clientX - pressed) < 3 && event.detail === 1;
-    if (isStill) wishes.click(timeAt(event.clientX), event.shiftKey);
+    if (event.detail !== 1) return;
+    isClick = Math.abs(event.clientX - pressed) < 3;
+    if (isClick) wishes.click(timeAt(event.clientX), event.shiftKey);
+  });
+  drawing.addEventListener("dblclick", () => {
+    if (isClick) wishes.takeBack();
+    isClick = false;
+    wishes.whole();
   });
   listenToDrags(drawing, wishes);
 }

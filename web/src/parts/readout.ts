@@ -67,7 +67,9 @@ export function showCursors(
   );
   const time = difference(a ?? null, b ?? null);
   rows.push(row(["B − A", shown(time === null ? null : time * unit.perSecond), ...differences]));
+  const focused = document.activeElement?.id ?? "";
   element("cursor-rows").replaceChildren(...rows);
+  if (focused.startsWith("cursor-")) element(focused).focus(); // who types goes on typing
 }
 
 export function showHover(readings: Readings, time: number | null): void {

@@ -154,7 +154,7 @@ class GatedMembrane {
             const Current& current = Model::kCurrents[i];
             // mS/cm² are 10 pS/µm².
             const double count = std::round(current.conductance * 10 * area / conductance);
-            channels[i] = ChannelNoise(static_cast<int64_t>(std::max(count, 1.0)),
+            channels[i] = ChannelNoise(static_cast<int64_t>(std::clamp(count, 1.0, kMostChannels)),
                                        current.particles, current.inactivation != kNoGate);
         }
     }
@@ -171,6 +171,9 @@ class GatedMembrane {
             channels[i].Advance(noise, step(Model::kCurrents[i].activation),
                                 step(Model::kCurrents[i].inactivation));
     }
+
+    // More of a kind are as good as countless, and would take for ever.
+    static constexpr double kMostChannels = 1e7;
 
     struct Kept {
         double potential = 0, duration = 0;  // [mV], [ms]; 0 ms: nothing kept

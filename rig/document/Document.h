@@ -16,9 +16,9 @@ struct Value {
     int32_t line = 0;
     double number = 0;
     std::string text;
-    std::vector<Value> items;         // of a list, or the values of an object
-    std::vector<std::string> names;   // of an object, one for each item
-    std::vector<double> numbers;      // of a list of numbers alone, which then has no items
+    std::vector<Value> items;        // of a list, or the values of an object
+    std::vector<std::string> names;  // of an object, one for each item
+    std::vector<double> numbers;     // of a list of numbers alone, which then has no items
 };
 
 // Throws a Failure that names the file and the line, also for a name that an object has twice.
@@ -27,7 +27,7 @@ Value ParseDocument(const std::string& file, std::string_view text);
 // A value and the way to it, for messages.
 struct Node {
     const Value* value = nullptr;
-    std::string path;            // such as epochs[2].stimuli.cell.amplitude
+    std::string path;  // such as epochs[2].stimuli.cell.amplitude
     const std::string* file = nullptr;
 
     // Of an object; a node without a value where there is none of that name.

@@ -1,8 +1,8 @@
 // Constant conductances, those that are listed, and trains of synaptic events.
 //
 // An event is peak * (exp(-t / decay) - exp(-t / rise)), scaled to reach its peak (Roth and van
-// Rossum 2009, in: Computational Modeling Methods for Neuroscientists, MIT Press); without a rise it
-// begins at its peak. Random times are those of a Poisson process.
+// Rossum 2009, in: Computational Modeling Methods for Neuroscientists, MIT Press); without a rise
+// it begins at its peak. Random times are those of a Poisson process.
 #include "plan/Conductances.h"
 
 #include <fmt/format.h>
@@ -78,7 +78,8 @@ std::vector<double> RandomTimes(const Node& node, const Timing& timing) {
     std::mt19937 generator(static_cast<uint32_t>(seed.value->number));
     std::vector<double> times;
     for (double time = 0; time < static_cast<double>(timing.points);) {
-        const double uniform = (static_cast<double>(generator()) + 1.0) / (static_cast<double>(std::mt19937::max()) + 1.0);
+        const double uniform = (static_cast<double>(generator()) + 1.0) /
+                               (static_cast<double>(std::mt19937::max()) + 1.0);
         time -= std::log(uniform) / perPoint;
         times.push_back(time);
     }
@@ -117,7 +118,7 @@ std::vector<float> Conductance(const Node& node, const Timing& timing) {
 
 void PlanConductances(const Node& stimuli, const Names& names, PlannedEpoch& epoch) {
     const Timing timing = {names, epoch.content.header.samplingInterval,
-                             static_cast<size_t>(epoch.content.header.epochPoints)};
+                           static_cast<size_t>(epoch.content.header.epochPoints)};
     for (size_t k = 0; k < epoch.content.stimuli.size(); ++k) {
         if (epoch.content.stimuli[k].type != ITC_STIMULUS_DYNAMIC_CLAMP) continue;
         const Node node = stimuli.Item(k);
@@ -125,7 +126,8 @@ void PlanConductances(const Node& stimuli, const Names& names, PlannedEpoch& epo
         std::vector<float> inhibitory = Conductance(node["inhibitory"], timing);
         if (epoch.IsDynamicClamp() &&
             (excitatory != epoch.excitatory || inhibitory != epoch.inhibitory)) {
-            node.Fail("has other conductances than the dynamic clamp before it; all share one pair");
+            node.Fail(
+                "has other conductances than the dynamic clamp before it; all share one pair");
         }
         epoch.excitatory = std::move(excitatory);
         epoch.inhibitory = std::move(inhibitory);

@@ -1,4 +1,5 @@
-// Computing components one by one, so that their sum can be told from what is left of it in 16 bits.
+// Computing components one by one, so that their sum can be told from what is left of it in 16
+// bits.
 #include "plan/Levels.h"
 
 #include <algorithm>

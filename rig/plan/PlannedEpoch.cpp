@@ -28,7 +28,8 @@ struct Planning {
     ITCEpochHeader& Header() { return planned.content.header; }
     Node Field(std::string_view name) const { return protocol.FieldOf(epoch, name); }
     double Amount(const Node& node, std::string_view unit) const {
-        const Measure measure = {std::string(unit), nullptr, planned.content.header.samplingInterval};
+        const Measure measure = {std::string(unit), nullptr,
+                                 planned.content.header.samplingInterval};
         return AmountOf(node, occurrence.names, measure);
     }
 };
@@ -41,8 +42,8 @@ std::string LeakText(const Occurrence& occurrence) {
 
 void PlanComment(Planning& plan) {
     const Node node = plan.Field("comment");
-    const std::string text = (node ? Filled(node, plan.occurrence.names) : std::string()) +
-                             LeakText(plan.occurrence);
+    const std::string text =
+        (node ? Filled(node, plan.occurrence.names) : std::string()) + LeakText(plan.occurrence);
     char(&room)[ITC_COMMENT_LENGTH] = plan.Header().epochComment;
     if (text.size() >= sizeof room) {
         node.Fail(fmt::format("is of {} bytes with its values, and {} can be kept", text.size(),
@@ -54,13 +55,14 @@ void PlanComment(Planning& plan) {
 void PlanInterval(Planning& plan) {
     const Node node = plan.Field("samplingInterval");
     if (!node) plan.epoch.Fail("lacks samplingInterval, which defaults do not give either");
-    const int32_t interval = static_cast<int32_t>(
-        Rounded(node, plan.Amount(node, "\xC2\xB5s"), 1, 4.0 * UINT16_MAX));
+    const int32_t interval =
+        static_cast<int32_t>(Rounded(node, plan.Amount(node, "\xC2\xB5s"), 1, 4.0 * UINT16_MAX));
     const int32_t entries = plan.planned.Entries();
     if (interval % entries != 0 || interval / entries < 4 || interval / entries > UINT16_MAX) {
-        node.Fail(fmt::format("{} \xC2\xB5s cannot be sampled: a pass of {} channels takes {} times "
-                              "4 to 65535 \xC2\xB5s",
-                              interval, entries, entries));
+        node.Fail(
+            fmt::format("{} \xC2\xB5s cannot be sampled: a pass of {} channels takes {} times "
+                        "4 to 65535 \xC2\xB5s",
+                        interval, entries, entries));
     }
     plan.Header().samplingInterval = interval;
 }
@@ -114,8 +116,8 @@ int32_t HoldingOf(Planning& plan, const Node& channel, const reading::Scale& sca
     const Node node = own ? own : channel["holding"];
     if (!node) return 0;
     const Measure measure = {kCodes, &scale};
-    return static_cast<int32_t>(Rounded(node, AmountOf(node, plan.occurrence.names, measure),
-                                        INT16_MIN, INT16_MAX));
+    return static_cast<int32_t>(
+        Rounded(node, AmountOf(node, plan.occurrence.names, measure), INT16_MIN, INT16_MAX));
 }
 
 void PlanHeaderFields(Planning& plan) {
@@ -141,8 +143,7 @@ void PlanHeaderFields(Planning& plan) {
 
 void PlanPoints(Planning& plan, int64_t longest) {
     const Node node = plan.Field("epochPoints");
-    const double points =
-        node ? plan.Amount(node, kSamples) : static_cast<double>(longest);
+    const double points = node ? plan.Amount(node, kSamples) : static_cast<double>(longest);
     const Node& blamed = node ? node : plan.epoch;
     plan.Header().epochPoints = static_cast<int32_t>(
         Rounded(blamed, points, 1, static_cast<double>(kMostSamples) / plan.planned.Entries()));
@@ -169,15 +170,17 @@ void PlanChannels(Planning& plan, const std::vector<Node>& channels) {
 void PlanStimuli(Planning& plan, const Node& stimuli) {
     std::vector<Node> channels;
     for (size_t k = 0; k < stimuli.value->items.size(); ++k) {
-        channels.push_back(
-            ChannelNode(plan.protocol, stimuli.Item(k), stimuli.value->names[k]));
+        channels.push_back(ChannelNode(plan.protocol, stimuli.Item(k), stimuli.value->names[k]));
     }
     PlanChannels(plan, channels);
     int64_t longest = 0;
     for (size_t k = 0; k < channels.size(); ++k) {
         const reading::Scale scale = StimulusScaleOf(plan.planned, k);
-        const StimulusSetting setting = {plan.occurrence.names, scale, plan.Header().samplingInterval,
-                                         plan.planned.holding[k], IsLeakHeld(plan),
+        const StimulusSetting setting = {plan.occurrence.names,
+                                         scale,
+                                         plan.Header().samplingInterval,
+                                         plan.planned.holding[k],
+                                         IsLeakHeld(plan),
                                          plan.occurrence.divisor};
         plan.planned.content.stimuli.push_back(PlanStimulus(stimuli.Item(k), setting));
         longest = std::max(longest, LengthOf(plan.planned.content.stimuli.back()));
@@ -220,8 +223,8 @@ void CheckStimuli(const Planning& plan, const Node& stimuli) {
         const std::string why = reading::WhyNotComputed(content, k);
         if (!why.empty()) stimuli.Item(k).Fail(why);
         if (!reading::FillsEpoch(content.stimuli[k], content.header.epochPoints)) {
-            stimuli.Item(k).Fail(
-                fmt::format("its lengths are not the epoch's {} points", content.header.epochPoints));
+            stimuli.Item(k).Fail(fmt::format("its lengths are not the epoch's {} points",
+                                             content.header.epochPoints));
         }
     }
 }

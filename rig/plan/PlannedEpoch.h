@@ -22,12 +22,12 @@ struct SealStep {
 
 struct PlannedEpoch {
     reading::EpochContent content;
-    std::string inputs, outputs;       // as ITCSetSeq has them
-    std::vector<int32_t> holding;      // of each entry [DAC codes]
+    std::string inputs, outputs;   // as ITCSetSeq has them
+    std::vector<int32_t> holding;  // of each entry [DAC codes]
     std::vector<float> excitatory, inhibitory;
-    int64_t pause = 0;                 // before it, at the holding levels [µs]
+    int64_t pause = 0;  // before it, at the holding levels [µs]
     bool waitsForTrigger = false;
-    Settings settings;                 // that the player is told before
+    Settings settings;  // that the player is told before
     std::optional<SealStep> seal;
 
     int32_t Entries() const { return content.header.sequenceLength; }

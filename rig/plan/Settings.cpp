@@ -37,7 +37,8 @@ Setting SettingOf(const Node& node, std::string name, const Names& names) {
     return setting;
 }
 
-void Flatten(const Node& object, const std::string& before, const Names& names, Settings& settings) {
+void Flatten(const Node& object, const std::string& before, const Names& names,
+             Settings& settings) {
     for (size_t k = 0; k < object.value->items.size(); ++k) {
         const Node item = object.Item(k);
         const std::string name = before + object.value->names[k];
@@ -61,8 +62,7 @@ const PlayerSettingInfo* Find(std::span<const PlayerSettingInfo> known, std::str
     for (const PlayerSettingInfo& info : known) names.emplace_back(info.name);
     const std::string_view nearest = Nearest(setting.name, names);
     setting.node.Fail(fmt::format("the player knows no setting {}{}", setting.name,
-                                  nearest.empty() ? ""
-                                                  : fmt::format("; is {} meant?", nearest)));
+                                  nearest.empty() ? "" : fmt::format("; is {} meant?", nearest)));
 }
 
 bool IsChoice(std::string_view choices, std::string_view text) {

@@ -13,8 +13,8 @@ namespace corvantis::rig {
 struct StimulusSetting {
     const Names& names;
     const reading::Scale& scale;
-    int32_t interval = 0;  // [µs]
-    int32_t holding = 0;   // `mean` unless one is given [DAC codes]
+    int32_t interval = 0;    // [µs]
+    int32_t holding = 0;     // `mean` unless one is given [DAC codes]
     bool holdsMean = false;  // of a play for leak subtraction: whatever is given
     int32_t divisor = 1;     // of amplitudes
 };

@@ -11,9 +11,9 @@ namespace {
 
 template <class Number>
 void StoreWhole(const Amount& amount, void* place) {
-    const auto number = static_cast<Number>(
-        Rounded(amount.node, amount.value, double{std::numeric_limits<Number>::min()},
-                double{std::numeric_limits<Number>::max()}));
+    const auto number = static_cast<Number>(Rounded(amount.node, amount.value,
+                                                    double{std::numeric_limits<Number>::min()},
+                                                    double{std::numeric_limits<Number>::max()}));
     std::memcpy(place, &number, sizeof number);
 }
 

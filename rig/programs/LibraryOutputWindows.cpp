@@ -4,8 +4,8 @@
 
 #include <cstdio>
 
-#include "programs/LibraryOutput.h"
 #include "files/Failure.h"
+#include "programs/LibraryOutput.h"
 
 namespace corvantis::rig {
 

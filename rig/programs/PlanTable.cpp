@@ -1,8 +1,8 @@
 // A line an entry: when, how long, which stimulus, how far it reaches.
 #include "programs/PlanTable.h"
 
-#include <algorithm>
 #include <fmt/format.h>
+#include <algorithm>
 
 #include "stimuli/StimulusWords.h"
 #include "text/Text.h"

@@ -3,13 +3,13 @@
 
 #include <optional>
 
+#include "files/Failure.h"
+#include "files/NewFile.h"
+#include "player/PlayerLibrary.h"
 #include "programs/LibraryOutput.h"
 #include "programs/PlanTable.h"
 #include "programs/RecordOptions.h"
 #include "programs/Watching.h"
-#include "files/Failure.h"
-#include "files/NewFile.h"
-#include "player/PlayerLibrary.h"
 #include "protocol/FieldRules.h"
 #include "session/FileComment.h"
 #include "session/Interruption.h"
@@ -81,10 +81,11 @@ void RequireNew(const std::string& path) {
 
 void RefuseWrapping(const PlanTotals& totals, const RecordOptions& options) {
     if (totals.wrapped == 0 || options.allowWrapping) return;
-    throw Failure(fmt::format("{} points in {} epochs, first in epoch {}, are beyond the converter's "
-                              "range and would wrap to its other end; see --check, or allow it by "
-                              "--allow-wrapping",
-                              totals.wrapped, totals.wrappedEpochs, totals.firstWrapped + 1));
+    throw Failure(
+        fmt::format("{} points in {} epochs, first in epoch {}, are beyond the converter's "
+                    "range and would wrap to its other end; see --check, or allow it by "
+                    "--allow-wrapping",
+                    totals.wrapped, totals.wrappedEpochs, totals.firstWrapped + 1));
 }
 
 int Record(const RecordOptions& options, const RecordingPlan& plan,

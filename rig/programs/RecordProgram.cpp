@@ -1,8 +1,8 @@
 // The program corvantis-record: its command line.
 #include <CLI/CLI.hpp>
 
-#include "programs/RigProgram.h"
 #include "programs/RecordOptions.h"
+#include "programs/RigProgram.h"
 
 namespace corvantis::rig {
 namespace {

@@ -3,8 +3,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "programs/Watching.h"
 #include "player/SharedLibrary.h"
+#include "programs/Watching.h"
 
 namespace corvantis::rig {
 namespace {

@@ -18,8 +18,8 @@ struct UnitOfTime {
     double microseconds;
 };
 
-constexpr UnitOfTime kTimes[] = {{"us", 1},         {"\xC2\xB5s", 1}, {"\xCE\xBCs", 1},
-                                 {"ms", 1000},      {"s", 1e6},       {"min", 60e6}};
+constexpr UnitOfTime kTimes[] = {{"us", 1},    {"\xC2\xB5s", 1}, {"\xCE\xBCs", 1},
+                                 {"ms", 1000}, {"s", 1e6},       {"min", 60e6}};
 constexpr std::string_view kMicroseconds = "\xC2\xB5s";
 
 std::optional<double> Microseconds(std::string_view unit) {

@@ -16,9 +16,9 @@ bool IsOneOf(std::string_view name, std::initializer_list<std::string_view> name
 
 // What the library or the recording program sets.
 bool IsSetOtherwise(std::string_view name) {
-    return IsOneOf(name, {"epochTime", "epochComment", "sequenceLength", "channelSequence",
-                          "spareChannelBytes", "stimType", "meanOutput", "samplingInterval",
-                          "epochPoints"});
+    return IsOneOf(
+        name, {"epochTime", "epochComment", "sequenceLength", "channelSequence",
+               "spareChannelBytes", "stimType", "meanOutput", "samplingInterval", "epochPoints"});
 }
 
 std::vector<Field> HeaderFields(bool byEntry) {
@@ -56,9 +56,9 @@ FieldRule RuleOf(const Field& field) {
     rule.name = field.text.name;
     rule.meaning = field.text.meaning;
     rule.unit = field.text.unit;
-    rule.form = field.kind == FieldKind::kText                 ? Form::kText
+    rule.form = field.kind == FieldKind::kText             ? Form::kText
                 : field.count > 1 && !field.text.isByEntry ? Form::kAmounts
-                                                               : Form::kAmount;
+                                                           : Form::kAmount;
     const Range range = RangeOf(field.kind);
     rule.least = range.least;
     rule.most = range.most;
@@ -84,7 +84,8 @@ FieldRule Inner(const char* name, Form form, const ObjectRule& inner, const char
 
 const ObjectRule kFamily = {
     "family",
-    {{"values", Form::kAmounts, "the values themselves, texts of any kind, instead of the next three"},
+    {{"values", Form::kAmounts,
+      "the values themselves, texts of any kind, instead of the next three"},
      Amount("start", "", "the first value"),
      Amount("step", "", "from one value to the next"),
      Whole("count", 1, 10000, "how many values"),
@@ -102,31 +103,65 @@ const ObjectRule kConductance = {
 
 const ObjectRule kLeak = {
     "leakSubtraction",
-    {{"divisor", Form::kNumber,
-      "the stimulus divided by it is played as often before each epoch; below 0 turned round", "",
-      -100, 100, nullptr, {}, true},
+    {{"divisor",
+      Form::kNumber,
+      "the stimulus divided by it is played as often before each epoch; below 0 turned round",
+      "",
+      -100,
+      100,
+      nullptr,
+      {},
+      true},
      Amount("holding", kCodes, "the holding level of these plays, for all channels")}};
 
 const ObjectRule kSealTest = {
     "sealTest",
     {{"channel", Form::kText, "the channel of the pipette", "", 0, 0, nullptr, {}, true},
      {"step", Form::kAmount, "of the potential", kCodes, INT32_MIN, INT32_MAX, nullptr, {}, true},
-     {"points", Form::kAmount, "length of the step, and half of it before and behind", kSamples,
-      INT32_MIN, INT32_MAX, nullptr, {}, true}}};
+     {"points",
+      Form::kAmount,
+      "length of the step, and half of it before and behind",
+      kSamples,
+      INT32_MIN,
+      INT32_MAX,
+      nullptr,
+      {},
+      true}}};
 
 const ObjectRule kRig = {
     "rig",
-    {{"player", Form::kText, "the interface: simulated, or a player's library", "", 0, 0, nullptr,
-      {}, true},
+    {{"player",
+      Form::kText,
+      "the interface: simulated, or a player's library",
+      "",
+      0,
+      0,
+      nullptr,
+      {},
+      true},
      Whole("device", 0, 255, "number of the interface"),
      {"settings", Form::kSettings, "what the player is told; objects join their names by dots"}}};
 
 ObjectRule MakeChannelRule() {
     ObjectRule rule = {"channel",
-                       {{"input", Form::kPort, "analogue input, 0 to 7, or \"digital\"", "", 0, 7,
-                         nullptr, {}, true},
-                        {"output", Form::kPort, "analogue output, 0 to 3, or \"digital\"", "", 0, 3,
-                         nullptr, {}, true},
+                       {{"input",
+                         Form::kPort,
+                         "analogue input, 0 to 7, or \"digital\"",
+                         "",
+                         0,
+                         7,
+                         nullptr,
+                         {},
+                         true},
+                        {"output",
+                         Form::kPort,
+                         "analogue output, 0 to 3, or \"digital\"",
+                         "",
+                         0,
+                         3,
+                         nullptr,
+                         {},
+                         true},
                         Amount("holding", kCodes,
                                "the holding level: `mean` of stimuli that give none, and where the "
                                "output stands in the pause before")}};
@@ -164,7 +199,8 @@ FieldRule TypeField(std::vector<std::string_view> names) {
 }
 
 ObjectRule MakeStimulusRule(int32_t type) {
-    ObjectRule rule = {std::string(reading::TypeName(type)), {TypeField({reading::TypeName(type)})}};
+    ObjectRule rule = {std::string(reading::TypeName(type)),
+                       {TypeField({reading::TypeName(type)})}};
     if (type == ITC_STIMULUS_SUMMED) {
         rule.fields.push_back({"components", Form::kStimuli, "what is added up"});
         return rule;

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "document/Document.h"
 #include "ITCFileIO/RecordFields.h"
+#include "document/Document.h"
 
 namespace corvantis::rig {
 
@@ -26,8 +26,7 @@ enum class Form : uint8_t {
     kList,         // of objects of the rule `inner`
     kAmounts,      // a list of amounts
     kConductance,  // an amount, a list of numbers, or an object of the rule `inner`
-    kStimulus,     // an object of the rule of its `type`
-    kStimuli,      // a list of such objects
+    kStimuli,      // a list of objects of the rule of their `type`
     kStimulusMap,  // names of channels, each with such an object
     kSettings      // whatever the player knows
 };

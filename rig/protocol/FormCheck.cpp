@@ -110,8 +110,6 @@ void CheckField(const Node& node, const FieldRule& rule) {
             return CheckAmounts(node);
         case Form::kConductance:
             return CheckConductance(node, rule);
-        case Form::kStimulus:
-            return CheckStimulus(node);
         case Form::kStimuli:
             return CheckItems(node, Kind::kList, "a list of stimuli", CheckStimulus);
         case Form::kStimulusMap:

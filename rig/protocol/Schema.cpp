@@ -15,9 +15,7 @@ Json AmountSchema() { return {{"type", {"number", "string"}}}; }
 
 Json StimulusSchema() { return {{"$ref", "#/$defs/stimulus"}}; }
 
-Json MapSchema(const Json& inner) {
-    return {{"type", "object"}, {"additionalProperties", inner}};
-}
+Json MapSchema(const Json& inner) { return {{"type", "object"}, {"additionalProperties", inner}}; }
 
 Json ListSchema(const Json& inner) { return {{"type", "array"}, {"items", inner}}; }
 
@@ -56,11 +54,9 @@ Json FormSchema(const FieldRule& rule) {
         case Form::kAmounts:
             return ListSchema(AmountSchema());
         case Form::kConductance:
-            return {{"anyOf",
-                     {AmountSchema(), ListSchema({{"type", "number"}}),
-                      ObjectSchema(*rule.inner)}}};
-        case Form::kStimulus:
-            return StimulusSchema();
+            return {
+                {"anyOf",
+                 {AmountSchema(), ListSchema({{"type", "number"}}), ObjectSchema(*rule.inner)}}};
         case Form::kStimuli:
             return ListSchema(StimulusSchema());
         case Form::kStimulusMap:

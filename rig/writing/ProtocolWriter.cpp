@@ -61,9 +61,9 @@ std::string ChannelName(Writing& writing, const Epoch& epoch, int32_t entry) {
 Json RecordOf(Writing& writing, const Epoch& epoch, int32_t entry, int32_t component) {
     CorvantisProblem problem = {};
     CorvantisStimulusRecord record;
-    Require(CorvantisParameters(writing.recording, epoch.number, entry, component, &record,
-                                &problem),
-            problem);
+    Require(
+        CorvantisParameters(writing.recording, epoch.number, entry, component, &record, &problem),
+        problem);
     CorvantisTypeInfo type;
     CorvantisType(record.type, &type);
     Json json = {{"type", type.name}};
@@ -103,9 +103,8 @@ bool IsReproducible(Writing& writing, const Epoch& epoch) {
     CorvantisDoubt doubt = {};
     CorvantisProblem problem = {};
     int16_t none;
-    const int32_t result =
-        CorvantisStimulus(writing.recording, epoch.number, CORVANTIS_ALL_ENTRIES, 0, 0, &none, 0,
-                          &doubt, &problem);
+    const int32_t result = CorvantisStimulus(writing.recording, epoch.number, CORVANTIS_ALL_ENTRIES,
+                                             0, 0, &none, 0, &doubt, &problem);
     if (result == CORVANTIS_NO_STIMULUS) {
         Remark(writing, epoch, fmt::format("left out: {}", problem.text + problem.reason));
         return false;
@@ -152,7 +151,8 @@ bool ReadHeader(Writing& writing, Epoch& epoch) {
         return false;
     }
     Require(result, problem);
-    Require(CorvantisEpochHeader(writing.recording, epoch.number, &epoch.header, &problem), problem);
+    Require(CorvantisEpochHeader(writing.recording, epoch.number, &epoch.header, &problem),
+            problem);
     return true;
 }
 

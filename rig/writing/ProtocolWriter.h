@@ -1,4 +1,5 @@
-// The protocol of a recording, with every amount as it was stored, so that it can be recorded again.
+// The protocol of a recording, with every amount as it was stored, so that it can be recorded
+// again.
 #pragma once
 
 #include <string>

@@ -47,14 +47,17 @@ TEST(Protocol, SaysLineAndFieldOfWhatCannotBe) {
     } cases[] = {
         {"{\n\"epochs\": [}", "p.json:2: no JSON: "},
         {"{\"epoch\": []}", "p.json:1: epoch: no such field of protocol; is \"epochs\" meant?"},
-        {"{\"epochs\": [\n{\"repeats\": 1,\n\"repeats\": 2}]}", "p.json:3: \"repeats\" stands here twice"},
+        {"{\"epochs\": [\n{\"repeats\": 1,\n\"repeats\": 2}]}",
+         "p.json:3: \"repeats\" stands here twice"},
         {"{\"epochs\": [\n{\"pause\": [\n1\n]}]}", "p.json:2: epochs[0].pause: is to be a number"},
-        {"{\"epochs\": [\n{\"trigger\": 1\n}]}", "p.json:2: epochs[0].trigger: is to be true or false"},
+        {"{\"epochs\": [\n{\"trigger\": 1\n}]}",
+         "p.json:2: epochs[0].trigger: is to be true or false"},
         {"{\"epochs\": [{}]}", "p.json:1: epochs[0]: lacks stimuli"},
         {WithStimulus("\"amplitude\": \"3 mV\""),
          "p.json:4: epochs[0].stimuli.cell.amplitude: \"mV\" cannot be taken here; allowed are pA"},
         {WithStimulus("\"amplitud\": 3"),
-         "p.json:4: epochs[0].stimuli.cell.amplitud: no such field of pulse; is \"amplitude\" meant?"},
+         "p.json:4: epochs[0].stimuli.cell.amplitud: no such field of pulse; is \"amplitude\" "
+         "meant?"},
         {WithStimulus("\"points\": \"3 pA\""),
          "p.json:4: epochs[0].stimuli.cell.points: \"pA\" cannot be taken here; allowed are s, ms"},
         {WithStimulus("\"amplitude\": \"{x}\""), "no family is called x"},
@@ -64,8 +67,8 @@ TEST(Protocol, SaysLineAndFieldOfWhatCannotBe) {
         {WithStimulus("\"points\": 4", ",\n\"samplingInterval\": 3"), "stands here twice"},
     };
     for (const auto& [text, problem] : cases) {
-        EXPECT_NE(ProblemOf(text).find(problem), std::string::npos)
-            << problem << "\n" << ProblemOf(text);
+        EXPECT_NE(ProblemOf(text).find(problem), std::string::npos) << problem << "\n"
+                                                                    << ProblemOf(text);
     }
 }
 
@@ -84,8 +87,8 @@ TEST(Plan, RoundsAmountsOnce) {
     const struct {
         const char* amount;
         int32_t code;
-    } cases[] = {{"\"120 pA\"", 960}, {"\"0.12 nA\"", 960},        {"\"0.0625 pA\"", 1},
-                 {"\"-0.0625 pA\"", -1}, {"\"0.06 pA\"", 0},        {"17", 17},
+    } cases[] = {{"\"120 pA\"", 960},         {"\"0.12 nA\"", 960},     {"\"0.0625 pA\"", 1},
+                 {"\"-0.0625 pA\"", -1},      {"\"0.06 pA\"", 0},       {"17", 17},
                  {"\"100 pA - 20 pA\"", 640}, {"\"10 pA + -1 pA\"", 72}};
     for (const auto& [amount, code] : cases) {
         const auto epochs =

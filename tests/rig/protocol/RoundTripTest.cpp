@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -78,6 +79,27 @@ TEST_F(Recording, OfEveryTypeIsRecordedAgainBitForBit) {
 }
 
 TEST_F(Recording, OfTheDemoIsRecordedAgainBitForBit) { ExpectSameAgain(DEMO_PROTOCOL, 0); }
+
+TEST_F(Recording, IsWhatEveryExampleAsksFor) {
+    for (const auto& file : std::filesystem::directory_iterator(PROTOCOL_EXAMPLES)) {
+        EXPECT_EQ(Record(file.path().string() + " --check"), 0) << file.path() << Messages();
+    }
+}
+
+// Paced in real time, so that the signal comes in mid-epoch: 0.4 s each.
+TEST_F(Recording, EndsAfterTheEpochThatIsInterrupted) {
+    Write("slow.json", R"({"rig": {"player": "simulated",
+        "settings": {"interface": {"pacing": "realTime"}}},
+        "channels": {"cell": {"input": 0, "output": 0}}, "epochs": [
+        {"samplingInterval": 100, "repeats": 50, "stimuli": {"cell":
+          {"type": "pulse", "amplitude": 8, "points": 4000}}}]})");
+    EXPECT_EQ(Run("timeout --preserve-status -s INT 0.6 " RECORD_PROGRAM " slow.json -o a.dat"), 1);
+    EXPECT_NE(Messages().find("epochs 1 to 2 of 50 are in a.dat"), std::string::npos) << Messages();
+    // Killed, all that is saved is there.
+    Run("timeout -s KILL 0.6 " RECORD_PROGRAM " slow.json -o b.dat");
+    EXPECT_EQ(Run(PROTOCOL_PROGRAM " b.dat"), 0) << Messages();
+    EXPECT_NE(Content(folder.File("out.txt")).find("epochPoints"), std::string::npos);
+}
 
 TEST_F(Recording, NeverOverwritesAndSaysSimulated) {
     Write("types.json", kAllTypes);

@@ -46,9 +46,13 @@ int32_t DeviceOf(const Protocol& protocol) {
     return device ? static_cast<int32_t>(device.value->number) : 0;
 }
 
-// Of the rig, and of each epoch, by what the player says that it knows.
-Settings CheckAllSettings(const Protocol& protocol, const PlayerLibrary& library) {
-    Settings settings = RigSettings(protocol);
+// Of the rig, which are returned, and of each epoch: by what the player says that it knows.
+Settings CheckAllSettings(const RecordingPlan& plan, const PlayerLibrary& library) {
+    for (const Occurrence& epoch : plan.epochs) {
+        const Node node = plan.protocol.FieldOf(plan.protocol.Epoch(epoch.epoch), "settings");
+        CheckSettings(SettingsOf(node, epoch.names), library.Settings());
+    }
+    Settings settings = RigSettings(plan.protocol);
     CheckSettings(settings, library.Settings());
     return settings;
 }
@@ -93,7 +97,7 @@ int Record(const RecordOptions& options, const RecordingPlan& plan,
     const PlanTotals totals = SurveyPlan(plan.protocol, plan.epochs, plan.first, nullptr);
     RefuseWrapping(totals, options);
     const PlayerLibrary library = LoadPlayer(plan.protocol);
-    const Settings settings = CheckAllSettings(plan.protocol, library);
+    const Settings settings = CheckAllSettings(plan, library);
     RequireNew(options.output);
     RequireNew(ProtocolPath(options.output));
     const std::string comment =
@@ -111,20 +115,20 @@ int Record(const RecordOptions& options, const RecordingPlan& plan,
 }
 
 // Settings too, where the player can be loaded here: a check needs no device.
-void CheckPlayer(const Protocol& protocol, const tool::Terminal& terminal) {
-    if (!protocol.Root()["rig"]) return;
+void CheckPlayer(const RecordingPlan& plan, const tool::Terminal& terminal) {
+    if (!plan.protocol.Root()["rig"]) return;
     std::optional<PlayerLibrary> library;
     try {
-        library.emplace(LoadPlayer(protocol));
+        library.emplace(LoadPlayer(plan.protocol));
     } catch (const Failure& failure) {
         terminal.Say("settings are not checked: {}\n", std::string(failure.what()));
         return;
     }
-    CheckAllSettings(protocol, *library);
+    CheckAllSettings(plan, *library);
 }
 
 int Check(const RecordingPlan& plan, const tool::Terminal& terminal) {
-    CheckPlayer(plan.protocol, terminal);
+    CheckPlayer(plan, terminal);
     const PlanTotals totals = SurveyPlan(plan.protocol, plan.epochs, plan.first, &terminal);
     CommentOf(plan.protocol, true, plan.first);
     terminal.Print("{} epochs, {:.3f} s\n", plan.epochs.size() - plan.first,

@@ -39,7 +39,7 @@ foreach(module ${PKGCONFIG_MODULES})
     install(FILES ${PROJECT_BINARY_DIR}/${module}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 endforeach()
 
-install(FILES docs/recording.schema.json DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/corvantis)
+install(FILES docs/recording.schema.json docs/protocol.schema.json DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/corvantis)
 
 if(WIN32)
     include(cmake/WindowsPackage.cmake)

@@ -14,6 +14,8 @@
 namespace corvantis {
 
 inline constexpr uint32_t kPipelineLength = 5;
+// Of inputs and outputs, in files of this library.
+inline constexpr float kCountsPerVolt = 3200.0F;
 inline constexpr uint32_t kLargestType = ITC_STIMULUS_SPATIAL;
 
 // A column of the table: without a default, so that a row which leaves one out does not compile.

@@ -23,8 +23,6 @@ float* InhibitoryG = nullptr;
 namespace corvantis {
 namespace {
 
-constexpr float kCountsPerVolt = 3200.0F;
-
 // What a global still points to although the library has released it.
 const void* releasedFileHeader = nullptr;
 const void* releasedEpochHeader = nullptr;

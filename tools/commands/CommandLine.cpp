@@ -27,7 +27,8 @@ The exit status is 0 if all is well, 1 if check has findings, repair dropped som
 could not give an epoch or a stimulus for certain, 2 if a file cannot be used or the command line is
 wrong. Of several files it is the worst.
 
-Any other sub-command X runs the program corvantis-X from the path.)";
+Any other sub-command X runs the program corvantis-X that lies beside this one or in the path: record
+records the epochs of a protocol, and protocol writes the protocol of a recording (corvantis record --help).)";
 
 constexpr char kExamplesHeading[] = "Examples:\n";
 

@@ -1,0 +1,24 @@
+// What would be played, as a table for people.
+#pragma once
+
+#include "output/Terminal.h"
+#include "plan/Levels.h"
+#include "plan/Occurrences.h"
+
+namespace corvantis::rig {
+
+// What all epochs together need and take.
+struct PlanTotals {
+    int64_t samples = 0;       // of the longest epoch
+    int64_t microseconds = 0;  // with pauses
+    int64_t wrapped = 0;       // samples beyond the converter's range
+    int64_t wrappedEpochs = 0;
+    size_t firstWrapped = 0;
+};
+
+// Plans every epoch and computes its stimulus; prints a line for each if there is a table to print.
+// Throws a Failure.
+PlanTotals SurveyPlan(const Protocol& protocol, const std::vector<Occurrence>& epochs, size_t first,
+                      const tool::Terminal* table);
+
+}  // namespace corvantis::rig

@@ -1,0 +1,27 @@
+// What a recording's comment says of its protocol, and finding it again.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace corvantis::rig {
+
+struct Origin {
+    std::string digest;  // of the protocol's text, SHA-256
+    int64_t first = 0;   // of its epochs, where the recording begins
+};
+
+// Throws a Failure if the author's own comment leaves no room for the rest.
+std::string FileComment(std::string_view comment, bool isSimulated, const Origin& origin);
+
+// What the comment ends with; nothing where it ends otherwise.
+std::optional<Origin> OriginOf(std::string_view comment);
+// The author's own part.
+std::string OwnComment(std::string_view comment);
+
+// Where the text of a recording's protocol lies.
+std::string ProtocolPath(const std::string& recording);
+
+}  // namespace corvantis::rig

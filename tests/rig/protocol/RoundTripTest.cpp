@@ -1,0 +1,158 @@
+// Recording, protocol, recording: the same stimuli as they were played; and recordings that end
+// early.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "LibrarySession.h"
+#include "protocol/FieldRules.h"
+
+namespace {
+
+using corvantis_test::TemporaryFolder;
+
+std::string Content(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+class Recording : public testing::Test {
+  protected:
+    int Run(const std::string& command) const {
+        const int status = std::system(
+            ("cd " + folder.path.string() + "; " + command + " >out.txt 2>messages.txt").c_str());
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    int Record(const std::string& arguments) const { return Run(RECORD_PROGRAM " " + arguments); }
+    std::string Messages() const { return Content(folder.File("messages.txt")); }
+    void Write(const std::string& name, const std::string& text) const {
+        std::ofstream(folder.File(name)) << text;
+    }
+    // Ends with 1 where noise begins by going on, which the file alone cannot vouch for.
+    void ExpectSameAgain(const std::string& protocol, int remarks) const {
+        ASSERT_EQ(Record(protocol + " -q -o a.dat --played a.played"), 0) << Messages();
+        ASSERT_EQ(Run(PROTOCOL_PROGRAM " a.dat -o again.json"), remarks) << Messages();
+        ASSERT_EQ(Record("again.json -q -o b.dat --played b.played --allow-wrapping"), 0)
+            << Messages();
+        ASSERT_GT(Content(folder.File("a.played")).size(), 100U);
+        EXPECT_TRUE(Content(folder.File("a.played")) == Content(folder.File("b.played")));
+        EXPECT_EQ(Content(folder.File("a.dat")).size(), Content(folder.File("b.dat")).size());
+    }
+    const TemporaryFolder folder;
+};
+
+constexpr char kAllTypes[] = R"({
+"channels": {"cell": {"input": 0, "output": 0, "inputUnits": "mV", "outputUnits": "pA",
+                      "ampGain": 0.01, "convFactor": 400, "ndf": 0.3, "ampMode": -1},
+             "other": {"input": 1, "output": 1, "convFactor": 1, "outputUnits": "V"},
+             "lines": {"input": "digital", "output": "digital"}},
+"defaults": {"samplingInterval": 120, "epochPoints": 501, "temperature": 31.7, "pause": "10 ms",
+             "userValue": [0.1, 0, 3]},
+"epochs": [
+ {"comment": "braces {{1}}", "stimuli": {
+  "cell": {"type": "noise", "amplitude": "20 pA", "mean": 3, "seed": -1, "cutoffFrequency": 500,
+           "filterOrder": 3, "prePoints": 7},
+  "other": {"type": "segmented noise", "amplitude": 300, "seed": -5, "segmentPoints": 13}}},
+ {"stimuli": {"cell": {"type": "summed", "components": [
+  {"type": "sine", "amplitude": 100, "period": "2.4 ms", "prePoints": 3},
+  {"type": "binary noise", "amplitude": 40, "seed": 77, "segmentPoints": 11, "points": 400},
+  {"type": "ramp", "amplitude": -900, "points": 300}]}}},
+ {"stimuli": {"cell": {"type": "segmented noise", "amplitude": 200, "seed": -1, "segmentPoints": 9},
+  "other": {"type": "alternating voltage", "amplitude": 500, "halfPeriod": 25},
+  "lines": {"type": "pulse", "amplitude": 5, "points": 9}}},
+ {"pointsLatency": 6, "stimuli": {"cell": {"type": "dynamic clamp", "excitatoryReversal": "0 mV",
+  "inhibitoryReversal": "-70.1 mV", "excitatory": {"peak": "1 nS", "rise": "0.5 ms",
+  "decay": "3 ms", "rate": "100 Hz", "seed": 4}, "inhibitory": "0.3 nS"}}},
+ {"stimuli": {"cell": {"type": "spatial", "points": 501}}},
+ {"stimuli": {"cell": {"type": "noise", "amplitude": 99, "seed": 1, "cutoffFrequency": 50,
+  "filterOrder": 1}}}]})";
+
+TEST_F(Recording, OfEveryTypeIsRecordedAgainBitForBit) {
+    Write("types.json", kAllTypes);
+    ExpectSameAgain("types.json", 1);
+}
+
+TEST_F(Recording, OfTheDemoIsRecordedAgainBitForBit) { ExpectSameAgain(DEMO_PROTOCOL, 0); }
+
+TEST_F(Recording, IsWhatEveryExampleAsksFor) {
+    for (const auto& file : std::filesystem::directory_iterator(PROTOCOL_EXAMPLES)) {
+        EXPECT_EQ(Record(file.path().string() + " --check"), 0) << file.path() << Messages();
+    }
+}
+
+// Paced in real time, so that the signal comes in mid-epoch: 0.4 s each.
+TEST_F(Recording, EndsAfterTheEpochThatIsInterrupted) {
+    Write("slow.json", R"({"rig": {"player": "simulated",
+        "settings": {"interface": {"pacing": "realTime"}}},
+        "channels": {"cell": {"input": 0, "output": 0}}, "epochs": [
+        {"samplingInterval": 100, "repeats": 50, "stimuli": {"cell":
+          {"type": "pulse", "amplitude": 8, "points": 4000}}}]})");
+    EXPECT_EQ(Run("timeout --preserve-status -s INT 0.6 " RECORD_PROGRAM " slow.json -o a.dat"), 1);
+    EXPECT_NE(Messages().find("epochs 1 to 2 of 50 are in a.dat"), std::string::npos) << Messages();
+    // Killed, all that is saved is there.
+    Run("timeout -s KILL 0.6 " RECORD_PROGRAM " slow.json -o b.dat");
+    EXPECT_EQ(Run(PROTOCOL_PROGRAM " b.dat"), 0) << Messages();
+    EXPECT_NE(Content(folder.File("out.txt")).find("epochPoints"), std::string::npos);
+}
+
+TEST_F(Recording, NeverOverwritesAndSaysSimulated) {
+    Write("types.json", kAllTypes);
+    ASSERT_EQ(Record("types.json -q -o a.dat"), 0);
+    const std::string before = Content(folder.File("a.dat"));
+    EXPECT_EQ(before.substr(8, 10), "SIMULATED:");
+    EXPECT_EQ(Content(folder.File("a.dat.protocol.json")), kAllTypes);
+    EXPECT_EQ(Record("types.json -q -o a.dat"), 2);
+    EXPECT_TRUE(Content(folder.File("a.dat")) == before);
+}
+
+TEST_F(Recording, GoesOnInANewFileWhereTheDiskWasFull) {
+    Write("types.json", R"({"channels": {"cell": {"input": 0, "output": 0}}, "epochs": [
+        {"samplingInterval": 100, "repeats": 6, "stimuli": {"cell":
+          {"type": "pulse", "amplitude": 8, "points": 2000}}}]})");
+    // Room for three epochs of some 5 KiB, in blocks of 512 bytes.
+    EXPECT_EQ(Run("ulimit -f 32; " RECORD_PROGRAM " types.json -o a.dat --wait-for-room 0"), 1);
+    EXPECT_NE(Messages().find("epoch 4 is lost"), std::string::npos) << Messages();
+    EXPECT_NE(Messages().find("epochs 1 to 3 of 6 are in a.dat"), std::string::npos);
+    EXPECT_NE(Messages().find("--resume a.dat"), std::string::npos);
+    ASSERT_EQ(Record("--resume a.dat -o b.dat"), 0) << Messages();
+    EXPECT_NE(Messages().find("epoch 4 of 6"), std::string::npos);
+    EXPECT_EQ(Record("--resume b.dat -o c.dat"), 2);
+    EXPECT_NE(Messages().find("last epoch already"), std::string::npos) << Messages();
+}
+
+TEST_F(Recording, KeepsItsEpochsWhereTheInterfaceIsLost) {
+    Write("lost.json", R"({"rig": {"player": "simulated",
+        "settings": {"interface": {"loseAt": 450}}},
+        "channels": {"cell": {"input": 0, "output": 0}}, "epochs": [
+        {"samplingInterval": 100, "repeats": 6, "stimuli": {"cell":
+          {"type": "pulse", "amplitude": 8, "points": 2000}}}]})");
+    EXPECT_EQ(Record("lost.json -o a.dat"), 1) << Messages();
+    EXPECT_NE(Messages().find("epoch 3 is lost"), std::string::npos) << Messages();
+    EXPECT_EQ(Run(PROTOCOL_PROGRAM " a.dat"), 0) << Messages();
+}
+
+TEST_F(Recording, NamesTheLineOfASettingThatThePlayerDoesNotKnow) {
+    Write("p.json",
+          "{\"rig\": {\"player\": \"simulated\", \"settings\": {\n\"interface\": "
+          "{\"pacin\": \"fast\"}}},\n\"channels\": {\"c\": {\"input\": 0, \"output\": 0}}, "
+          "\"epochs\": [{\"samplingInterval\": 50, \"stimuli\": {\"c\": {\"type\": "
+          "\"pulse\", \"points\": 9}}}]}");
+    EXPECT_EQ(Record("p.json --check"), 2);
+    EXPECT_NE(Messages().find("p.json:2: rig.settings.interface.pacin: the player knows no setting "
+                              "interface.pacin; is interface.pacing meant?"),
+              std::string::npos)
+        << Messages();
+}
+
+TEST(Schema, IsWhatTheDocumentsHold) {
+    EXPECT_TRUE(corvantis::rig::SchemaText() == Content(PROTOCOL_SCHEMA))
+        << "renew it by corvantis record --schema";
+}
+
+}  // namespace

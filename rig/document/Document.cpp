@@ -38,8 +38,8 @@ class CountingIterator {
         if (*at_++ == '\n') ++position_->line;
         return *this;
     }
-    CountingIterator operator++(int) {
-        CountingIterator before = *this;
+    const CountingIterator operator++(int) {  // NOLINT(readability-const-return-type)
+        const CountingIterator before = *this;
         ++*this;
         return before;
     }

@@ -52,12 +52,12 @@ Event EventOf(const Node& node, const Timing& timing) {
 void AddEvent(std::vector<double>& conductance, const Event& event, double time) {
     constexpr double kGone = 40;  // decays
     const double begin = std::max(0.0, std::ceil(time));
-    for (double point = begin; point < static_cast<double>(conductance.size()); ++point) {
-        const double since = point - time;
+    if (begin >= static_cast<double>(conductance.size())) return;
+    for (auto point = static_cast<size_t>(begin); point < conductance.size(); ++point) {
+        const double since = static_cast<double>(point) - time;
         if (since > kGone * event.decay) return;
         const double early = event.rise > 0 ? std::exp(-since / event.rise) : 0;
-        conductance[static_cast<size_t>(point)] +=
-            event.peak * event.scale * (std::exp(-since / event.decay) - early);
+        conductance[point] += event.peak * event.scale * (std::exp(-since / event.decay) - early);
     }
 }
 

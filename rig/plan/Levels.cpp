@@ -3,6 +3,7 @@
 #include "plan/Levels.h"
 
 #include <algorithm>
+#include <array>
 #include <span>
 
 #include "ITCFileIO/StimulusTypes.h"
@@ -29,10 +30,10 @@ bool IsBeyond(int64_t level) { return level < INT16_MIN || level > INT16_MAX; }
 // An amplitude or a mean that no sample can tell.
 bool IsHidden(const reading::Stimulus& stimulus) {
     const FieldPlaces& places = reading::RowOf(stimulus.type).places.Get();
-    for (const int32_t place : {places.amplitude, places.mean}) {
-        if (place >= 0 && IsBeyond(WholeAt(stimulus.record.data(), place))) return true;
-    }
-    return false;
+    const std::array given = {places.amplitude, places.mean};
+    return std::ranges::any_of(given, [&](int32_t place) {
+        return place >= 0 && IsBeyond(WholeAt(stimulus.record.data(), place));
+    });
 }
 
 struct Sum {

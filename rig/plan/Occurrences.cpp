@@ -33,8 +33,10 @@ std::vector<std::string> SteppedValues(const Node& family) {
     if (!start || !step || !count) family.Fail("takes values, or start, step and count");
     const Term first = OnlyTerm(start, {}), each = OnlyTerm(step, {});
     if (first.unit != each.unit) step.Fail("is to have the unit of start, " + first.unit);
+    const auto steps = static_cast<int32_t>(count.value->number);
     std::vector<std::string> values;
-    for (int32_t k = 0; k < static_cast<int32_t>(count.value->number); ++k) {
+    values.reserve(static_cast<size_t>(steps));
+    for (int32_t k = 0; k < steps; ++k) {
         values.push_back(ValueText(first.number + k * each.number, first.unit));
     }
     return values;

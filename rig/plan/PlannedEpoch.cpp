@@ -78,7 +78,7 @@ char PortLetter(uint32_t port, uint32_t digital) {
 
 Node ChannelNode(const Protocol& protocol, const Node& stimulus, const std::string& name) {
     const Node channels = protocol.Root()["channels"];
-    if (const Node channel = channels ? channels[name] : channels) return channel;
+    if (Node channel = channels ? channels[name] : channels) return channel;
     std::vector<std::string_view> names;
     for (size_t k = 0; channels && k < channels.value->names.size(); ++k) {
         names.push_back(channels.value->names[k]);

@@ -1,10 +1,11 @@
-"""Runs a tutorial: its shell and Python blocks in order, in a clean virtual environment.
+"""Runs tutorials: their shell and Python blocks in order, in a clean virtual environment.
 
-    run_tutorial.py TUTORIAL WHEEL RECORDING IMAGES [update]
+    run_tutorial.py TUTORIAL[,TUTORIAL...] WHEEL RECORDING IMAGES [update]
 
-They run beside the wheel and the recording, `demo.dat`, and know what blocks before them defined. A
-`text` block must be what the one before it prints, and every picture look like that in IMAGES,
-where `update` puts it instead.
+They run beside the wheel and the recording, `demo.dat`, and know what blocks before them defined; a
+tutorial has what those before it made. Programs that the wheel lacks are looked for in the folder
+TUTORIAL_PROGRAMS, if it is set. A `text` block must be what the one before it prints, and every
+picture look like that in IMAGES, where `update` puts it instead.
 """
 import os
 import re
@@ -36,6 +37,7 @@ def with_packages(folder):
 def run_blocks(page, folder):
     environment = {"HOME": folder, "LANG": "C.UTF-8", "MPLBACKEND": "agg", "PIP_NO_INDEX": "1",
                    "PATH": f"{folder}/corvantis-env/bin:/usr/bin:/bin", **with_packages(folder)}
+    environment["PATH"] += ":" + os.environ.get("TUTORIAL_PROGRAMS", "/bin")
     earlier, printed = "", ""
     for language, code in BLOCK.findall(page):
         if language == "text":
@@ -59,10 +61,12 @@ def check_picture(made, kept, update):
         f"{kept} is not the picture that the page's blocks make"
 
 
-tutorial, wheel, recording, images, *update = map(Path, sys.argv[1:])
+tutorials = [Path(each).read_text() for each in sys.argv[1].split(",")]
+wheel, recording, images, *update = map(Path, sys.argv[2:])
 with tempfile.TemporaryDirectory() as folder:
     shutil.copy(wheel, folder)
     shutil.copy(recording, Path(folder, "demo.dat"))
-    run_blocks(tutorial.read_text(), folder)
-    for name in PICTURE.findall(tutorial.read_text()):
-        check_picture(Path(folder, name), images / name, update)
+    for tutorial in tutorials:
+        run_blocks(tutorial, folder)
+        for name in PICTURE.findall(tutorial):
+            check_picture(Path(folder, name), images / name, update)

@@ -2,7 +2,10 @@
 #include <dlfcn.h>
 #include <unistd.h>
 
+#include <array>
+#include <climits>
 #include <filesystem>
+#include <string>
 
 #include "player/SharedLibrary.h"
 
@@ -27,9 +30,11 @@ std::filesystem::path ProgramPath() {
 #else
 constexpr const char* kSuffix = ".so";
 
+// Not by the C++ library, which asks for the link's status first: its number may not fit 32 bits.
 std::filesystem::path ProgramPath() {
-    std::error_code unknown;
-    return std::filesystem::read_symlink("/proc/self/exe", unknown);
+    std::array<char, PATH_MAX> path;
+    const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
+    return length < 0 ? std::string() : std::string(path.data(), static_cast<size_t>(length));
 }
 #endif
 

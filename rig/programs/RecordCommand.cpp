@@ -68,6 +68,10 @@ void OpenRig(const Settings& settings, Session& session, OpenPlayer& player) {
 
 std::string CommentOf(const Protocol& protocol, bool isSimulated, size_t first) {
     const Node comment = protocol.Root()["comment"];
+    if (comment && comment.value->text.size() > CommentRoom()) {
+        comment.Fail(fmt::format("is of {} bytes, and beside the protocol's digest {} can be kept",
+                                 comment.value->text.size(), CommentRoom()));
+    }
     return FileComment(comment ? comment.value->text : std::string(), isSimulated,
                        {protocol.Digest(), static_cast<int64_t>(first)});
 }

@@ -117,6 +117,15 @@ bool IsReproducible(Writing& writing, const Epoch& epoch) {
     return true;
 }
 
+// A text as UTF-8 may be longer than it was, and beside a digest there is less room. What is cut
+// off begins with a character's first byte.
+bool Shorten(std::string& comment, size_t room) {
+    if (comment.size() <= room) return false;
+    while (room > 0 && (comment[room] & 0xC0) == 0x80) --room;
+    comment.resize(room);
+    return true;
+}
+
 std::string CommentOf(const char* bytes) {
     const std::string_view all(bytes, ITC_COMMENT_LENGTH);
     return reading::DisplayText(all.substr(0, std::min(all.find('\0'), all.size())));
@@ -124,7 +133,9 @@ std::string CommentOf(const char* bytes) {
 
 Json EpochJson(Writing& writing, const Epoch& epoch) {
     Json json = Json::object();
-    const std::string comment = CommentOf(epoch.header.epochComment);
+    std::string comment = CommentOf(epoch.header.epochComment);
+    if (Shorten(comment, ITC_COMMENT_LENGTH - 1))
+        Remark(writing, epoch, "its comment is shortened");
     if (!comment.empty()) json["comment"] = WithoutPlaceholders(comment);
     json["samplingInterval"] = epoch.header.samplingInterval;
     json["epochPoints"] = epoch.header.epochPoints;
@@ -168,6 +179,15 @@ Json Epochs(Writing& writing) {
     return epochs;
 }
 
+std::string FileCommentOf(const ITCFileHeader& header, WrittenProtocol& written) {
+    std::string comment = OwnComment(CommentOf(header.fileComment));
+    if (Shorten(comment, CommentRoom())) {
+        written.remarks.push_back(fmt::format(
+            "its comment is shortened to {} bytes, for the digest beside it", comment.size()));
+    }
+    return comment;
+}
+
 std::string Written(const std::string& recording, const Json& protocol,
                     const std::vector<std::string>& remarks) {
     std::string text = "// The protocol of " + reading::DisplayText(recording) +
@@ -188,7 +208,7 @@ WrittenProtocol ProtocolOf(const std::string& recording) {
     WrittenProtocol written;
     Writing writing = {opened, written};
     Json epochs = Epochs(writing);
-    Json protocol = {{"comment", OwnComment(CommentOf(header.fileComment))},
+    Json protocol = {{"comment", FileCommentOf(header, written)},
                      {"channels", writing.channelList},
                      {"epochs", std::move(epochs)}};
     written.text = Written(recording, protocol, written.remarks);

@@ -86,6 +86,26 @@ TEST_F(Recording, IsWhatEveryExampleAsksFor) {
     }
 }
 
+// 250 characters of 2 bytes each, which leave no room for a digest.
+TEST_F(Recording, GivesAProtocolThatIsTakenHoweverLongItsComment) {
+    Write("types.json", kAllTypes);
+    ASSERT_EQ(Record("types.json -q -o a.dat"), 0) << Messages();
+    std::string comment(ITC_COMMENT_LENGTH, '\0');
+    for (size_t k = 0; k < 250; ++k) comment.replace(2 * k, 2, "\xC3\xA9");
+    std::fstream file(folder.File("a.dat"), std::ios::in | std::ios::out | std::ios::binary);
+    file.seekp(8);
+    file << comment;
+    file.close();
+    EXPECT_EQ(Run(PROTOCOL_PROGRAM " a.dat -o again.json"), 1);
+    EXPECT_NE(Messages().find("a.dat: its comment is shortened to 362 bytes"), std::string::npos)
+        << Messages();
+    EXPECT_EQ(Record("again.json --check"), 0) << Messages();
+    Write("long.json", "{\n\"comment\": \"" + std::string(363, 'x') + "\"," + (kAllTypes + 1));
+    EXPECT_EQ(Record("long.json --check"), 2);
+    EXPECT_NE(Messages().find("long.json:2: comment: is of 363 bytes"), std::string::npos)
+        << Messages();
+}
+
 // Paced in real time, so that the signal comes in mid-epoch: 0.4 s each.
 TEST_F(Recording, EndsAfterTheEpochThatIsInterrupted) {
     Write("slow.json", R"({"rig": {"player": "simulated",

@@ -93,7 +93,7 @@ void RefuseWrapping(const PlanTotals& totals, const RecordOptions& options) {
         fmt::format("{} points in {} epochs, first in epoch {}, are beyond the converter's "
                     "range and would wrap to its other end; see --check, or allow it by "
                     "--allow-wrapping",
-                    totals.wrapped, totals.wrappedEpochs, totals.firstWrapped + 1));
+                    totals.wrapped, totals.wrappedEpochs, totals.firstWrapped));
 }
 
 int Record(const RecordOptions& options, const RecordingPlan& plan,

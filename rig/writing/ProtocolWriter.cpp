@@ -3,8 +3,12 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
 #include <map>
 #include <memory>
+#include <optional>
 
 #include "Corvantis.h"
 #include "CorvantisReading.h"
@@ -131,6 +135,24 @@ std::string CommentOf(const char* bytes) {
     return reading::DisplayText(all.substr(0, std::min(all.find('\0'), all.size())));
 }
 
+// Times are stored as floats, and a pause is no more exact than they are [s].
+double AsExactAs(float time, double pause) {
+    const double spacing = double{std::nextafter(time, std::numeric_limits<float>::max())} - time;
+    const double step = std::max(1e-6, std::pow(10, std::ceil(std::log10(spacing))));
+    return std::round(pause / step) * step;
+}
+
+// [s]; nothing where the epoch's time is not behind the one before, or a day later.
+std::optional<double> PauseBefore(const Epoch& epoch, double behind) {
+    const double pause = double{epoch.header.epochTime} - behind;
+    if (!(pause > 0 && pause < 24 * 3600)) return std::nullopt;
+    return AsExactAs(epoch.header.epochTime, pause);
+}
+
+double Seconds(const Epoch& epoch) {
+    return 1e-6 * epoch.header.samplingInterval * epoch.header.epochPoints;
+}
+
 Json EpochJson(Writing& writing, const Epoch& epoch) {
     Json json = Json::object();
     std::string comment = CommentOf(epoch.header.epochComment);
@@ -139,8 +161,8 @@ Json EpochJson(Writing& writing, const Epoch& epoch) {
     if (!comment.empty()) json["comment"] = WithoutPlaceholders(comment);
     json["samplingInterval"] = epoch.header.samplingInterval;
     json["epochPoints"] = epoch.header.epochPoints;
-    const double pause = double{epoch.header.epochTime} - writing.behind;
-    if (pause > 0 && pause < 24 * 3600) json["pause"] = ValueText(pause, "s");
+    const std::optional<double> pause = PauseBefore(epoch, writing.behind);
+    if (pause) json["pause"] = ValueText(*pause, "s");
     AddHeaderValues(json, epoch.header);
     json["stimuli"] = Json::object();
     for (int32_t entry = 0; entry < epoch.info.entries; ++entry) {
@@ -173,8 +195,10 @@ Json Epochs(Writing& writing) {
         Epoch epoch = {number, {}, {}};
         if (!ReadHeader(writing, epoch)) continue;
         if (IsReproducible(writing, epoch)) epochs.push_back(EpochJson(writing, epoch));
-        writing.behind = double{epoch.header.epochTime} +
-                         1e-6 * epoch.header.samplingInterval * epoch.header.epochPoints;
+        // By the pause that was written, so that what was rounded does not add up.
+        const std::optional<double> pause = PauseBefore(epoch, writing.behind);
+        writing.behind =
+            (pause ? writing.behind + *pause : double{epoch.header.epochTime}) + Seconds(epoch);
     }
     return epochs;
 }

@@ -76,6 +76,13 @@ constexpr char kAllTypes[] = R"({
 TEST_F(Recording, OfEveryTypeIsRecordedAgainBitForBit) {
     Write("types.json", kAllTypes);
     ExpectSameAgain("types.json", 1);
+    // As it was written, though times are stored as floats.
+    const std::string again = Content(folder.File("again.json"));
+    size_t pauses = 0;
+    for (size_t at = 0; (at = again.find("\"pause\": \"0.01 s\"", at)) != std::string::npos; ++at) {
+        ++pauses;
+    }
+    EXPECT_EQ(pauses, 6U) << again;
 }
 
 TEST_F(Recording, OfTheDemoIsRecordedAgainBitForBit) { ExpectSameAgain(DEMO_PROTOCOL, 0); }

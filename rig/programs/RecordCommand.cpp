@@ -135,7 +135,8 @@ int Check(const RecordingPlan& plan, const tool::Terminal& terminal) {
     CheckPlayer(plan, terminal);
     const PlanTotals totals = SurveyPlan(plan.protocol, plan.epochs, plan.first, &terminal);
     CommentOf(plan.protocol, true, plan.first);
-    terminal.Print("{} epochs, {:.3f} s\n", plan.epochs.size() - plan.first,
+    const size_t epochs = plan.epochs.size() - plan.first;
+    terminal.Print("{} epoch{}, {:.3f} s\n", epochs, epochs == 1 ? "" : "s",
                    1e-6 * static_cast<double>(totals.microseconds));
     return totals.wrapped == 0 ? tool::kFine : tool::kFindings;
 }

@@ -32,7 +32,10 @@ std::vector<std::string> SteppedValues(const Node& family) {
     const Node start = family["start"], step = family["step"], count = family["count"];
     if (!start || !step || !count) family.Fail("takes values, or start, step and count");
     const Term first = OnlyTerm(start, {}), each = OnlyTerm(step, {});
-    if (first.unit != each.unit) step.Fail("is to have the unit of start, " + first.unit);
+    if (first.unit != each.unit) {
+        step.Fail("is to have the unit of start, which " +
+                  (first.unit.empty() ? "has none" : "is " + first.unit));
+    }
     const auto steps = static_cast<int32_t>(count.value->number);
     std::vector<std::string> values;
     values.reserve(static_cast<size_t>(steps));

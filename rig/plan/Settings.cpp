@@ -13,7 +13,7 @@ namespace {
 
 constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
 
-// A text that is a number and its unit: "20 pF". The player's table has the unit.
+// Of a text that is a number alone, as {NAME} may become; its unit is in the player's table.
 double NumberOf(std::string_view text) {
     double number = kNoNumber;
     const auto end = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -81,8 +81,10 @@ void CheckValue(const Setting& setting, const PlayerSettingInfo& info) {
         setting.node.Fail(fmt::format("\"{}\" is none of {}", setting.text, choices));
     }
     if (setting.number >= info.least && setting.number <= info.most) return;
-    setting.node.Fail(fmt::format("\"{}\" is no number from {:g} to {:g} [{}]", setting.text,
-                                  info.least, info.most, info.unit));
+    const std::string_view unit = info.unit;
+    setting.node.Fail(fmt::format("\"{}\" is no number alone from {:g} to {:g}{}", setting.text,
+                                  info.least, info.most,
+                                  unit.empty() ? "" : fmt::format(", which is in {}", unit)));
 }
 
 }  // namespace

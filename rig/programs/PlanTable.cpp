@@ -55,7 +55,7 @@ PlanTotals SurveyPlan(const Protocol& protocol, const std::vector<Occurrence>& e
         const PlannedEpoch epoch = PlanEpoch(protocol, epochs[k]);
         const std::vector<Levels> levels = survey.Next(epoch);
         totals.microseconds += epoch.pause;
-        if (table != nullptr) PrintEpoch(*table, epoch, k + 1, totals.microseconds, levels);
+        if (table != nullptr) PrintEpoch(*table, epoch, k, totals.microseconds, levels);
         int64_t wrapped = 0;
         for (const Levels& entry : levels) wrapped += entry.wrapped;
         if (wrapped > 0 && totals.wrappedEpochs++ == 0) totals.firstWrapped = k;

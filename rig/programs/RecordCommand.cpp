@@ -68,6 +68,10 @@ void OpenRig(const Settings& settings, Session& session, OpenPlayer& player) {
 
 std::string CommentOf(const Protocol& protocol, bool isSimulated, size_t first) {
     const Node comment = protocol.Root()["comment"];
+    if (comment && comment.value->text.size() > CommentRoom()) {
+        comment.Fail(fmt::format("is of {} bytes, and beside the protocol's digest {} can be kept",
+                                 comment.value->text.size(), CommentRoom()));
+    }
     return FileComment(comment ? comment.value->text : std::string(), isSimulated,
                        {protocol.Digest(), static_cast<int64_t>(first)});
 }
@@ -89,7 +93,7 @@ void RefuseWrapping(const PlanTotals& totals, const RecordOptions& options) {
         fmt::format("{} points in {} epochs, first in epoch {}, are beyond the converter's "
                     "range and would wrap to its other end; see --check, or allow it by "
                     "--allow-wrapping",
-                    totals.wrapped, totals.wrappedEpochs, totals.firstWrapped + 1));
+                    totals.wrapped, totals.wrappedEpochs, totals.firstWrapped));
 }
 
 int Record(const RecordOptions& options, const RecordingPlan& plan,
@@ -131,7 +135,8 @@ int Check(const RecordingPlan& plan, const tool::Terminal& terminal) {
     CheckPlayer(plan, terminal);
     const PlanTotals totals = SurveyPlan(plan.protocol, plan.epochs, plan.first, &terminal);
     CommentOf(plan.protocol, true, plan.first);
-    terminal.Print("{} epochs, {:.3f} s\n", plan.epochs.size() - plan.first,
+    const size_t epochs = plan.epochs.size() - plan.first;
+    terminal.Print("{} epoch{}, {:.3f} s\n", epochs, epochs == 1 ? "" : "s",
                    1e-6 * static_cast<double>(totals.microseconds));
     return totals.wrapped == 0 ? tool::kFine : tool::kFindings;
 }

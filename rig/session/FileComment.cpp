@@ -4,9 +4,9 @@
 #include <fmt/format.h>
 
 #include <charconv>
+#include <limits>
 
 #include "Corvantis.h"
-#include "files/Failure.h"
 
 namespace corvantis::rig {
 namespace {
@@ -15,6 +15,7 @@ constexpr std::string_view kSimulated = "SIMULATED: no cell was recorded. ";
 constexpr std::string_view kProtocol = " [protocol SHA-256 ";
 constexpr std::string_view kFirst = ", from epoch ";
 constexpr size_t kDigestLength = 64;
+constexpr size_t kLongestNumber = std::numeric_limits<int64_t>::digits10 + 1;
 
 std::string_view Marks(std::string_view comment) {
     const size_t at = comment.rfind(kProtocol);
@@ -24,18 +25,16 @@ std::string_view Marks(std::string_view comment) {
 
 }  // namespace
 
+size_t CommentRoom() {
+    return ITC_COMMENT_LENGTH - 1 - kSimulated.size() - kProtocol.size() - kDigestLength -
+           kFirst.size() - kLongestNumber - 1;
+}
+
 std::string FileComment(std::string_view comment, bool isSimulated, const Origin& origin) {
     const std::string first =
         origin.first == 0 ? std::string() : fmt::format("{}{}", kFirst, origin.first);
     const std::string_view mark = isSimulated ? kSimulated : std::string_view();
-    std::string whole = fmt::format("{}{}{}{}{}]", mark, comment, kProtocol, origin.digest, first);
-    if (whole.size() >= ITC_COMMENT_LENGTH) {
-        const size_t room = ITC_COMMENT_LENGTH - 1 - (whole.size() - comment.size());
-        throw tool::Failure(fmt::format(
-            "the protocol's comment is of {} bytes, and beside the digest {} can be kept",
-            comment.size(), room));
-    }
-    return whole;
+    return fmt::format("{}{}{}{}{}]", mark, comment, kProtocol, origin.digest, first);
 }
 
 std::optional<Origin> OriginOf(std::string_view comment) {

@@ -13,7 +13,10 @@ struct Origin {
     int64_t first = 0;   // of its epochs, where the recording begins
 };
 
-// Throws a Failure if the author's own comment leaves no room for the rest.
+// How long the author's own comment may be, whoever plays and wherever the recording begins: what
+// was recorded once can be gone on with [bytes].
+size_t CommentRoom();
+// Of a comment that has room.
 std::string FileComment(std::string_view comment, bool isSimulated, const Origin& origin);
 
 // What the comment ends with; nothing where it ends otherwise.

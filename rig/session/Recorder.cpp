@@ -119,8 +119,9 @@ void Recorder::ShowSeal(const PlannedEpoch& epoch) {
 
 void Recorder::Report(size_t index, const PlannedEpoch& epoch) {
     if (terminal_.quiet || epoch.seal) return;
-    terminal_.Say("epoch {} of {}: {}\n", index + 1, plan_.epochs.size(),
-                  reading::DisplayText(epoch.content.header.epochComment));
+    const std::string comment = reading::DisplayText(epoch.content.header.epochComment);
+    terminal_.Say("epoch {}, of {}{}{}\n", index, plan_.epochs.size(), comment.empty() ? "" : ": ",
+                  comment);
 }
 
 // Outputs stand at the holding levels already.
@@ -144,7 +145,7 @@ bool Recorder::EndEarly(size_t next, const std::string& what) {
     if (next == plan_.first) {
         terminal_.Say("no epoch is in {}\n", choice_.file);
     } else {
-        terminal_.Say("epochs {} to {} of {} are in {}\n", plan_.first + 1, next,
+        terminal_.Say("epochs {} to {}, of {}, are in {}\n", plan_.first, next - 1,
                       plan_.epochs.size(), choice_.file);
     }
     terminal_.Say("go on with: corvantis record --resume {} -o NEW\n", choice_.file);
@@ -155,7 +156,7 @@ bool Recorder::RecordEpoch(size_t index, const PlannedEpoch& epoch) {
     session_.Prepare(epoch, time_);
     std::string why;
     if (!Play(epoch, why) || (ShowSeal(epoch), !Save(why))) {
-        return EndEarly(index, fmt::format("epoch {} is lost: {}", index + 1, why));
+        return EndEarly(index, fmt::format("epoch {} is lost: {}", index, why));
     }
     if (played_.is_open()) {
         const std::span<const uint16_t> samples = session_.Stimulus();
@@ -170,6 +171,9 @@ bool Recorder::RecordEpoch(size_t index, const PlannedEpoch& epoch) {
 }
 
 bool Recorder::Run() {
+    if (plan_.first > 0 && !terminal_.quiet) {
+        terminal_.Say("epoch {} of the protocol is epoch 0 of {}\n", plan_.first, choice_.file);
+    }
     for (size_t k = plan_.first; k < plan_.epochs.size(); ++k) {
         const PlannedEpoch epoch = PlanEpoch(plan_.protocol, plan_.epochs[k]);
         if (Interruptions() == 0) Pause(epoch);

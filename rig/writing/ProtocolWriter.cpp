@@ -3,8 +3,12 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
 #include <map>
 #include <memory>
+#include <optional>
 
 #include "Corvantis.h"
 #include "CorvantisReading.h"
@@ -117,19 +121,48 @@ bool IsReproducible(Writing& writing, const Epoch& epoch) {
     return true;
 }
 
+// A text as UTF-8 may be longer than it was, and beside a digest there is less room. What is cut
+// off begins with a character's first byte.
+bool Shorten(std::string& comment, size_t room) {
+    if (comment.size() <= room) return false;
+    while (room > 0 && (comment[room] & 0xC0) == 0x80) --room;
+    comment.resize(room);
+    return true;
+}
+
 std::string CommentOf(const char* bytes) {
     const std::string_view all(bytes, ITC_COMMENT_LENGTH);
     return reading::DisplayText(all.substr(0, std::min(all.find('\0'), all.size())));
 }
 
+// Times are stored as floats, and a pause is no more exact than they are [s].
+double AsExactAs(float time, double pause) {
+    const double spacing = double{std::nextafter(time, std::numeric_limits<float>::max())} - time;
+    const double step = std::max(1e-6, std::pow(10, std::ceil(std::log10(spacing))));
+    return std::round(pause / step) * step;
+}
+
+// [s]; nothing where the epoch's time is not behind the one before, or a day later.
+std::optional<double> PauseBefore(const Epoch& epoch, double behind) {
+    const double pause = double{epoch.header.epochTime} - behind;
+    if (!(pause > 0 && pause < 24 * 3600)) return std::nullopt;
+    return AsExactAs(epoch.header.epochTime, pause);
+}
+
+double Seconds(const Epoch& epoch) {
+    return 1e-6 * epoch.header.samplingInterval * epoch.header.epochPoints;
+}
+
 Json EpochJson(Writing& writing, const Epoch& epoch) {
     Json json = Json::object();
-    const std::string comment = CommentOf(epoch.header.epochComment);
+    std::string comment = CommentOf(epoch.header.epochComment);
+    if (Shorten(comment, ITC_COMMENT_LENGTH - 1))
+        Remark(writing, epoch, "its comment is shortened");
     if (!comment.empty()) json["comment"] = WithoutPlaceholders(comment);
     json["samplingInterval"] = epoch.header.samplingInterval;
     json["epochPoints"] = epoch.header.epochPoints;
-    const double pause = double{epoch.header.epochTime} - writing.behind;
-    if (pause > 0 && pause < 24 * 3600) json["pause"] = ValueText(pause, "s");
+    const std::optional<double> pause = PauseBefore(epoch, writing.behind);
+    if (pause) json["pause"] = ValueText(*pause, "s");
     AddHeaderValues(json, epoch.header);
     json["stimuli"] = Json::object();
     for (int32_t entry = 0; entry < epoch.info.entries; ++entry) {
@@ -162,10 +195,21 @@ Json Epochs(Writing& writing) {
         Epoch epoch = {number, {}, {}};
         if (!ReadHeader(writing, epoch)) continue;
         if (IsReproducible(writing, epoch)) epochs.push_back(EpochJson(writing, epoch));
-        writing.behind = double{epoch.header.epochTime} +
-                         1e-6 * epoch.header.samplingInterval * epoch.header.epochPoints;
+        // By the pause that was written, so that what was rounded does not add up.
+        const std::optional<double> pause = PauseBefore(epoch, writing.behind);
+        writing.behind =
+            (pause ? writing.behind + *pause : double{epoch.header.epochTime}) + Seconds(epoch);
     }
     return epochs;
+}
+
+std::string FileCommentOf(const ITCFileHeader& header, WrittenProtocol& written) {
+    std::string comment = OwnComment(CommentOf(header.fileComment));
+    if (Shorten(comment, CommentRoom())) {
+        written.remarks.push_back(fmt::format(
+            "its comment is shortened to {} bytes, for the digest beside it", comment.size()));
+    }
+    return comment;
 }
 
 std::string Written(const std::string& recording, const Json& protocol,
@@ -188,7 +232,7 @@ WrittenProtocol ProtocolOf(const std::string& recording) {
     WrittenProtocol written;
     Writing writing = {opened, written};
     Json epochs = Epochs(writing);
-    Json protocol = {{"comment", OwnComment(CommentOf(header.fileComment))},
+    Json protocol = {{"comment", FileCommentOf(header, written)},
                      {"channels", writing.channelList},
                      {"epochs", std::move(epochs)}};
     written.text = Written(recording, protocol, written.remarks);

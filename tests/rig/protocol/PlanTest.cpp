@@ -65,6 +65,9 @@ TEST(Protocol, SaysLineAndFieldOfWhatCannotBe) {
         {WithStimulus("\"points\": 4, \"tailPoints\": 1", ",\n\"epochPoints\": 9"),
          "p.json:4: epochs[0].stimuli.cell: its lengths are not the epoch's 9 points"},
         {WithStimulus("\"points\": 4", ",\n\"samplingInterval\": 3"), "stands here twice"},
+        {WithStimulus("\"points\": 4",
+                      ",\n\"families\": {\"a\": {\"start\": 0, \"step\": \"1 pA\", \"count\": 2}}"),
+         "families.a.step: is to have the unit of start, which has none"},
     };
     for (const auto& [text, problem] : cases) {
         EXPECT_NE(ProblemOf(text).find(problem), std::string::npos) << problem << "\n"

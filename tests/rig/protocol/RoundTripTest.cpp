@@ -76,6 +76,13 @@ constexpr char kAllTypes[] = R"({
 TEST_F(Recording, OfEveryTypeIsRecordedAgainBitForBit) {
     Write("types.json", kAllTypes);
     ExpectSameAgain("types.json", 1);
+    // As it was written, though times are stored as floats.
+    const std::string again = Content(folder.File("again.json"));
+    size_t pauses = 0;
+    for (size_t at = 0; (at = again.find("\"pause\": \"0.01 s\"", at)) != std::string::npos; ++at) {
+        ++pauses;
+    }
+    EXPECT_EQ(pauses, 6U) << again;
 }
 
 TEST_F(Recording, OfTheDemoIsRecordedAgainBitForBit) { ExpectSameAgain(DEMO_PROTOCOL, 0); }
@@ -86,6 +93,26 @@ TEST_F(Recording, IsWhatEveryExampleAsksFor) {
     }
 }
 
+// 250 characters of 2 bytes each, which leave no room for a digest.
+TEST_F(Recording, GivesAProtocolThatIsTakenHoweverLongItsComment) {
+    Write("types.json", kAllTypes);
+    ASSERT_EQ(Record("types.json -q -o a.dat"), 0) << Messages();
+    std::string comment(ITC_COMMENT_LENGTH, '\0');
+    for (size_t k = 0; k < 250; ++k) comment.replace(2 * k, 2, "\xC3\xA9");
+    std::fstream file(folder.File("a.dat"), std::ios::in | std::ios::out | std::ios::binary);
+    file.seekp(8);
+    file << comment;
+    file.close();
+    EXPECT_EQ(Run(PROTOCOL_PROGRAM " a.dat -o again.json"), 1);
+    EXPECT_NE(Messages().find("a.dat: its comment is shortened to 362 bytes"), std::string::npos)
+        << Messages();
+    EXPECT_EQ(Record("again.json --check"), 0) << Messages();
+    Write("long.json", "{\n\"comment\": \"" + std::string(363, 'x') + "\"," + (kAllTypes + 1));
+    EXPECT_EQ(Record("long.json --check"), 2);
+    EXPECT_NE(Messages().find("long.json:2: comment: is of 363 bytes"), std::string::npos)
+        << Messages();
+}
+
 // Paced in real time, so that the signal comes in mid-epoch: 0.4 s each.
 TEST_F(Recording, EndsAfterTheEpochThatIsInterrupted) {
     Write("slow.json", R"({"rig": {"player": "simulated",
@@ -94,7 +121,8 @@ TEST_F(Recording, EndsAfterTheEpochThatIsInterrupted) {
         {"samplingInterval": 100, "repeats": 50, "stimuli": {"cell":
           {"type": "pulse", "amplitude": 8, "points": 4000}}}]})");
     EXPECT_EQ(Run("timeout --preserve-status -s INT 0.6 " RECORD_PROGRAM " slow.json -o a.dat"), 1);
-    EXPECT_NE(Messages().find("epochs 1 to 2 of 50 are in a.dat"), std::string::npos) << Messages();
+    EXPECT_NE(Messages().find("epochs 0 to 1, of 50, are in a.dat"), std::string::npos)
+        << Messages();
     // Killed, all that is saved is there.
     Run("timeout -s KILL 0.6 " RECORD_PROGRAM " slow.json -o b.dat");
     EXPECT_EQ(Run(PROTOCOL_PROGRAM " b.dat"), 0) << Messages();
@@ -117,11 +145,11 @@ TEST_F(Recording, GoesOnInANewFileWhereTheDiskWasFull) {
           {"type": "pulse", "amplitude": 8, "points": 2000}}}]})");
     // Room for three epochs of some 5 KiB, in blocks of 512 bytes.
     EXPECT_EQ(Run("ulimit -f 32; " RECORD_PROGRAM " types.json -o a.dat --wait-for-room 0"), 1);
-    EXPECT_NE(Messages().find("epoch 4 is lost"), std::string::npos) << Messages();
-    EXPECT_NE(Messages().find("epochs 1 to 3 of 6 are in a.dat"), std::string::npos);
+    EXPECT_NE(Messages().find("epoch 3 is lost"), std::string::npos) << Messages();
+    EXPECT_NE(Messages().find("epochs 0 to 2, of 6, are in a.dat"), std::string::npos);
     EXPECT_NE(Messages().find("--resume a.dat"), std::string::npos);
     ASSERT_EQ(Record("--resume a.dat -o b.dat"), 0) << Messages();
-    EXPECT_NE(Messages().find("epoch 4 of 6"), std::string::npos);
+    EXPECT_NE(Messages().find("epoch 3 of the protocol is epoch 0 of b.dat"), std::string::npos);
     EXPECT_EQ(Record("--resume b.dat -o c.dat"), 2);
     EXPECT_NE(Messages().find("last epoch already"), std::string::npos) << Messages();
 }
@@ -133,7 +161,7 @@ TEST_F(Recording, KeepsItsEpochsWhereTheInterfaceIsLost) {
         {"samplingInterval": 100, "repeats": 6, "stimuli": {"cell":
           {"type": "pulse", "amplitude": 8, "points": 2000}}}]})");
     EXPECT_EQ(Record("lost.json -o a.dat"), 1) << Messages();
-    EXPECT_NE(Messages().find("epoch 3 is lost"), std::string::npos) << Messages();
+    EXPECT_NE(Messages().find("epoch 2 is lost"), std::string::npos) << Messages();
     EXPECT_EQ(Run(PROTOCOL_PROGRAM " a.dat"), 0) << Messages();
 }
 

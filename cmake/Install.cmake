@@ -11,10 +11,10 @@ if(NOT ITC18_DRIVER)
     set_target_properties(ITC18 PROPERTIES EXPORT_NAME Simulator)
     install(FILES driver/ITC18.h driver/simulator/ITC18Simulator.h
             DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-    # Nobody links it.
+    # Nobody links it; it is of use to the programs that record, and is left out where they are.
     install(TARGETS CorvantisSimulatedPlayer
-            RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT library
-            LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library)
+            RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT rig
+            LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT rig)
 endif()
 
 install(TARGETS ${INSTALLED_TARGETS} EXPORT CorvantisTargets

@@ -71,15 +71,15 @@ Recorder::Recorder(const RecordingPlan& plan, const RecordingChoice& choice, Ses
     if (!played_) throw tool::SystemFailure(choice.played);
 }
 
-bool Recorder::Play(const PlannedEpoch& epoch, std::string& why) {
+bool Recorder::Tell(const PlannedEpoch& epoch, std::string& why) {
     const std::vector<PlayerSetting> settings = PlayerSettings(epoch.settings);
-    if (!settings.empty()) {
-        const Answer answer = player_.Change(settings);
-        if (!answer) {
-            why = answer.text;
-            return false;
-        }
-    }
+    if (settings.empty()) return true;
+    const Answer answer = player_.Change(settings);
+    why = answer.text;
+    return static_cast<bool>(answer);
+}
+
+bool Recorder::Play(const PlannedEpoch& epoch, std::string& why) {
     EpochHooks hooks;
     hooks.stopAsked = [] { return Interruptions() > 1; };
     const EpochResult result = PlayEpoch(player_, AskedOf(epoch, session_.Sequence()),
@@ -174,8 +174,16 @@ bool Recorder::Run() {
     if (plan_.first > 0 && !terminal_.quiet) {
         terminal_.Say("epoch {} of the protocol is epoch 0 of {}\n", plan_.first, choice_.file);
     }
-    for (size_t k = plan_.first; k < plan_.epochs.size(); ++k) {
+    // Settings stay, so those of epochs that were recorded before hold as well; and the pause is at
+    // the holding levels of its epoch, which mean something else in another clamp.
+    for (size_t k = 0; k < plan_.epochs.size(); ++k) {
         const PlannedEpoch epoch = PlanEpoch(plan_.protocol, plan_.epochs[k]);
+        std::string why;
+        if (!Tell(epoch, why)) {
+            return EndEarly(std::max(k, plan_.first),
+                            fmt::format("the settings of epoch {}: {}", k, why));
+        }
+        if (k < plan_.first) continue;
         if (Interruptions() == 0) Pause(epoch);
         if (Interruptions() > 0) return EndEarly(k, "interrupted");
         if (!RecordEpoch(k, epoch)) return false;

@@ -33,6 +33,7 @@ class Recorder {
 
   private:
     bool RecordEpoch(size_t index, const PlannedEpoch& epoch);
+    bool Tell(const PlannedEpoch& epoch, std::string& why);
     bool Play(const PlannedEpoch& epoch, std::string& why);
     bool Save(std::string& why);
     void Pause(const PlannedEpoch& epoch);

@@ -89,6 +89,7 @@ TEST_F(Recording, OfTheDemoIsRecordedAgainBitForBit) { ExpectSameAgain(DEMO_PROT
 
 TEST_F(Recording, IsWhatEveryExampleAsksFor) {
     for (const auto& file : std::filesystem::directory_iterator(PROTOCOL_EXAMPLES)) {
+        if (file.path().extension() != ".json") continue;
         EXPECT_EQ(Record(file.path().string() + " --check"), 0) << file.path() << Messages();
     }
 }

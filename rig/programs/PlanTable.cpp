@@ -2,8 +2,12 @@
 #include "programs/PlanTable.h"
 
 #include <fmt/format.h>
+
 #include <algorithm>
 
+#include "plan/Levels.h"
+#include "plan/StoredFields.h"
+#include "stimuli/Stimuli.h"
 #include "stimuli/StimulusWords.h"
 #include "text/Text.h"
 
@@ -44,23 +48,39 @@ void PrintEpoch(const tool::Terminal& table, const PlannedEpoch& epoch, size_t n
     if (!comment.empty()) table.Print("{:>35} {}\n", "", comment);
 }
 
+void AddWrapped(PlanTotals& totals, size_t number, const std::vector<Levels>& levels) {
+    int64_t wrapped = 0;
+    for (const Levels& entry : levels) wrapped += entry.wrapped;
+    if (wrapped > 0 && totals.wrappedEpochs++ == 0) totals.firstWrapped = number;
+    totals.wrapped += wrapped;
+}
+
+bool GoesOn(const reading::Stimulus& stimulus) {
+    const int32_t seed = reading::RowOf(stimulus.type).places.Get().seed;
+    return (seed >= 0 && WholeAt(stimulus.record.data(), seed) < 0) ||
+           std::any_of(stimulus.components.begin(), stimulus.components.end(), GoesOn);
+}
+
+bool HasNoiseThatGoesOn(const PlannedEpoch& epoch) {
+    const std::vector<reading::Stimulus>& stimuli = epoch.content.stimuli;
+    return std::any_of(stimuli.begin(), stimuli.end(), GoesOn);
+}
+
 }  // namespace
 
-PlanTotals SurveyPlan(const Protocol& protocol, const std::vector<Occurrence>& epochs, size_t first,
-                      const tool::Terminal* table) {
+PlanTotals SurveyPlan(const RecordingPlan& plan, const tool::Terminal* table) {
     PlanTotals totals;
     LevelSurvey survey;
     if (table != nullptr) PrintHeading(*table);
-    for (size_t k = first; k < epochs.size(); ++k) {
-        const PlannedEpoch epoch = PlanEpoch(protocol, epochs[k]);
+    for (size_t k = plan.drawnFrom; k < plan.epochs.size(); ++k) {
+        const PlannedEpoch epoch = PlanEpoch(plan.protocol, plan.epochs[k]);
         const std::vector<Levels> levels = survey.Next(epoch);
+        totals.samples = std::max(totals.samples, epoch.Samples());
+        if (k < plan.first) continue;
         totals.microseconds += epoch.pause;
         if (table != nullptr) PrintEpoch(*table, epoch, k, totals.microseconds, levels);
-        int64_t wrapped = 0;
-        for (const Levels& entry : levels) wrapped += entry.wrapped;
-        if (wrapped > 0 && totals.wrappedEpochs++ == 0) totals.firstWrapped = k;
-        totals.wrapped += wrapped;
-        totals.samples = std::max(totals.samples, epoch.Samples());
+        AddWrapped(totals, k, levels);
+        totals.hasNoiseThatGoesOn = totals.hasNoiseThatGoesOn || HasNoiseThatGoesOn(epoch);
         totals.microseconds += epoch.Microseconds();
     }
     return totals;

@@ -2,8 +2,7 @@
 #pragma once
 
 #include "output/Terminal.h"
-#include "plan/Levels.h"
-#include "plan/Occurrences.h"
+#include "session/Recorder.h"
 
 namespace corvantis::rig {
 
@@ -14,11 +13,11 @@ struct PlanTotals {
     int64_t wrapped = 0;       // samples beyond the converter's range
     int64_t wrappedEpochs = 0;
     size_t firstWrapped = 0;
+    bool hasNoiseThatGoesOn = false;
 };
 
 // Plans every epoch and computes its stimulus; prints a line for each if there is a table to print.
-// Throws a Failure.
-PlanTotals SurveyPlan(const Protocol& protocol, const std::vector<Occurrence>& epochs, size_t first,
-                      const tool::Terminal* table);
+// Of those before the first, noise and length alone count. Throws a Failure.
+PlanTotals SurveyPlan(const RecordingPlan& plan, const tool::Terminal* table);
 
 }  // namespace corvantis::rig

@@ -66,14 +66,15 @@ void OpenRig(const Settings& settings, Session& session, OpenPlayer& player) {
     throw Failure("the interface cannot be opened: " + answer.text);
 }
 
-std::string CommentOf(const Protocol& protocol, bool isSimulated, size_t first) {
-    const Node comment = protocol.Root()["comment"];
+std::string CommentOf(const RecordingPlan& plan, bool isSimulated) {
+    const Node comment = plan.protocol.Root()["comment"];
     if (comment && comment.value->text.size() > CommentRoom()) {
         comment.Fail(fmt::format("is of {} bytes, and beside the protocol's digest {} can be kept",
                                  comment.value->text.size(), CommentRoom()));
     }
-    return FileComment(comment ? comment.value->text : std::string(), isSimulated,
-                       {protocol.Digest(), static_cast<int64_t>(first)});
+    return FileComment(
+        comment ? comment.value->text : std::string(), isSimulated,
+        {plan.protocol.Digest(), static_cast<int64_t>(plan.first), plan.drawnFrom < plan.first});
 }
 
 // Before the recording: one without its protocol could not be gone on with.
@@ -96,18 +97,42 @@ void RefuseWrapping(const PlanTotals& totals, const RecordOptions& options) {
                     totals.wrapped, totals.wrappedEpochs, totals.firstWrapped));
 }
 
+// A file gives noise back from its own epochs: fresh generators are what makes a resumed one whole
+// in itself.
+void TellOfNoise(const PlanTotals& totals, const RecordingPlan& plan, const RecordOptions& options,
+                 const tool::Terminal& terminal) {
+    if (plan.drawnFrom < plan.first && options.played.empty()) {
+        throw Failure(
+            "--continue-noise needs --played FILE: the recording cannot give noise back that "
+            "began in another one");
+    }
+    if (plan.first == 0 || plan.drawnFrom < plan.first || !totals.hasNoiseThatGoesOn) return;
+    terminal.Say(
+        "{}: noise with a seed below 0 begins anew, so that the file gives it back; see "
+        "--continue-noise\n",
+        options.output);
+}
+
+// Each epoch once, as an uninterrupted recording would have.
+void DrawEarlierNoise(const RecordingPlan& plan, Session& session) {
+    for (size_t k = plan.drawnFrom; k < plan.first; ++k) {
+        session.Compute(PlanEpoch(plan.protocol, plan.epochs[k]), 0);
+    }
+}
+
 int Record(const RecordOptions& options, const RecordingPlan& plan,
            const tool::Terminal& terminal) {
-    const PlanTotals totals = SurveyPlan(plan.protocol, plan.epochs, plan.first, nullptr);
+    const PlanTotals totals = SurveyPlan(plan, nullptr);
     RefuseWrapping(totals, options);
+    TellOfNoise(totals, plan, options, terminal);
     const PlayerLibrary library = LoadPlayer(plan.protocol);
     const Settings settings = CheckAllSettings(plan, library);
     RequireNew(options.output);
     RequireNew(ProtocolPath(options.output));
-    const std::string comment =
-        CommentOf(plan.protocol, library.Calls().simulated != 0, plan.first);
+    const std::string comment = CommentOf(plan, library.Calls().simulated != 0);
     CountInterruptions();
     Session session(DeviceOf(plan.protocol), totals.samples);
+    DrawEarlierNoise(plan, session);
     OpenPlayer player(library);
     OpenRig(settings, session, player);
     KeepProtocol(plan.protocol.Text(), ProtocolPath(options.output));
@@ -133,8 +158,8 @@ void CheckPlayer(const RecordingPlan& plan, const tool::Terminal& terminal) {
 
 int Check(const RecordingPlan& plan, const tool::Terminal& terminal) {
     CheckPlayer(plan, terminal);
-    const PlanTotals totals = SurveyPlan(plan.protocol, plan.epochs, plan.first, &terminal);
-    CommentOf(plan.protocol, true, plan.first);
+    const PlanTotals totals = SurveyPlan(plan, &terminal);
+    CommentOf(plan, true);
     const size_t epochs = plan.epochs.size() - plan.first;
     terminal.Print("{} epoch{}, {:.3f} s\n", epochs, epochs == 1 ? "" : "s",
                    1e-6 * static_cast<double>(totals.microseconds));
@@ -171,6 +196,7 @@ int RunRecord(const RecordOptions& options, const tool::Terminal& terminal) {
     RecordingPlan plan = {protocol, OccurrencesOf(protocol)};
     if (plan.epochs.empty()) throw Failure(path, "has no epochs");
     plan.first = resumption ? static_cast<size_t>(resumption->origin.first) : 0;
+    plan.drawnFrom = options.continueNoise ? 0 : plan.first;
     if (plan.first >= plan.epochs.size()) {
         throw Failure(options.resumed, "holds the protocol's last epoch already");
     }

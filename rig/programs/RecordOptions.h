@@ -16,6 +16,7 @@ struct RecordOptions {
     bool check = false;
     bool schema = false;
     bool allowWrapping = false;
+    bool continueNoise = false;
     bool watch = false;
     bool quiet = false;
 };

@@ -24,9 +24,15 @@ void AddOptions(CLI::App& app, RecordOptions& options) {
     app.add_option("PROTOCOL", options.protocol, "The protocol file")->type_name("");
     app.add_option("-o,--output", options.output, "The recording, a new file")->type_name("FILE");
     app.add_flag("--check", options.check, "Say what would be played, and play nothing");
-    app.add_option("--resume", options.resumed,
-                   "Go on where this recording ended, by the protocol beside it")
-        ->type_name("FILE");
+    CLI::Option* const resume =
+        app.add_option("--resume", options.resumed,
+                       "Go on where this recording ended, by the protocol beside it")
+            ->type_name("FILE");
+    app.add_flag(
+           "--continue-noise", options.continueNoise,
+           "Let noise with a seed below 0 go on as if nothing had ended; the recording cannot "
+           "give such noise back, so that --played is needed")
+        ->needs(resume);
     app.add_flag("--watch", options.watch, "Show the recording in the browser as it grows");
     app.add_flag("--allow-wrapping", options.allowWrapping,
                  "Play levels beyond the converter's range as its low 16 bits");

@@ -9,8 +9,9 @@
 namespace corvantis::rig {
 
 struct Origin {
-    std::string digest;  // of the protocol's text, SHA-256
-    int64_t first = 0;   // of its epochs, where the recording begins
+    std::string digest;           // of the protocol's text, SHA-256
+    int64_t first = 0;            // of its epochs, where the recording begins
+    bool continuesNoise = false;  // of the epochs before that
 };
 
 // How long the author's own comment may be, whoever plays and wherever the recording begins: what

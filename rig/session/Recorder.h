@@ -15,7 +15,8 @@ namespace corvantis::rig {
 struct RecordingPlan {
     const Protocol& protocol;
     std::vector<Occurrence> epochs;
-    size_t first = 0;  // of them
+    size_t first = 0;      // of them
+    size_t drawnFrom = 0;  // the first of them whose noise is drawn, be it played or not
 };
 
 struct RecordingChoice {

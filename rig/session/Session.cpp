@@ -86,7 +86,7 @@ void Session::CreateFile(const std::string& path, const std::string& comment) {
     hasFile_ = true;
 }
 
-void Session::Prepare(const PlannedEpoch& epoch, double time) {
+void Session::Compute(const PlannedEpoch& epoch, double time) {
     const ITCEpochHeader& header = epoch.content.header;
     Require(ITCSetSeq(epoch.inputs.c_str(), epoch.outputs.c_str()), "channel sequence");
     Require(ITCSetAcqParams(header.samplingInterval, header.epochPoints, header.acqSettingA,
@@ -103,6 +103,10 @@ void Session::Prepare(const PlannedEpoch& epoch, double time) {
     ExcitatoryG = const_cast<float*>(epoch.excitatory.data());
     InhibitoryG = const_cast<float*>(epoch.inhibitory.data());
     Require(ITCUpdateStm(), "stimulus");
+}
+
+void Session::Prepare(const PlannedEpoch& epoch, double time) {
+    Compute(epoch, time);
     StoreMeanOutputs(stimulus_);
     Require(ITCInitAcq(), "interface");
 }

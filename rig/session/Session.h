@@ -23,8 +23,11 @@ class Session {
     // Creates the data file, which must not exist. Throws a Failure.
     void CreateFile(const std::string& path, const std::string& comment);
 
-    // Makes the epoch the current one, computes its stimulus and arms the device. Throws a Failure.
+    // Makes the epoch the current one and computes its stimulus, which draws its noise. Throws a
+    // Failure.
     //   time  of its beginning [s]
+    void Compute(const PlannedEpoch& epoch, double time);
+    // Arms the device too.
     void Prepare(const PlannedEpoch& epoch, double time);
     std::span<const uint16_t> Stimulus() const;
     std::span<uint16_t> Response();

@@ -1,20 +1,15 @@
 // Counting the epochs that are there.
 #include "session/Resumption.h"
 
-#include <memory>
-
 #include "Corvantis.h"
 #include "CorvantisReading.h"
+#include "files/DataFile.h"
 #include "files/Failure.h"
 
 namespace corvantis::rig {
 namespace {
 
 using tool::Require;
-
-struct Closing {
-    void operator()(CorvantisRecording* recording) const { CorvantisClose(recording); }
-};
 
 // Those that can be read: one that a killed save left behind is played again.
 int64_t WholeEpochs(const CorvantisRecording* recording) {
@@ -29,16 +24,13 @@ int64_t WholeEpochs(const CorvantisRecording* recording) {
 }  // namespace
 
 Resumption ResumptionOf(const std::string& recording) {
-    CorvantisProblem problem = {};
-    CorvantisRecording* opened = nullptr;
-    Require(CorvantisOpen(recording.c_str(), &opened, &problem), problem);
-    const std::unique_ptr<CorvantisRecording, Closing> owned(opened);
+    const tool::DataFile opened(recording);
     ITCFileHeader header;
-    Require(CorvantisFileHeader(opened, &header), problem);
+    Require(CorvantisFileHeader(opened.Recording(), &header), {});
     header.fileComment[ITC_COMMENT_LENGTH - 1] = '\0';
     std::optional<Origin> origin = OriginOf(header.fileComment);
     if (!origin) throw tool::Failure(recording, "its comment names no protocol to go on with");
-    origin->first += WholeEpochs(opened);
+    origin->first += WholeEpochs(opened.Recording());
     return {ProtocolPath(recording), *origin};
 }
 

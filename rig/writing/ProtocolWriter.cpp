@@ -7,11 +7,11 @@
 #include <cmath>
 #include <limits>
 #include <map>
-#include <memory>
 #include <optional>
 
 #include "Corvantis.h"
 #include "CorvantisReading.h"
+#include "files/DataFile.h"
 #include "files/Failure.h"
 #include "protocol/Amounts.h"
 #include "session/FileComment.h"
@@ -22,10 +22,6 @@ namespace corvantis::rig {
 namespace {
 
 using tool::Require;
-
-struct Closing {
-    void operator()(CorvantisRecording* recording) const { CorvantisClose(recording); }
-};
 
 struct Writing {
     const CorvantisRecording* recording;
@@ -223,14 +219,11 @@ std::string Written(const std::string& recording, const Json& protocol,
 }  // namespace
 
 WrittenProtocol ProtocolOf(const std::string& recording) {
-    CorvantisProblem problem = {};
-    CorvantisRecording* opened = nullptr;
-    Require(CorvantisOpen(recording.c_str(), &opened, &problem), problem);
-    const std::unique_ptr<CorvantisRecording, Closing> owned(opened);
+    const tool::DataFile opened(recording);
     ITCFileHeader header;
-    Require(CorvantisFileHeader(opened, &header), problem);
+    Require(CorvantisFileHeader(opened.Recording(), &header), {});
     WrittenProtocol written;
-    Writing writing = {opened, written};
+    Writing writing = {opened.Recording(), written};
     Json epochs = Epochs(writing);
     Json protocol = {{"comment", FileCommentOf(header, written)},
                      {"channels", writing.channelList},

@@ -278,7 +278,7 @@ test("large files are read by ranges, and long epochs pan at once", async (repor
 
 test("the command view serves a page, follows a file, and makes pages to mail and for notebooks", async () => {
   const [growing, mailed] = [join(folder, "growing.dat"), join(folder, "mailed.html")];
-  writeLong(growing, demo, epochs[7].position, 4000, 1);
+  writeLong(growing, demo, epochs[7].position, 4000, 2);
   const server = spawn(...python("view", growing, "--no-browser", "--follow"));
   const [line] = await once(server.stdout, "data");
   const served = line.toString().trim();
@@ -295,11 +295,11 @@ test("the command view serves a page, follows a file, and makes pages to mail an
   assert.equal(await status(`${served}0`, { Range: "bytes=0-" }), 400);
 
   const { page, problems } = await visit(context, served);
-  await title(page, "Epoch 0");
-  const grown = join(folder, "grown.dat");
-  writeLong(grown, demo, epochs[7].position, 4000, 2);
-  copyFileSync(grown, growing);
   await title(page, "Epoch 1");
+  const grown = join(folder, "grown.dat");
+  writeLong(grown, demo, epochs[7].position, 4000, 3);
+  copyFileSync(grown, growing);
+  await title(page, "Epoch 2");
   assert.deepEqual(problems, []);
   await page.close();
   server.kill("SIGINT");

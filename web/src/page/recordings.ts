@@ -99,6 +99,11 @@ export async function openWhatCame(): Promise<void> {
     const opened = await trying(client.ask("openAddress", given));
     if (opened !== null) add(opened);
   }
-  if (state.recordings.length > 0) await show(fromAddress(location.hash || shown));
+  const wanted = fromAddress(location.hash || shown);
+  const first = state.recordings[0];
+  // Who follows a recording looks at what comes.
+  if (isFollowed === true && first !== undefined && wanted.epochs.length === 0)
+    wanted.epochs = [Math.max(first.epochs - 1, 0)];
+  if (first !== undefined) await show(wanted);
   if (isFollowed === true) void follow();
 }

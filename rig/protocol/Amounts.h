@@ -15,7 +15,7 @@ namespace corvantis::rig {
 using Names = std::map<std::string, std::string, std::less<>>;
 
 // A text with its placeholders filled; {{ and }} are braces. Throws a Failure for an unknown name.
-std::string Filled(const Node& text, const Names& names);
+std::string Filled(const Node& node, const Names& names);
 // The opposite for a text without placeholders.
 std::string WithoutPlaceholders(std::string_view text);
 

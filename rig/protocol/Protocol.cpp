@@ -27,7 +27,7 @@ size_t Protocol::Epochs() const {
 }
 
 Node Protocol::FieldOf(const Node& epoch, std::string_view name) const {
-    if (const Node own = epoch[name]) return own;
+    if (Node own = epoch[name]) return own;
     const Node defaults = Root()["defaults"];
     return defaults ? defaults[name] : defaults;
 }

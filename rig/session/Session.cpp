@@ -78,6 +78,8 @@ Session::~Session() {
     ITCbufsize = nullptr;
 }
 
+// The library's state is the process's; a session is who may ask for it.
+// NOLINTBEGIN(readability-convert-member-functions-to-static)
 void* Session::Device() const { return itc; }
 
 void Session::CreateFile(const std::string& path, const std::string& comment) {
@@ -129,5 +131,7 @@ bool Session::Save() {
     if (!isSaved) filehdr->numEpochs = before;
     return isSaved;
 }
+
+// NOLINTEND(readability-convert-member-functions-to-static)
 
 }  // namespace corvantis::rig

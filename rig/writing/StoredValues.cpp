@@ -45,7 +45,9 @@ Json ElementOf(const Field& field, size_t element, const void* record) {
     return {};
 }
 
-bool IsNothing(const Json& value) { return value == 0 || value == ""; }
+bool IsNothing(const Json& value) {
+    return value == 0 || (value.is_string() && value.get_ref<const std::string&>().empty());
+}
 
 }  // namespace
 

@@ -141,6 +141,17 @@ TEST_F(Recording, EndsAfterTheEpochThatIsInterrupted) {
     EXPECT_NE(Content(folder.File("out.txt")).find("epochPoints"), std::string::npos);
 }
 
+// In an epoch of 55 s, which nobody waits for.
+TEST_F(Recording, EndsAtOnceWhenInterruptedTwice) {
+    Write("slow.json", R"({"rig": {"player": "simulated",
+        "settings": {"interface": {"pacing": "realTime"}}},
+        "channels": {"cell": {"input": 0, "output": 0}}, "epochs": [
+        {"samplingInterval": 100, "repeats": 2, "stimuli": {"cell": {"type": "pulse", "points": 200}}},
+        {"samplingInterval": 1000, "stimuli": {"cell": {"type": "pulse", "points": 55000}}}]})");
+    EXPECT_EQ(RunUntilEpoch1("INT $pid; sleep 0.1; kill -INT", "a.dat"), 1);
+    EXPECT_NE(Messages().find("epochs 0 to 1, of 3, are in a.dat"), std::string::npos);
+}
+
 TEST_F(Recording, NeverOverwritesAndSaysSimulated) {
     Write("types.json", kAllTypes);
     ASSERT_EQ(Record("types.json -q -o a.dat"), 0);

@@ -125,7 +125,7 @@ void Recorder::Report(size_t index, const PlannedEpoch& epoch) {
 }
 
 // Outputs stand at the holding levels already.
-void Recorder::Pause(const PlannedEpoch& epoch) {
+bool Recorder::Pause(const PlannedEpoch& epoch, std::string& why) {
     for (size_t entry = 0; entry < epoch.holding.size(); ++entry) {
         const char output = epoch.outputs[entry];
         levels_[output == 'D' ? 4 : output - '0'] = static_cast<uint16_t>(epoch.holding[entry]);
@@ -134,10 +134,25 @@ void Recorder::Pause(const PlannedEpoch& epoch) {
     do {
         const int64_t now = std::min(left, kLongestWait);
         const Answer answer = player_.Wait(now, levels_);
-        if (!answer) throw tool::Failure("the pause before an epoch: " + answer.text);
+        if (!answer) {
+            why = "in the pause before it: " + answer.text;
+            return false;
+        }
         left -= now;
     } while (left > 0 && Interruptions() == 0);
     time_ += 1e-6 * static_cast<double>(epoch.pause);
+    return true;
+}
+
+// The device may refuse in mid-experiment.
+bool Recorder::Prepare(const PlannedEpoch& epoch, std::string& why) {
+    try {
+        session_.Prepare(epoch, time_);
+    } catch (const tool::Failure& failure) {
+        why = failure.what();
+        return false;
+    }
+    return true;
 }
 
 bool Recorder::EndEarly(size_t next, const std::string& what) {
@@ -153,9 +168,8 @@ bool Recorder::EndEarly(size_t next, const std::string& what) {
 }
 
 bool Recorder::RecordEpoch(size_t index, const PlannedEpoch& epoch) {
-    session_.Prepare(epoch, time_);
     std::string why;
-    if (!Play(epoch, why) || (ShowSeal(epoch), !Save(why))) {
+    if (!Prepare(epoch, why) || !Play(epoch, why) || (ShowSeal(epoch), !Save(why))) {
         return EndEarly(index, fmt::format("epoch {} is lost: {}", index, why));
     }
     if (played_.is_open()) {
@@ -184,7 +198,9 @@ bool Recorder::Run() {
                             fmt::format("the settings of epoch {}: {}", k, why));
         }
         if (k < plan_.first) continue;
-        if (Interruptions() == 0) Pause(epoch);
+        if (Interruptions() == 0 && !Pause(epoch, why)) {
+            return EndEarly(k, fmt::format("epoch {} is lost: {}", k, why));
+        }
         if (Interruptions() > 0) return EndEarly(k, "interrupted");
         if (!RecordEpoch(k, epoch)) return false;
         time_ += 1e-6 * static_cast<double>(epoch.Microseconds());

@@ -37,7 +37,8 @@ class Recorder {
     bool Tell(const PlannedEpoch& epoch, std::string& why);
     bool Play(const PlannedEpoch& epoch, std::string& why);
     bool Save(std::string& why);
-    void Pause(const PlannedEpoch& epoch);
+    bool Pause(const PlannedEpoch& epoch, std::string& why);
+    bool Prepare(const PlannedEpoch& epoch, std::string& why);
     void ShowSeal(const PlannedEpoch& epoch);
     void Report(size_t index, const PlannedEpoch& epoch);
     bool EndEarly(size_t next, const std::string& what);

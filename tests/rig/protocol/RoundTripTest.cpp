@@ -186,6 +186,15 @@ TEST_F(Recording, KeepsItsEpochsWhereTheInterfaceIsLost) {
     EXPECT_EQ(Record("lost.json -o a.dat"), 1) << Messages();
     EXPECT_NE(Messages().find("epoch 2 is lost"), std::string::npos) << Messages();
     EXPECT_EQ(Run(PROTOCOL_PROGRAM " a.dat"), 0) << Messages();
+    // Between two epochs as well it is said which is lost, and how to go on.
+    Write("wait.json", R"({"rig": {"player": "simulated",
+        "settings": {"interface": {"failCall": "wait", "failAt": 3}}},
+        "channels": {"cell": {"input": 0, "output": 0}}, "epochs": [
+        {"samplingInterval": 100, "repeats": 6, "stimuli": {"cell":
+          {"type": "pulse", "amplitude": 8, "points": 200}}}]})");
+    EXPECT_EQ(Record("wait.json -o b.dat"), 1) << Messages();
+    EXPECT_NE(Messages().find("epoch 2 is lost: in the pause"), std::string::npos) << Messages();
+    EXPECT_NE(Messages().find("--resume b.dat"), std::string::npos) << Messages();
 }
 
 // 200 and 10 MOhm, 100 pF: in another clamp the seal test would measure nothing of the kind, nor
